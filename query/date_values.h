@@ -1,0 +1,21 @@
+// Date and time values: between the user's formats and those of the SQL.
+#pragma once
+
+#include "model/sql_formats.h"
+#include "model/sql_syntax.h"
+#include "platform/field_types.h"
+
+#include <string>
+#include <string_view>
+
+namespace lumora {
+
+// A value in the user's format as SQL text in the model's format for the type. Under ssOracle a call of
+// TO_DATE: with its arguments in double quotes and the date alone, or, `strict`, a literal that holds the
+// time too. EConvertError when the text is no date or time.
+std::string DateValueToSQL(const TSQLFormats& formats, TFieldType type, std::string_view text,
+                           TSQLSyntax syntax, bool strict);
+// A value in the model's format for the type as the user's date-time text. EConvertError as above.
+std::string DateValueFromSQL(const TSQLFormats& formats, TFieldType type, std::string_view text);
+
+} // namespace lumora

@@ -1,0 +1,31 @@
+// Failures of a query and of the panel that holds it.
+#pragma once
+
+#include "model/Lmglobal.h"
+
+#include <initializer_list>
+#include <string_view>
+
+namespace lumora {
+
+enum TQueryPanelErrorCode : int {
+    qpeNoEnoughInfo = 1,
+    qpeWrongLink = 2,
+    qpeNoDBStruct = 3,
+    qpeInvalidFltrTitle = 4,
+    qpeInvalidStrFmt = 5,
+    qpeUnrecognizedField = 6,
+    qpeUnrecognizedOperator = 7,
+    qpeQueryWasNotBuilt = 8,
+    qpeInvalidValue = 9,
+    qpeUnknownCondition = 10,
+    qpeTooDeep = 11
+};
+
+class EVQueryPanelError : public EVLumoraError {
+public:
+    explicit EVQueryPanelError(TQueryPanelErrorCode code,
+                               std::initializer_list<std::string_view> arguments = {});
+};
+
+} // namespace lumora
