@@ -468,6 +468,8 @@ void TVCustomDBStructure::Loaded() {
     if (!storedStruct_.Empty())
         LoadFromStrings(storedStruct_);
     storedStruct_.Clear();
+    for (TModelListener* const listener : listeners_)
+        listener->ModelReplaced(); // whoever waits for the model of a form can go on
 }
 
 std::span<const TPropertyInfo> TVDBStructure::PublishedProperties() const {

@@ -297,7 +297,7 @@ void TVQueryPanel::ModelReplaced() {
     state_ = was;
     for (TFilterCond* const row : lost)
         row->GetParent()->DeleteRow(row->GetIndex());
-    RefreshMainTable();
+    InitStructureRelatedProperties();
     view_->UpdateMenus();
     view_->PlaceAllRows();
     view_->Repaint();

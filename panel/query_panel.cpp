@@ -79,7 +79,7 @@ void TVQueryPanel::SetDbStruct(TVCustomDBStructure* structure) {
 
 void TVQueryPanel::InitStructureRelatedProperties() {
     result_.DbStructChanged(dbStruct_);
-    if (!pendingRFields_.Empty()) {
+    if (!pendingRFields_.Empty() && !dbStruct_->IsLoading()) {
         result_.GetResultFields().LoadFromStrings(pendingRFields_);
         pendingRFields_.Clear();
     }

@@ -1,0 +1,288 @@
+#include "tests/fixtures.h"
+
+#include <gtest/gtest.h>
+
+using namespace lumora;
+using namespace lumora::tests;
+
+TEST(Messages, CarryCodeAndText) {
+    const TVDBStructure model;
+    try {
+        model.GetTable(7);
+        FAIL();
+    } catch (const EVDBStructError& error) {
+        EXPECT_EQ(error.Code, dseInvalidTableIndex);
+        EXPECT_STREQ(error.what(), "Invalid table index 7");
+    }
+    EXPECT_EQ(Message(static_cast<TMessageId>(65535)), "Invalid filter title");
+    EXPECT_EQ(MessageRecordName(msgCantFindFieldInTbl), "_SDBSECantFindFieldInTbl");
+    EXPECT_EQ(StrToFldType(FldTypeToStr(ftGuid)), 35);
+    EXPECT_EQ(StrToFldType("ftNothing"), -1);
+    SetMessage(msgNoTable, "Pas de table %s");
+    EXPECT_EQ(MessageOf<EVDBStructError>([&] { static_cast<void>(model.GetPath("a", "b")); }),
+              "Pas de table a");
+    SetMessage(msgNoTable, "No such table %s");
+}
+
+TEST(Tables, RenderTheirSQL) {
+    TVDBStructure model;
+    TDSTable& table = *model.GetTable(model.AddTable("Order Items", "Items"));
+    EXPECT_EQ(table.GetAlias(), "Order_Items");
+    EXPECT_EQ(table.GetSQLExpr(), "Order Items Order_Items");
+    table.SetQuoted(true);
+    table.SetAlias("OI");
+    table.SetHints("NOLOCK");
+    EXPECT_EQ(table.GetSQLExpr(), "\"Order Items\" OI WITH NOLOCK");
+    model.GetSQLFormats().SetQuoteSymbol1('[');
+    model.GetSQLFormats().SetQuoteSymbol2(']');
+    table.SetName("a]b");
+    table.SetHints("");
+    EXPECT_EQ(table.GetSQLExpr(), "[a]b] OI");
+    EXPECT_EQ(table.GetSQLExpr(nqStrict), "[a]]b] OI");
+    // A name that begins with a double quote counts as quoted; strictly, only when it is quoted well.
+    table.SetName("\"s\".\"t\"");
+    EXPECT_EQ(table.GetSQLExpr(nqStrict), "\"s\".\"t\" OI");
+    table.SetName("\"s; drop");
+    EXPECT_EQ(table.GetSQLExpr(), "\"s; drop OI");
+    EXPECT_EQ(table.GetSQLExpr(nqStrict), "[\"s; drop] OI");
+}
+
+TEST(Fields, KnowTheirTablesAndNames) {
+    TShop shop;
+    TDSField& field = *shop.Field("orders.amount");
+    field.SetQuoted(true);
+    EXPECT_EQ(field.GetSQLExpr(), "orders.\"amount\"");
+    EXPECT_EQ(field.GetFullName(), "orders.amount");
+    EXPECT_THROW(field.SetSQLExpr("1"), EVDBStructError);
+
+    shop.Model.GetTable(0)->SetAlias("C");
+    const int index =
+        shop.Model.AddField(vfkVirtual, "orders.amount * 2 || 'lines.x' || c.Custno", "Twice", nullptr);
+    TDSField& twice = *shop.Model.GetField(index);
+    EXPECT_EQ(twice.GetTables(), (TDSTableList{shop.Model.GetTable(1), shop.Model.GetTable(0)}));
+    EXPECT_EQ(twice.GetReferences(), (std::vector<std::string>{"orders.amount", "c.Custno"}));
+    EXPECT_EQ(twice.GetGroupByFields(), "orders.amount,c.Custno");
+    EXPECT_EQ(twice.FieldType, ftString);
+    EXPECT_THROW(twice.SetFieldName("x"), EVDBStructError);
+
+    shop.Model.GetFieldGroups().AddGroup("Money", &field);
+    EXPECT_EQ(field.GetCompoundName(), "Money.amount");
+    int at = 0;
+    EXPECT_EQ(shop.Model.GetFieldGroups().FindByField(&field, at), field.GetGroup());
+    EXPECT_EQ(at, 0);
+    shop.Model.GetFieldGroups().Delete(0);
+    EXPECT_EQ(shop.Model.GetRootGroup().Fields.back(), &field);
+}
+
+TEST(Fields, AreFoundThroughEveryChange) {
+    TShop shop;
+    TDSField* const amount = shop.Field("orders.amount");
+    EXPECT_EQ(shop.Model.FieldByName(0, "AMOUNT"), amount);
+    EXPECT_EQ(shop.Field("  ORDERS . Amount "), amount);
+    shop.Model.GetTable(1)->SetAlias("o");
+    EXPECT_EQ(shop.Field("orders.amount"), nullptr);
+    EXPECT_EQ(shop.Field("o.amount"), amount);
+    shop.Model.GetSQLFormats().SetQuoteSymbol1('`');
+    amount->SetQuoted(true);
+    EXPECT_EQ(shop.Field("o.`amount\""), amount);
+    amount->SetDisplayName("Total");
+    EXPECT_EQ(shop.Model.FieldByName(1, "total"), amount);
+    // The first of equal names is found, whichever came to the list when.
+    EXPECT_EQ(shop.Model.FieldByName(0, "custno")->GetTable(), shop.Model.GetTable(0));
+    shop.Model.DelField(0);
+    EXPECT_EQ(shop.Model.FieldByName(0, "custno")->GetTable(), shop.Model.GetTable(1));
+    EXPECT_EQ(shop.Model.FieldByID(1), nullptr);
+}
+
+TEST(Fields, TakeIDsTypesAndOperators) {
+    TShop shop;
+    const int last = shop.Model.GetFieldCount() - 1;
+    const int lastID = shop.Model.GetField(last)->GetID();
+    shop.Model.DelField(0);
+    const int added = shop.Model.AddField(vfkData, "COMPANY", "Firm", shop.Model.GetTable(0));
+    EXPECT_EQ(shop.Model.GetField(added)->GetID(), lastID + 1);
+    EXPECT_EQ(shop.Model.GetField(added)->FieldSize, 40);
+    shop.Model.DelField(added);
+    EXPECT_EQ(shop.Model.GetField(shop.Model.AddField(vfkVirtual, "1", "One", nullptr))->GetID(), lastID + 1);
+    EXPECT_EQ(
+        MessageOf<EVDBStructError>([&] { shop.Model.AddField(vfkData, "x", "", shop.Model.GetTable(0)); }),
+        "Can not find field \"x\" in table \"customers\"");
+
+    TDSField& active = *shop.Field("customers.active");
+    EXPECT_EQ(active.GetOperatCount(), 5); // Equal, NotEqual, IsNull and the two lists
+    EXPECT_EQ(MessageOf<EVDBStructError>([&] { active.AddOperatorByName("Near"); }),
+              "Operator not found: Near");
+    active.AddOperatorByName("EqualTo");
+    EXPECT_EQ(active.GetOperatCount(), 5);
+    active.MoveOperat(0, 4);
+    EXPECT_EQ(active.GetOperator(4)->GetName(), "Equal");
+    EXPECT_EQ(active.ValueAsString("it's"), "'it''s'");
+
+    shop.Model.SetDatabaseInfo(nullptr);
+    EXPECT_EQ(MessageOf<EVDBStructError>([&] { shop.Model.AddField(vfkVirtual, "1", "", nullptr); }),
+              "DatabaseInfo is not specified");
+}
+
+TEST(Operators, FollowTheirGroups) {
+    TVDBStructure model;
+    ASSERT_EQ(model.GetOperatCount(), 15);
+    EXPECT_EQ(model.OperatorByName("greaterthan")->GetSQLName(), "@f >'@1'");
+    EXPECT_EQ(model.OperatorByName("NotInList")->ValueKind, vkList);
+    EXPECT_EQ(model.OperatorByName("Between")->ValFormat, "and");
+    EXPECT_EQ(model.OperatorByName("Between")->GetParamCount(), 2);
+    EXPECT_EQ(model.OperatorByExpr("IN (")->GetName(), "InList");
+    model.SetExOperators({xoInList, xoStartsWith, xoBetween});
+    EXPECT_EQ(model.OperatorByName("Contains"), nullptr);
+    EXPECT_EQ(model.OperatorByName("NotContains"), nullptr);
+    model.SetExOperators(AllExOperators);
+    EXPECT_EQ(model.GetOperator(14)->GetName(), "NotContains");
+    EXPECT_EQ(model.OperatorByName("Contains")->DisplayName, "contains");
+
+    TStringList captions("Equal=ist gleich\nInList=in Liste\nNotInList=nicht in Liste\n");
+    model.SetDefOperators(captions);
+    model.MergeDefOperators();
+    model.UpdateDefOperators();
+    EXPECT_EQ(model.OperatorByName("Equal")->DisplayName, "ist gleich");
+    EXPECT_EQ(model.OperatorByName("InList")->DisplayName, "in Liste");
+    EXPECT_EQ(model.OperatorByName("NotInList")->DisplayName, "is not in list"); // never refreshed here
+    EXPECT_EQ(model.GetDefOperator("IsNull"), "is null");
+
+    EXPECT_EQ(SaveAppliedTypes({ftInteger, ftString}), "ftString,ftInteger,");
+    EXPECT_EQ(ReadAppliedTypes("ftString,ftInteger,"), (TAppliedTypes{ftInteger, ftString}));
+    EXPECT_EQ(ReadAppliedTypes("1,3,40,99,", 1.9), (TAppliedTypes{ftInteger, ftString}));
+}
+
+TEST(Operators, LeaveFieldsWhenTheyGo) {
+    TShop shop;
+    TDSField& company = *shop.Field("customers.company");
+    const int count = company.GetOperatCount();
+    shop.Model.DeleteOperatorByName("Equal");
+    EXPECT_EQ(company.GetOperatCount(), count - 1);
+    shop.Model.SetExOperators({});
+    EXPECT_EQ(company.GetOperatCount(), 6);
+    EXPECT_EQ(shop.Model.GetUnrecognizedField()->GetOperatCount(), 6);
+    TDSOperator op;
+    op.SetSQLName("@f = @2");
+    EXPECT_EQ(op.GetParamCount(), 0);
+}
+
+TEST(ValueEditors, HoldTheirSettings) {
+    TShop shop;
+    TDSField& field = *shop.Field("customers.company");
+    field.SetEditType(etEdit);
+    auto& text = dynamic_cast<TDSTextEditor&>(*field.GetValueEditor());
+    text.SetOption(1 | 4, true);
+    text.SetOption(2, true);
+    EXPECT_EQ(text.GetOptions(), 2 | 4);
+    EXPECT_FALSE(text.GetOption(1 | 2));
+
+    field.SetEditType(etSQL);
+    auto& sql = dynamic_cast<TDSSQLEditor&>(*field.GetValueEditor());
+    sql.SQL.SetText("select code, name from t\nwhere Region = :Region\n");
+    sql.SetSQLParams(TStringList("Region=WEST\n"));
+    EXPECT_TRUE(sql.HasParameter("Region"));
+    sql.SetOpened(true);
+    EXPECT_EQ(shop.Info.LastSQL, "select code, name from t\nwhere Region = WEST\n");
+    EXPECT_EQ(sql.Values[1], "S");
+    EXPECT_EQ(sql.Items[1], "Sweden");
+    sql.SetSQLParams(TStringList("Region=EAST\n"));
+    EXPECT_FALSE(sql.GetOpened());
+    EXPECT_EQ(sql.Items.Count(), 0);
+    shop.Model.SetDatabaseInfo(nullptr);
+    EXPECT_THROW(sql.Refresh(), EVDBStructError);
+    EXPECT_FALSE(sql.GetOpened());
+}
+
+TEST(Conditions, MakeValueSlotsFromTheirFormat) {
+    TShop shop;
+    TDSCondition& condition =
+        *shop.Model.AddCondition(5, "Placed between @ and @ only", "orders.placed between '@1' and '@2'");
+    ASSERT_EQ(condition.Values.size(), 2u);
+    EXPECT_EQ(condition.Values[1].Text, " and ");
+    EXPECT_EQ(condition.GetCaption(), "Placed between   and ");
+    EXPECT_EQ(condition.GetTables(), TDSTableList{shop.Model.GetTable(1)});
+    EXPECT_EQ(shop.Model.ConditionByID(5), &condition);
+    EXPECT_EQ(shop.Model.ConditionIndexByID(6), -1);
+    condition.SetDisplayFormat("All of them");
+    EXPECT_EQ(condition.GetCaption(), "All of them");
+    EXPECT_TRUE(condition.Values.empty());
+    shop.Model.DelTable(1);
+    EXPECT_TRUE(condition.GetTables().empty());
+}
+
+TEST(Links, AreReadAndWrittenAsLines) {
+    TVDBStructure model;
+    for (const char* const name : {"a", "b", "a-b", "c:d"})
+        model.AddTable(name, name);
+    model.AddLinkByExpr("a-b:x=y,z!=w");
+    model.AddLinkByExpr("A-B-c:d:p>=q");
+    EXPECT_EQ(model.GetLink(0)->Operators.GetCommaText(), "=,!=");
+    EXPECT_EQ(model.GetLink(1)->Table1->GetName(), "a-b");
+    EXPECT_EQ(model.GetLink(1)->Table2->GetName(), "c:d");
+    TStringList lines;
+    model.SaveLinksToStrings(lines);
+    EXPECT_EQ(lines.GetText(), "a-b:x=y,z!=w\na-b-c:d:p>=q\n");
+    EXPECT_EQ(MessageOf<EVDBStructError>([&] { model.AddLinkByExpr("a-q:x=y"); }), "No such table q");
+    EXPECT_EQ(MessageOf<EVDBStructError>([&] { model.AddLinkByExpr("nonsense"); }), "No such table nonsense");
+    EXPECT_THROW(model.AddLinkByExpr(std::string(1'000'000, '-')), EVDBStructError);
+    EXPECT_EQ(model.GetLinkCount(), 2);
+    EXPECT_EQ(model.FindLink("b", "a"), model.GetLink(0));
+    EXPECT_EQ(model.FindLink("B", "a"), nullptr);
+    model.DelTable(1);
+    EXPECT_EQ(model.GetLinkCount(), 1);
+    EXPECT_TRUE(model.GetTable(0)->GetLinks().empty());
+}
+
+TEST(Model, FillsItselfFromAProvider) {
+    TShop shop;
+    EXPECT_EQ(shop.Model.GetTableCount(), 3);
+    EXPECT_EQ(shop.Model.GetFieldCount(), 10);
+    int changes = 0;
+    shop.Model.OnChange = [&](TVCustomDBStructure&) { ++changes; };
+    shop.Info.Links.SetText("orders-lines:no=no\n");
+    shop.Info.OnLinksRequest = [](TVDBInfo&, TStringList& links) {
+        links.Add("customers-orders:custno=custno");
+    };
+    shop.Model.RetriveDataModelInfo();
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(shop.Model.GetLinkCount(), 2);
+    shop.Model.BeginUpdate();
+    shop.Model.AddTable("x", "x");
+    shop.Model.EndUpdate();
+    EXPECT_EQ(changes, 1);
+
+    TVDBStructure copy;
+    copy.Assign(shop.Model);
+    EXPECT_EQ(copy.GetStructString(), shop.Model.GetStructString());
+    {
+        TMemoryInfo other;
+        shop.Model.SetDatabaseInfo(&other);
+    }
+    EXPECT_EQ(shop.Model.GetDatabaseInfo(), nullptr);
+}
+
+TEST(Provider, AsksForATableOnce) {
+    TMemoryInfo info;
+    info.Tables = {{"t", {{"Name", 3, ftString}}}};
+    EXPECT_EQ(info.GetFieldList("t").FindByName("NAME")->Size, 3);
+    info.GetFieldList("t");
+    EXPECT_EQ(info.FieldRequests, 1);
+    EXPECT_EQ(info.GetFieldList("T").Count(), 0);
+    info.Update();
+    TStringList names;
+    info.GetFieldNamesByTable("t", names);
+    EXPECT_EQ(names.GetCommaText(), "Name");
+    EXPECT_EQ(info.FieldRequests, 3);
+    TStringList settings("a=b\n");
+    TVDBInfo().LoadInfo(settings);
+    EXPECT_TRUE(settings.Empty());
+}
+
+TEST(Grid, EmptiesARow) {
+    TStringGrid grid(2, 2);
+    grid.Cell(0, 0) = "kept";
+    grid.Cell(1, 1) = "gone";
+    EmptyGridRow(grid, 1);
+    EXPECT_EQ(grid.Cell(0, 0), "kept");
+    EXPECT_EQ(grid.Cell(1, 1), "");
+}

@@ -1,0 +1,254 @@
+#include "panel/default_titles.h"
+#include "platform/formats.h"
+#include "platform/text_file.h"
+#include "tests/fixtures.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <random>
+
+using namespace lumora;
+using namespace lumora::tests;
+
+namespace {
+
+std::string Saved(TVQueryPanel& panel) {
+    TStringList lines;
+    panel.SaveToStrings(lines);
+    return lines.GetText();
+}
+
+void Load(TVQueryPanel& panel, std::string_view text) {
+    panel.LoadFromStrings(TStringList(text));
+}
+
+// A query with one of everything; the titles are left out.
+void FillQuery(TShop& shop) {
+    shop.Model.AddCondition(8, "Placed after @", "orders.placed > '@1'")->Values[0].SetDataType(ftDateTime);
+    const int sub = shop.Model.AddOperator("InSub", "is in", "@f in (@1)", "", LmUsedTypes);
+    shop.Model.GetOperator(sub)->ValueKind = vkSubQuery;
+    shop.Panel.SetSaveTitles(false);
+    shop.Panel.SetQueryName("One = [two]");
+    shop.Panel.SetDescription(TStringList("first\n\nlast\n\n"));
+    shop.Panel.SetUserData(TStringList("k=v\n"));
+    shop.Select("orders.amount", "Total")->SetSorting(stDescending);
+    shop.Root().SetLinkType(fltNotAll);
+    shop.Where("customers.since", "Between", "2001-03-05", "")->SetCaption(1, "in March");
+    TFilterBracket& bracket = *shop.Panel.AddBracket(shop.Root());
+    bracket.SetLinkType(fltAny);
+    shop.Where("customers.company", "Contains", "x", "", &bracket)->SetValueIsParam(1, true);
+    shop.Panel.GetQResult().GetParam(0)->Name = "Word";
+    shop.Panel.GetQResult().GetParam(0)->ValueFormat = "%@v%";
+    shop.Where("orders.placed", "Between", "2001-03-05 14:30:00", "2001-03-06", &bracket)->SetEnabled(false);
+    shop.Where("lines.at", "InList", "14:30:00,09:00:00", "", &bracket);
+    shop.Panel.AddCustomCondition(bracket, *shop.Model.ConditionByID(8))->SetValue(1, "2001-03-05");
+    TSimpleCond* const in = shop.Where("orders.amount", "InSub", "select amount from orders");
+    in->SetHint("select amount\nfrom orders");
+    in->SetSubQuery(TStringList("[Main]\nQueryName=a \"b\", c\n\n"));
+    in->SetSubQueryOptions({soSelectDistinct, soBracketJoins});
+}
+
+} // namespace
+
+TEST(QueryText, IsWrittenAsItsFormatSays) {
+    TShop shop;
+    FillQuery(shop);
+    EXPECT_EQ(
+        Saved(shop.Panel),
+        "[Main]\nQueryName=One = [two]\nVersion=3.5\nOptions=\n\n"
+        "[Description]\nfirst\n\nlast\n\n\n[UserData]\nk=v\n\n"
+        "[RFields]\nCount=1\nVersion=3.5\nJustSorting=0\n"
+        "[RField1]\nFormula=@1\nFields=6\nAlias=Total\nCaption=Total\nSorting=2\nSortOrder=1\n"
+        "[Row]\nEnabled=1\nRowType=1\nLinkType=3\nRowCount=3\n\n"
+        "[Row1.]\nRowType=0\nEnabled=1\nFieldID=3\nParam1=0\nParam2=0\nOperator=Between\nValue1="
+        "36955\nValue2=\n"
+        "Caption1=in March\nCaption2=\nSubQuery=\nSubQueryOptions=0\n\n"
+        "[Row2.]\nEnabled=1\nRowType=1\nLinkType=1\nRowCount=4\n\n"
+        "[Row2.1.]\nRowType=0\nEnabled=1\nFieldID=2\nParam1=1\nParam2=0\nOperator=Contains\nValue1="
+        "Word\nValue2=\n"
+        "VFormat1=%@v%\nCaption2=\nSubQuery=\nSubQueryOptions=0\n\n"
+        "[Row2.2.]\nRowType=0\nEnabled=0\nFieldID=7\nParam1=0\nParam2=0\nOperator=Between\n"
+        "Value1=36955.6041666667\nValue2=36956\nCaption1=\nCaption2=\nSubQuery=\nSubQueryOptions=0\n\n"
+        "[Row2.3.]\nRowType=0\nEnabled=1\nFieldID=10\nParam1=0\nParam2=0\nOperator=InList\n"
+        "Value1=0.604166666666667,0.375\nValue2=\nCaption1=\nCaption2=\nSubQuery=\nSubQueryOptions=0\n\n"
+        "[Row2.4.]\nRowType=2\nEnabled=1\nCondID=8\nParam1=0\nParam2=0\nValue1=36955\nValue2=\n"
+        "Caption1=\nCaption2=\nSubQuery=\nSubQueryOptions=0\n\n"
+        "[Row3.]\nRowType=0\nEnabled=1\nFieldID=6\nParam1=0\nParam2=0\nOperator=InSub\n"
+        "Value1=select amount  from orders\nValue2=\nCaption1=\nCaption2=\n"
+        "SubQuery=[Main],\"QueryName=a \"\"b\"\", c\",\nSubQueryOptions=18\n\n");
+}
+
+TEST(QueryText, ReadsBackWhole) {
+    TShop shop;
+    FillQuery(shop);
+    const std::string text = Saved(shop.Panel);
+    const std::string sql = shop.SQL();
+    int changes = 0, paramChanges = 0;
+    shop.Panel.OnChange = [&](TVQueryPanel&) { ++changes; };
+    shop.Panel.OnParamListChange = [&](TVQueryPanel&) { ++paramChanges; };
+    Load(shop.Panel, text);
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(paramChanges, 1);
+    EXPECT_TRUE(shop.Panel.GetActive());
+    EXPECT_EQ(Saved(shop.Panel), text);
+    EXPECT_EQ(shop.SQL(), sql);
+    const auto value = [&](const char* id, int k) {
+        return static_cast<TFilterCond*>(shop.Root().RowByID(id))->GetValue(k);
+    };
+    EXPECT_EQ(value("2.2.", 1), "2001-03-05 14:30:00");
+    EXPECT_EQ(value("2.2.", 2), "2001-03-06");
+    EXPECT_EQ(value("2.3.", 1), "14:30:00,09:00:00");
+    EXPECT_EQ(value("1.", 2), "");
+    EXPECT_EQ(static_cast<TFilterCond*>(shop.Root().RowByID("3."))->GetHint(), "select amount\nfrom orders");
+    EXPECT_EQ(shop.Root().RowByID("2.9."), nullptr);
+    FormatSettings().ShortDateFormat = "d mmmm yyyy";
+    Load(shop.Panel, text);
+    EXPECT_EQ(value("1.", 1), "5 03 2001");
+    FormatSettings().ShortDateFormat = "yyyy-mm-dd";
+}
+
+TEST(QueryText, KeepsEnabledAsWritten) {
+    TShop shop;
+    Load(shop.Panel, "[Main]\nVersion=3.5\n[Row]\nEnabled=0\nRowType=1\nLinkType=0\nRowCount=1\n"
+                     "[Row1.]\nEnabled=1\nRowType=1\nLinkType=0\nRowCount=1\n"
+                     "[Row1.1.]\nRowType=0\nEnabled=0\nFieldID=1\nOperator=Equal\nValue1=1\n");
+    EXPECT_FALSE(shop.Root().GetEnabled());
+    EXPECT_TRUE(shop.Root().GetRow(0)->GetEnabled());
+    EXPECT_FALSE(shop.Root().RowByID("1.1.")->GetEnabled());
+}
+
+TEST(QueryText, CarriesTitlesAndOptions) {
+    TShop shop;
+    EXPECT_EQ(Saved(shop.Panel).find("[Query Panel]\nttlFilter=Choose records where @"), 0u);
+    EXPECT_EQ(DefaultTitles().Count(), 52);
+    EXPECT_EQ(shop.Panel.GetTitles(), DefaultTitles());
+    shop.Panel.SetTitle("ttlAll", "alle");
+    shop.Panel.SetTitle("ttlUnknown", "x");
+    shop.Panel.SetSaveSQLOptions(true);
+    shop.Panel.SetSQLOptions(
+        {soSelectDistinct, soQuoteAliases, soBracketConditions, soSortByNames, soASCIIRFields});
+    const std::string text = Saved(shop.Panel);
+    EXPECT_NE(text.find("\nOptions=42\n"), std::string::npos);
+    shop.Panel.SetSQLOptions({soBracketJoins});
+    shop.Panel.SetTitle("ttlAll", "tous");
+    Load(shop.Panel, text);
+    EXPECT_EQ(shop.Panel.GetTitle("ttlAll"), "alle");
+    EXPECT_EQ(shop.Panel.GetTitle("ttlUnknown"), "");
+    EXPECT_EQ(shop.Panel.GetSQLOptions(),
+              (TSQLOptions{soSelectDistinct, soQuoteAliases, soBracketConditions}));
+    const std::string again = Saved(shop.Panel);
+    Load(shop.Panel, again);
+    EXPECT_EQ(Saved(shop.Panel), again);
+    Load(shop.Panel,
+         "[Main]\nVersion=3.5\nOptions=\n"); // empty: the options stay, the titles are the defaults
+    EXPECT_EQ(shop.Panel.GetSQLOptions(),
+              (TSQLOptions{soSelectDistinct, soQuoteAliases, soBracketConditions}));
+    EXPECT_EQ(shop.Panel.GetTitle("ttlAll"), "all");
+    // Titles that cannot head an active panel do not hide the error that ended the reading.
+    EXPECT_THROW(
+        Load(shop.Panel, "[Query Panel]\nttlFilter=no place\n[Main]\nVersion=3.5\n[Row]\nRowType=x\n"),
+        EConvertError);
+    EXPECT_FALSE(shop.Panel.GetActive());
+}
+
+TEST(QueryText, OfOlderVersions) {
+    TShop shop;
+    shop.Panel.SetUserData(TStringList("kept\n"));
+    Load(shop.Panel,
+         "[Main]\nQueryName=old\n[Row]\nRowType=1\nLinkType=1\nRowCount=2\n"
+         "[Row1.]\nRowType=0\nFldName=CUSTOMERS.Company\nOperator=EqualTo\nValue1=a  b\nParam1=1\n"
+         "[Row2.]\nRowType=0\nFldName=nothing\nOperator=Near\nValue1=x\n");
+    EXPECT_EQ(shop.Panel.GetVersion(), 1.1);
+    EXPECT_EQ(shop.Panel.GetUserData().GetText(), "kept\n");
+    auto* const first = static_cast<TSimpleCond*>(shop.Root().GetRow(0));
+    EXPECT_EQ(first->GetField(), shop.Field("customers.company"));
+    EXPECT_EQ(first->GetOperator()->GetName(), "Equal");
+    EXPECT_FALSE(first->GetValueIsParam(1));
+    auto* const second = static_cast<TSimpleCond*>(shop.Root().GetRow(1));
+    EXPECT_EQ(second->GetField(), shop.Model.GetUnrecognizedField());
+    EXPECT_EQ(second->GetOperator(), shop.Model.GetUnrecognizedOperator());
+    // The text after an old one is asked for the old form of titles, whatever its own version.
+    Load(shop.Panel,
+         "[Titles]\nTitle2=tous\nTitle20= \n[Main]\nVersion=1.4\n[Row]\nRowType=1\nLinkType=0\nRowCount=1\n"
+         "[Row1.]\nRowType=0\nFldName= Orders . AMOUNT\nOperator=Equal\nValue1=1\nCaption1=no\n");
+    EXPECT_EQ(shop.Panel.GetTitle("ttlAll"), "tous");
+    EXPECT_EQ(static_cast<TSimpleCond*>(shop.Root().GetRow(0))->GetField(), shop.Field("orders.amount"));
+    EXPECT_EQ(static_cast<TSimpleCond*>(shop.Root().GetRow(0))->GetCaption(1), "");
+}
+
+TEST(QueryText, FailsWithAnErrorAndAnIdlePanel) {
+    TShop shop;
+    int changes = 0;
+    shop.Panel.OnChange = [&](TVQueryPanel&) { ++changes; };
+    const auto refusal = [&](const std::string& rows) {
+        return MessageOf<Exception>([&] { Load(shop.Panel, "[Main]\nVersion=3.5\n" + rows); });
+    };
+    EXPECT_EQ(refusal("[Row]\nRowType=one\n"), "\"one\" is not a valid integer value");
+    const std::string root = "[Row]\nRowType=1\nLinkType=0\nRowCount=2000000000\n";
+    EXPECT_EQ(refusal(root + "[Row1.]\nRowType=2\nCondID=99\n"), "Unrecognized condition 99");
+    EXPECT_EQ(refusal(root + "[Row1.]\nRowType=0\nFieldID=x\n"), "\"x\" is not a valid integer value");
+    EXPECT_EQ(shop.Panel.GetState(), stIdle);
+    EXPECT_TRUE(shop.Panel.GetActive());
+    EXPECT_EQ(changes, 0);
+    EXPECT_EQ(refusal(root + "[Row7.]\nRowType=0\nFieldID=1\nOperator=Equal\n"),
+              ""); // missing rows are no rows
+    EXPECT_EQ(shop.Root().GetRowCount(), 1);
+    shop.Where("customers.since", "Equal", "soon");
+    EXPECT_THROW(Saved(shop.Panel), EConvertError);
+    EXPECT_EQ(shop.Panel.GetState(), stIdle);
+
+    std::string deep, name;
+    for (int level = 0; level < 10'000; ++level) {
+        if (level < 3000)
+            deep += "[Row" + name + "]\nRowType=1\nLinkType=0\nRowCount=1\n";
+        name += "1.";
+    }
+    EXPECT_EQ(refusal(deep), "Brackets are nested too deep (more than 2000 levels)");
+    shop.Select("orders.amount");
+    EXPECT_EQ(shop.SQL(), "SELECT orders.amount\nFROM orders\n");
+    Load(shop.Panel, "");
+    EXPECT_TRUE(shop.Panel.GetEmpty());
+    shop.Panel.SetDbStruct(nullptr);
+    EXPECT_EQ(refusal(""), "DBStructure is not specified");
+}
+
+TEST(QueryText, DamagedTextsGiveAResultOrAnError) {
+    TShop shop;
+    FillQuery(shop);
+    const std::string text = Saved(shop.Panel);
+    std::mt19937 random(5);
+    for (int round = 0; round < 400; ++round) {
+        std::string damaged = text;
+        for (auto changes = random() % 12; changes > 0; --changes) {
+            const std::size_t at = random() % damaged.size();
+            if (random() % 3)
+                damaged[at] = static_cast<char>(random());
+            else
+                damaged.erase(at, random() % 30);
+        }
+        if (!MessageOf<Exception>([&] { Load(shop.Panel, damaged); }).empty())
+            continue;
+        std::string once;
+        if (MessageOf<Exception>([&] { once = Saved(shop.Panel); }).empty()) {
+            Load(shop.Panel, once);
+            EXPECT_EQ(Saved(shop.Panel), once) << damaged;
+        }
+    }
+}
+
+TEST(QueryText, OfTheSamplesReadsBackByteForByte) {
+    TVDBStructure model;
+    model.LoadFromFile(LUMORA_SAMPLES "/orders.model");
+    int count = 0;
+    for (const auto& file : std::filesystem::directory_iterator(LUMORA_SAMPLES "/queries")) {
+        TVQueryPanel panel;
+        panel.SetDbStruct(&model);
+        panel.SetSaveTitles(false);
+        const std::string text = ReadTextFile(file.path().string());
+        Load(panel, text);
+        EXPECT_EQ(Saved(panel), text) << file.path();
+        ++count;
+    }
+    EXPECT_GE(count, 12);
+}

@@ -1,0 +1,117 @@
+#include "tests/fixtures.h"
+
+#include <gtest/gtest.h>
+
+using namespace lumora;
+using namespace lumora::tests;
+
+namespace {
+
+class ResultFields : public testing::Test {
+protected:
+    TRFieldList& Fields() { return shop_.Panel.GetQResult().GetResultFields(); }
+
+    TShop shop_;
+};
+
+} // namespace
+
+TEST_F(ResultFields, MakeUniqueAliases) {
+    shop_.Panel.SetSQLOptions({soASCIIRFields});
+    EXPECT_EQ(shop_.Select("orders.amount", "amount")->GetAlias(), ""); // the column's own name
+    EXPECT_EQ(shop_.Select("orders.amount", "Total sum")->GetAlias(), "Totalsum");
+    EXPECT_EQ(shop_.Select("orders.amount", "1st")->GetAlias(), "st");
+    EXPECT_EQ(shop_.Select("orders.amount", "Größe")->GetAlias(), "Gre");
+    for (const char* const alias : {"Name", "Name1", "Name2"})
+        EXPECT_EQ(shop_.Select("customers.company", "Name")->GetAlias(), alias);
+    Fields().GetRField(4)->SetAlias("NAME"); // its own alias counts too
+    EXPECT_EQ(Fields().GetRField(4)->GetAlias(), "NAME3");
+    shop_.Panel.SetSQLOptions({});
+    Fields().GetRField(1)->GenerateAlias();
+    EXPECT_EQ(Fields().GetRField(1)->GetAlias(), "Total_sum");
+    shop_.Panel.SetSQLOptions({soQuoteAliases});
+    Fields().RegenerateAliases();
+    EXPECT_EQ(Fields().GetRField(3)->GetSelectExpr(), "orders.amount as \"Größe\"");
+    Fields().AutoAliases = false;
+    Fields().RegenerateAliases();
+    EXPECT_EQ(Fields().GetRField(3)->GetSelectExpr(), "orders.amount");
+    EXPECT_EQ(Fields().GetUniqCaption("name"), "name1");
+}
+
+TEST_F(ResultFields, KeepFormulaAndFieldsInStep) {
+    TResultField& field =
+        *Fields().Add("@1*@2-@1", {shop_.Field("orders.amount"), shop_.Field("lines.qty")}, "Sum");
+    EXPECT_FALSE(Fields().JustSorting);
+    EXPECT_EQ(field.GetSQLExpr(), "orders.amount*lines.qty-orders.amount");
+    EXPECT_EQ(field.GetExpression(), "{amount}*{qty}-{amount}");
+    field.SetFormula("@2");
+    EXPECT_EQ(field.GetFormula(), "@1");
+    EXPECT_EQ(field.GetSQLExpr(), "lines.qty");
+    EXPECT_FALSE(field.GetAgregate());
+    field.SetFormula("COUNT(@1)");
+    EXPECT_TRUE(field.GetAgregate());
+    EXPECT_EQ(field.GenerateCaption(), "qty");
+
+    // What was put in is not looked into, and @10 is hit by @1.
+    TDSField& odd = *shop_.Model.GetField(shop_.Model.AddField(vfkVirtual, "'@2'", "odd", nullptr));
+    EXPECT_EQ(Fields().Add("@1+@2+@10", {&odd, shop_.Field("lines.qty")}, "x")->GetSQLExpr(),
+              "'@2'+lines.qty+'@2'0");
+}
+
+TEST_F(ResultFields, ReadExpressions) {
+    TResultField& field =
+        *Fields().AddByExpression("Twice", "{AMOUNT} + {amount} + {nothing} }{", stDescending, 7);
+    EXPECT_EQ(field.GetFormula(), "@1 + @2 + @3 }{");
+    EXPECT_EQ(field.GetFields()[0], field.GetFields()[1]);
+    EXPECT_EQ(field.GetFields()[2], shop_.Model.GetUnrecognizedField());
+    EXPECT_EQ(field.GetSortOrder(), 7);
+
+    EXPECT_EQ(Fields().AddBySQLExpr("a", " ORDERS.Amount ", stNoSort, 0)->GetFormula(), "@1");
+    TResultField& sum =
+        *Fields().AddBySQLExpr("b", "SUM(Orders.Amount)*lines.qty + orders.amount2", stNoSort, 0);
+    EXPECT_EQ(sum.GetFormula(), "sum(@1)*@2 + orders.amount2");
+    EXPECT_EQ(Fields().AddBySQLExpr("c", "now()", stNoSort, 0)->GetFields()[0],
+              shop_.Model.GetUnrecognizedField());
+    shop_.Model.GetTable(1)->SetAlias("o"); // by full name where the SQL expression is another
+    EXPECT_EQ(Fields().AddBySQLExpr("d", "max(orders.amount)", stNoSort, 0)->GetSQLExpr(), "max(o.amount)");
+}
+
+TEST_F(ResultFields, OrderTheirSorting) {
+    TResultField& first = *shop_.Select("orders.amount", "A");
+    TResultField& second = *shop_.Select("orders.placed", "B");
+    first.SetSorting(stAscending);
+    second.SetSorting(stDescending);
+    EXPECT_EQ(second.GetSortOrder(), 2);
+    first.SetSorting(stNoSort);
+    EXPECT_EQ(first.GetSortOrder(), 1);
+    EXPECT_EQ(Fields().GetSortCount(), 1);
+    Fields().GenerateNumbers();
+    EXPECT_EQ(first.GetOrderName(), "A");
+    first.SetAlias("");
+    EXPECT_EQ(first.GetOrderName(), "1");
+}
+
+TEST_F(ResultFields, ReadBackTheirText) {
+    shop_.Select("orders.amount", "Größe")->SetSorting(stDescending);
+    Fields().Add("@1/@2", {shop_.Field("orders.amount"), shop_.Field("lines.qty")}, "Size")->SetAlias("Size");
+    TStringList lines;
+    Fields().SaveToStrings(lines);
+    EXPECT_EQ(lines.GetText(),
+              "[RFields]\nCount=2\nVersion=3.5\nJustSorting=0\n"
+              "[RField1]\nFormula=@1\nFields=6\nAlias=Größe\nCaption=Größe\nSorting=2\nSortOrder=1\n"
+              "[RField2]\nFormula=@1/@2\nFields=6,9\nAlias=Size\nCaption=Size\nSorting=0\nSortOrder=0\n");
+    TRFieldList copy(&shop_.Model, nullptr);
+    copy.LoadFromStrings(lines);
+    TStringList again;
+    copy.SaveToStrings(again);
+    EXPECT_EQ(again.GetText(), lines.GetText());
+
+    copy.LoadFromStrings(
+        TStringList("[RFields]\nCount=900000000\n[RField1]\nName=AMOUNT\nCaption=c\nAlias=a\n"
+                    "[RField2]\nFormula=@1\nFields=77\nAlias=a\n"));
+    ASSERT_EQ(copy.Count(), 2);
+    EXPECT_EQ(copy.GetRField(0)->GetSelectExpr(), "orders.amount as a");
+    EXPECT_EQ(copy.GetRField(1)->GetFields()[0], shop_.Model.GetUnrecognizedField());
+    EXPECT_EQ(copy.GetRField(1)->GetAlias(), "a"); // kept as it was read
+    EXPECT_FALSE(copy.JustSorting);
+}

@@ -1,0 +1,217 @@
+#include "tests/fixtures.h"
+
+#include <gtest/gtest.h>
+
+using namespace lumora;
+using namespace lumora::tests;
+
+TEST(SQLGeneration, FollowsSyntaxAndOptions) {
+    TShop shop;
+    shop.Select("customers.company");
+    shop.Select("orders.amount")->SetSorting(stAscending);
+    shop.Where("orders.amount", "GreaterThan", "100");
+    EXPECT_EQ(shop.SQL(), "SELECT customers.company, orders.amount\n"
+                          "FROM customers\n"
+                          "     LEFT OUTER JOIN orders ON (customers.custno=orders.custno)\n"
+                          "WHERE\n (\norders.amount >100\n)\n"
+                          "ORDER BY 2 ASC\n");
+    shop.Panel.SetSQLSyntax(ssSQL1);
+    EXPECT_EQ(shop.SQL(), "SELECT customers.company, orders.amount\n"
+                          "FROM customers, \n"
+                          "     orders\n"
+                          "WHERE\n   (customers.custno=orders.custno) AND\n (\norders.amount >100\n)\n"
+                          "ORDER BY 2 ASC\n");
+    shop.Panel.SetSQLSyntax(ssOracle);
+    shop.Panel.SetSQLOptions({soBracketConditions, soSelectDistinct, soSortByNames});
+    EXPECT_EQ(shop.SQL(),
+              "SELECT DISTINCT customers.company, orders.amount\n"
+              "FROM customers, \n"
+              "     orders\n"
+              "WHERE\n   ((customers.custno=orders.custno (+) )) AND\n (\n(orders.amount >100)\n)\n"
+              "ORDER BY orders.amount ASC\n");
+    EXPECT_EQ(shop.Panel.GetQResult().GetJoinConditions(), "   ((customers.custno=orders.custno (+) ))");
+    shop.Root().GetRow(0)->SetEnabled(false);
+    EXPECT_EQ(TStringList(shop.SQL())[4], "   ((customers.custno=orders.custno (+) ))");
+    shop.Panel.Deactivate();
+    EXPECT_EQ(TStringList(shop.SQL()).Count(), 6);
+}
+
+TEST(SQLGeneration, JoinsEveryTableOnTheWay) {
+    TShop shop;
+    shop.Panel.SetSQLOptions({soBracketJoins});
+    shop.Select("lines.qty");
+    shop.Select("customers.company");
+    EXPECT_EQ(shop.SQL(), "SELECT lines.qty, customers.company\n"
+                          "FROM (lines\n"
+                          "     INNER JOIN orders ON (orders.orderno=lines.orderno))\n"
+                          "     RIGHT OUTER JOIN customers ON (customers.custno=orders.custno)\n");
+    shop.Model.GetLink(0)->LinkType = ltOuterFull;
+    EXPECT_NE(shop.SQL().find("     FULL JOIN customers"), std::string::npos);
+    shop.Panel.SetMainTableName("customers");
+    EXPECT_EQ(TStringList(shop.SQL())[1], "FROM (customers");
+    // A new table stands right behind the one it is joined to.
+    shop.Model.AddTable("region", "");
+    shop.Model.AddLinkByExpr("customers-region:r=r");
+    TDSField& region =
+        *shop.Model.GetField(shop.Model.AddField(vfkVirtual, "region.name", "Region", nullptr));
+    shop.Panel.GetQResult().GetResultFields().Add("@1", {&region}, "Region");
+    const TRTableList& tables = shop.Panel.GetQResult().GetResultTables();
+    shop.SQL();
+    EXPECT_EQ(tables.GetItem(1).Table->GetName(), "region");
+    EXPECT_EQ(tables.IndexOf(shop.Model.GetTable(2)), 3);
+    shop.Model.DelLink(0);
+    EXPECT_EQ(MessageOf<EVDBStructError>([&] { shop.SQL(); }), "Can not find path between tables");
+    TRTableList list;
+    EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { list.Add(region.GetTable(), shop.Model.GetLink(0)); }),
+              "Can't add result table: wrong link");
+}
+
+TEST(SQLGeneration, GroupsAndSorts) {
+    TShop shop;
+    EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop.SQL(); }), "No enough information for building query");
+    shop.Panel.Deactivate();
+    shop.Panel.BuildQuery();
+    EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop.Panel.GetQResult().GetSQL(); }),
+              "Query was not built properly");
+    shop.Panel.Activate();
+
+    TRFieldList& fields = shop.Panel.GetQResult().GetResultFields();
+    TDSField& both = *shop.Model.GetField(
+        shop.Model.AddField(vfkVirtual, "orders.amount+customers.custno", "Both", nullptr));
+    shop.Select("customers.company")->SetSorting(stDescending);
+    fields.Add("@1", {&both}, "Both");
+    fields.Add("sum(@1)", {shop.Field("orders.amount")}, "Sum")->SetSorting(stAscending);
+    fields.GetRField(2)->SetSortOrder(1);
+    fields.GetRField(0)->SetSortOrder(2);
+    TStringList lines(shop.SQL());
+    EXPECT_EQ(lines[3], "GROUP BY customers.company, orders.amount,customers.custno");
+    EXPECT_EQ(lines[4], "ORDER BY 3 ASC, 1 DESC");
+    fields.JustSorting = true;
+    lines.SetText(shop.SQL());
+    EXPECT_EQ(lines[0], "SELECT *");
+    EXPECT_EQ(lines[4], "ORDER BY orders.amount ASC, customers.company DESC");
+
+    fields.Clear();
+    shop.Panel.SetSQLOptions({soASCIIRFields, soSelectDistinct});
+    shop.Select("orders.amount", "x")->SetAlias("Größe");
+    EXPECT_EQ(TStringList(shop.SQL())[0], "SELECT DISTINCT orders.amount as C1");
+}
+
+TEST(SQLGeneration, WritesBrackets) {
+    TShop shop;
+    shop.Root().SetLinkType(fltAny);
+    shop.Panel.AddBracket(shop.Root()); // empty: not there
+    TFilterBracket& none = *shop.Panel.AddBracket(shop.Root());
+    none.SetLinkType(fltNone);
+    shop.Where("orders.amount", "Equal", "1", "", &none);
+    shop.Where("orders.amount", "Equal", "2", "", &none);
+    TFilterBracket& off = *shop.Panel.AddBracket(none);
+    shop.Where("orders.amount", "Equal", "9", "", &off)->SetEnabled(false);
+    EXPECT_FALSE(off.GetEnabled());
+    off.SetEnabled(true); // on, but all its rows are off: not there
+    TFilterBracket& notAll = *shop.Panel.AddBracket(shop.Root());
+    notAll.SetLinkType(fltNotAll);
+    shop.Where("orders.amount", "Equal", "3", "", &notAll);
+    shop.Where("orders.amount", "IsNull", "", "", &notAll);
+    EXPECT_EQ(shop.Conditions(), " NOT (\norders.amount = 1 OR\norders.amount = 2\n) OR\n"
+                                 " NOT (\norders.amount = 3 AND\norders.amount is null\n)\n");
+}
+
+TEST(SQLGeneration, WritesValues) {
+    TShop shop;
+    const auto text = [&](std::string_view field, std::string_view op, const std::string& v1,
+                          const std::string& v2 = "") {
+        shop.Panel.ClearRows();
+        shop.Where(field, op, v1, v2);
+        return shop.Conditions();
+    };
+    EXPECT_EQ(text("customers.company", "Contains", "O'Hara @2 100%"),
+              "customers.company like '%O''Hara @2 100%%'\n");
+    EXPECT_EQ(text("customers.company", "InList", " a b ,\"c, \"\"d\"\" \",it's"),
+              "customers.company in ('a b','c, \"d\" ','it''s')\n");
+    EXPECT_EQ(text("orders.amount", "Between", "1.5", ""), "orders.amount between 1.5 and 0\n");
+    EXPECT_EQ(text("orders.amount", "InList", "1,2"),
+              "1,2\n"); // the stretch runs to the ends of the template
+    EXPECT_EQ(text("customers.active", "Equal", ""), "customers.active = 'False'\n");
+    EXPECT_EQ(text("customers.since", "Equal", ""), "customers.since = '00/00/00'\n");
+    EXPECT_EQ(text("customers.since", "LessThan", "2001-03-05"), "customers.since < '2001-03-05'\n");
+    EXPECT_EQ(text("customers.since", "InList", "2001-03-05, 2001-03-06"),
+              "customers.since in ('2001-03-05','2001-03-06')\n");
+    EXPECT_THROW(text("customers.since", "Equal", "soon"), EConvertError);
+    shop.Model.GetSQLFormats().SetDate("mm/dd/yyyy");
+    EXPECT_EQ(text("customers.since", "Equal", "2001-03-05"), "customers.since = '03-05-2001'\n");
+    shop.Panel.SetSQLSyntax(ssOracle);
+    EXPECT_EQ(text("customers.since", "Equal", "2001-03-05"),
+              "customers.since = 'TO_DATE(\"05-03-2001\", \"dd-mm-yyyy\")'\n");
+    EXPECT_EQ(shop.Panel.ProcessDateValue(ftDate, "12/31/2001", false), "2001-12-31");
+}
+
+TEST(SQLGeneration, FillsTemplates) {
+    TShop shop;
+    const auto text = [&](const std::string& sql, std::string_view field = "orders.amount") {
+        shop.Panel.ClearRows();
+        const int index = shop.Model.AddOperator("Op", "op", sql, "", LmUsedTypes);
+        TSimpleCond* const condition =
+            shop.Panel.ManualAddCond(shop.Root(), shop.Field(field), shop.Model.GetOperator(index), "5");
+        condition->SetValue(2, "6");
+        const std::string result = shop.Conditions();
+        shop.Panel.ClearRows();
+        shop.Model.DelOperator(index);
+        return result;
+    };
+    shop.Panel.SetMainTableName("customers");
+    EXPECT_EQ(text("@f='@1' or '@1'=@f @t @m @v"),
+              "orders.amount=5 or 5=orders.amount orders customers @v\n");
+    EXPECT_EQ(text("f('a@1b', '@2')"), "f(5, 6)\n");
+    EXPECT_EQ(text("x @1 y '@2' z"), "6 z\n"); // from the start to the quote behind, twice
+    EXPECT_EQ(text("@1@2'", "customers.company"), "56'\n");
+
+    shop.Model.AddCondition(1, "Big: @ and @", "orders.amount > '@1' and @f < '@2'")
+        ->Values[0]
+        .SetDataType(ftFloat);
+    TCustomCond* const custom = shop.Panel.AddCustomCondition(shop.Root(), *shop.Model.ConditionByID(1));
+    custom->SetValue(1, "7");
+    custom->SetValue(2, "x");
+    EXPECT_EQ(custom->GetValueType(3), ftUnknown);
+    EXPECT_EQ(shop.Conditions(), "orders.amount > 7 and @f < 'x'\n");
+    shop.Panel.OnBuildSQL = [](TVQueryPanel&, TFilterCond&, std::string& sql) { sql = "/*" + sql + "*/"; };
+    shop.Panel.SetSQLOptions({soBracketConditions});
+    EXPECT_EQ(shop.Conditions(), "(/*orders.amount > 7 and @f < 'x'*/)\n");
+}
+
+TEST(SQLGeneration, LeavesParametersOpen) {
+    TShop shop;
+    int notices = 0;
+    shop.Panel.OnParamListChange = [&](TVQueryPanel&) { ++notices; };
+    TSimpleCond* const contains = shop.Where("customers.company", "Contains", "x");
+    contains->SetValueIsParam(1, true);
+    contains->SetValue(1, "ignored");
+    TSimpleCond* const between = shop.Where("orders.amount", "Between", "1", "2");
+    between->SetValueIsParam(2, true);
+    between->SetValueIsParam(1, true);
+    EXPECT_EQ(notices, 3);
+    EXPECT_EQ(shop.Conditions(),
+              "customers.company like :Param1 AND\norders.amount between :Param3 and :Param2\n");
+    TQueryResult& result = shop.Panel.GetQResult();
+    result.FindParameter("PARAM1")->Value = "O'Hara";
+    EXPECT_EQ(result.FindParameter("param1")->GetFullValue(), "%O'Hara%");
+    EXPECT_EQ(result.GetParam(1)->Caption, "amount param 2");
+    EXPECT_EQ(result.GetParam(2)->Caption, "amount param 1");
+    EXPECT_EQ(result.GetParam(1)->GetDataType(), ftFloat);
+    EXPECT_EQ(contains->GetValue(1), "x");
+
+    shop.Model.AddOperator("Near", "near", "near(@f, '~@1~', @v)", "", LmUsedTypes);
+    contains->SetOperator(shop.Operator("Near"));
+    EXPECT_EQ(TStringList(shop.Conditions())[0], "near(customers.company, :Param1, '~@v~') AND");
+    contains->SetOperator(shop.Operator("InList")); // without quotes the stretch is the whole template
+    EXPECT_EQ(TStringList(shop.Conditions())[0], ":Param1 AND");
+    EXPECT_EQ(result.GetParam(0)->GetFullValue(), "customers.company in (O'Hara)");
+
+    notices = 0;
+    result.DeleteParameter(nullptr);
+    EXPECT_EQ(notices, 1);
+    shop.Root().DeleteRow(1);
+    EXPECT_EQ(result.GetParamCount(), 1);
+    result.ClearParams();
+    EXPECT_FALSE(contains->GetValueIsParam(1));
+}

@@ -1,0 +1,132 @@
+#include "query/strict_checks.h"
+#include "tests/fixtures.h"
+
+#include <gtest/gtest.h>
+
+using namespace lumora;
+using namespace lumora::tests;
+
+namespace {
+
+class Strict : public testing::Test {
+protected:
+    Strict() { shop_.Panel.SetStrict(true); }
+
+    std::string Text(std::string_view field, std::string_view op, const std::string& v1,
+                     const std::string& v2 = "") {
+        shop_.Panel.ClearRows();
+        shop_.Where(field, op, v1, v2);
+        return shop_.Conditions();
+    }
+    std::string Refusal(std::string_view field, std::string_view op, const std::string& v1) {
+        return MessageOf<EVQueryPanelError>([&] { Text(field, op, v1); });
+    }
+
+    TShop shop_;
+};
+
+} // namespace
+
+TEST_F(Strict, ReplacesBarePlaceholdersAlone) {
+    EXPECT_EQ(Text("orders.amount", "InList", " 1, 2.5 "), "orders.amount in (1,2.5)\n");
+    EXPECT_EQ(Text("customers.company", "NotInList", "a,b"), "NOT (customers.company in ('a','b'))\n");
+    shop_.Model.AddOperator("Bare", "", "@f = @1", "", LmUsedTypes);
+    EXPECT_EQ(Text("customers.company", "Bare", "x' or '1'='1"), "customers.company = 'x'' or ''1''=''1'\n");
+    EXPECT_EQ(Text("customers.since", "Bare", "2001-03-05"), "customers.since = '2001-03-05'\n");
+    EXPECT_EQ(Text("orders.amount", "Bare", "-1.5e3"), "orders.amount = -1.5e3\n");
+    EXPECT_EQ(Text("orders.amount", "GreaterThan", " 7 "), "orders.amount >7\n");
+
+    TSimpleCond* const condition = shop_.Where("customers.company", "InList", "");
+    condition->SetValueIsParam(1, true);
+    EXPECT_EQ(TStringList(shop_.Conditions())[1], "customers.company in (:Param1)");
+    EXPECT_EQ(shop_.Panel.GetQResult().GetParam(0)->ValueFormat, "@v");
+    shop_.Panel.GetQResult().GetParam(0)->Name = "p) or (1=1";
+    EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }),
+              "Invalid value \"p) or (1=1\" for \"company\"");
+}
+
+TEST_F(Strict, ChecksValuesByType) {
+    EXPECT_EQ(Refusal("orders.amount", "Equal", "1 or 1=1"), "Invalid value \"1 or 1=1\" for \"amount\"");
+    EXPECT_EQ(Refusal("lines.qty", "Equal", "1.5"), "Invalid value \"1.5\" for \"qty\"");
+    EXPECT_EQ(Refusal("lines.qty", "InList", "1,x;drop table t"),
+              "Invalid value \"x;drop table t\" for \"qty\"");
+    EXPECT_EQ(Refusal("lines.qty", "InList", "1,,2"), "Invalid value \"\" for \"qty\"");
+    EXPECT_EQ(Refusal("customers.company", "InList", "  "), "Invalid value \"  \" for \"company\"");
+    EXPECT_EQ(Refusal("customers.active", "Equal", "maybe"), "Invalid value \"maybe\" for \"active\"");
+    EXPECT_EQ(Refusal("customers.since", "Equal", ""), "Invalid value \"\" for \"since\"");
+    EXPECT_EQ(Refusal("customers.since", "Equal", "14:30"), "Invalid value \"14:30\" for \"since\"");
+    EXPECT_EQ(Refusal("lines.at", "Equal", "25:00"), "Invalid value \"25:00\" for \"at\"");
+    EXPECT_EQ(Text("customers.active", "Equal", "TRUE"), "customers.active = 'TRUE'\n");
+    for (const char* const number : {"", "+", "0x10", "1e", "inf", "nan", "1 2", "--1", "1,5"})
+        EXPECT_FALSE(IsValidValue(ftFloat, number)) << number;
+    // A type that is neither checked nor quoted by the model is quoted all the same.
+    shop_.Field("customers.company")->FieldType = ftGuid;
+    shop_.Field("customers.company")->AddOperatorByName("Equal");
+    EXPECT_EQ(Text("customers.company", "Equal", "1 or 1=1"), "customers.company = '1 or 1=1'\n");
+
+    shop_.Model.AddCondition(1, "Company is @", "customers.company = '@1' and @f")
+        ->Values[0]
+        .SetDataType(ftInteger);
+    shop_.Panel.ClearRows();
+    shop_.Panel.AddCustomCondition(shop_.Root(), *shop_.Model.ConditionByID(1))->SetValue(1, "x");
+    EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }), "Invalid value \"x\" for \"Company is \"");
+}
+
+TEST_F(Strict, KeepsSubQueriesAndFormulasInTheirPlace) {
+    const int index = shop_.Model.AddOperator("InSub", "", "@f in (@1)", "", LmUsedTypes);
+    shop_.Model.GetOperator(index)->ValueKind = vkSubQuery;
+    EXPECT_EQ(Text("orders.amount", "InSub", "SELECT ')' from t"), "orders.amount in (SELECT ')' from t)\n");
+    for (const char* const value : {"", "1", "select 1) or (1=1", "select 1; drop table t", "select 1 --",
+                                    "select '", "select /* 1", "selected"})
+        EXPECT_NE(Refusal("orders.amount", "InSub", value), "") << value;
+    shop_.Panel.ClearRows();
+    for (const char* const formula : {"@1) from t --", "@1; drop", "'", "(@1"}) {
+        shop_.Panel.GetQResult().GetResultFields().Clear();
+        shop_.Panel.GetQResult().GetResultFields().Add(formula, {shop_.Field("orders.amount")}, "x");
+        EXPECT_NE(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }), "") << formula;
+    }
+}
+
+TEST_F(Strict, JoinsASecondAliasOfATable) {
+    shop_.Model.AddTable("customers", "Bosses");
+    shop_.Model.GetTable(3)->SetAlias("boss");
+    auto link = std::make_unique<TDSLink>(*shop_.Model.GetTable(0), *shop_.Model.GetTable(3));
+    link->Fields1.Add("boss");
+    link->Fields2.Add("custno");
+    shop_.Model.AddLinkByRef(std::move(link));
+    TDSField& boss =
+        *shop_.Model.GetField(shop_.Model.AddField(vfkData, "company", "Boss", shop_.Model.GetTable(3)));
+    shop_.Select("customers.company");
+    shop_.Panel.GetQResult().GetResultFields().Add("@1", {&boss}, "Boss");
+    EXPECT_EQ(TStringList(shop_.SQL())[2], "     INNER JOIN customers boss ON (customers.boss=boss.custno)");
+    shop_.Panel.SetStrict(false);
+    EXPECT_EQ(TStringList(shop_.SQL()).Count(), 2);
+}
+
+TEST_F(Strict, WritesOracleDatesAsTheyAreMeant) {
+    shop_.Panel.SetSQLSyntax(ssOracle);
+    EXPECT_EQ(Text("customers.since", "Equal", "2001-03-05"),
+              "customers.since = TO_DATE('05-03-2001', 'dd-mm-yyyy')\n");
+    EXPECT_EQ(Text("lines.at", "GreaterOrEqual", "14:30"), "lines.at >= TO_DATE('14:30:00', 'hh24:mi:ss')\n");
+    EXPECT_EQ(Text("orders.placed", "Between", "2001-03-05 14:30", "2001-03-06"),
+              "orders.placed between TO_DATE('05-03-2001 14:30:00', 'dd-mm-yyyy hh24:mi:ss') and "
+              "TO_DATE('06-03-2001 00:00:00', 'dd-mm-yyyy hh24:mi:ss')\n");
+    EXPECT_EQ(
+        Text("customers.since", "InList", "2001-03-05,2001-03-06"),
+        "customers.since in (TO_DATE('05-03-2001', 'dd-mm-yyyy'),TO_DATE('06-03-2001', 'dd-mm-yyyy'))\n");
+}
+
+TEST_F(Strict, DoublesClosingQuotesInNames) {
+    TDSField& amount = *shop_.Field("orders.amount");
+    amount.SetFieldName("a\"; drop");
+    amount.SetQuoted(true);
+    shop_.Model.GetTable(1)->SetName("or\"ders");
+    shop_.Model.GetTable(1)->SetAlias("orders");
+    shop_.Model.GetTable(1)->SetQuoted(true);
+    TRFieldList& fields = shop_.Panel.GetQResult().GetResultFields();
+    fields.Add("@1", {&amount}, "x")->SetAlias("A\" from x; --");
+    fields.Add("@1", {&amount}, "y")->SetAlias("select");
+    fields.Add("@1", {&amount}, "z")->SetAlias("Total1");
+    EXPECT_EQ(shop_.SQL(), "SELECT orders.\"a\"\"; drop\" as \"A\"\" from x; --\", orders.\"a\"\"; drop\" as "
+                           "\"select\", orders.\"a\"\"; drop\" as Total1\nFROM \"or\"\"ders\" orders\n");
+}
