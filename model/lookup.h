@@ -48,9 +48,9 @@ private:
     void EnterNewItems(const std::vector<std::unique_ptr<T>>& items) {
         if (entered_ == items.size())
             return;
-        if (items.size() * 2 > slots_.size()) {
+        if (items.size() * 3 > slots_.size() * 2) {
             std::size_t size = 16;
-            while (size < items.size() * 3)
+            while (size * 2 < items.size() * 3)
                 size *= 2;
             slots_.assign(size, {});
             entered_ = 0;
@@ -69,16 +69,15 @@ private:
     // The slot that holds the key, or the free one where it would be entered.
     std::size_t SlotOf(const std::vector<std::unique_ptr<T>>& items, std::uint32_t hash,
                        std::string_view key) {
-        std::string other;
         for (std::size_t at = hash & (slots_.size() - 1);; at = (at + 1) & (slots_.size() - 1)) {
             const TSlot& slot = slots_[at];
             if (slot.Item < 0)
                 return at;
             if (slot.Hash != hash)
                 continue;
-            other.clear();
-            keyOf_(*items[static_cast<std::size_t>(slot.Item)], other);
-            if (other == key)
+            otherKey_.clear();
+            keyOf_(*items[static_cast<std::size_t>(slot.Item)], otherKey_);
+            if (otherKey_ == key)
                 return at;
         }
     }
@@ -86,6 +85,7 @@ private:
     TKeyOf keyOf_;
     std::vector<TSlot> slots_;
     std::size_t entered_ = 0;
+    std::string otherKey_; // kept for its memory
 };
 
 // Keys that are compared without regard to case are entered folded.

@@ -346,24 +346,27 @@ void TVCustomDBStructure::GetConditionCaptions(TStringList& captions) const {
 
 // --- The model as a whole.
 
-void TVCustomDBStructure::ClearItems() {
+// Tables with their links and fields.
+void TVCustomDBStructure::ClearTableItems() {
     path_ = TDSPath(this);
     defaultMainTable_ = nullptr;
     rootGroup_.Fields.clear();
-    for (const auto& field : fields_)
-        field->group_ = nullptr;
     for (int i = 0; i < fieldGroups_.Count(); ++i)
         fieldGroups_.GetGroup(i)->Fields.clear();
-    fieldGroups_.Clear();
     links_.clear();
     fields_.clear();
     largestFieldID_ = 0;
     tables_.clear();
-    conditions_.clear();
     TableKeysChanged();
     fieldsByID_.Invalidate();
-    ConditionKeysChanged();
     LinksChanged();
+}
+
+void TVCustomDBStructure::ClearItems() {
+    ClearTableItems();
+    fieldGroups_.Clear();
+    conditions_.clear();
+    ConditionKeysChanged();
 }
 
 void TVCustomDBStructure::ClearStructure() {
@@ -378,9 +381,9 @@ void TVCustomDBStructure::ClearStructure() {
 void TVCustomDBStructure::ClearTables() {
     for (TModelListener* const listener : listeners_)
         listener->ModelReplacing();
-    while (GetConditionCount() > 0) // a predicate without its tables is none
-        DelCondition(GetConditionCount() - 1);
-    ClearItems();
+    ClearTableItems();
+    for (const auto& condition : conditions_)
+        condition->UpdateTables();
     for (TModelListener* const listener : listeners_)
         listener->ModelReplaced();
 }

@@ -226,6 +226,7 @@ private:
     void FindLargestFieldID();
     void RemoveFromGroup(TDSField& field);
     void RemoveLink(std::size_t index);
+    void ClearTableItems();
     void ClearItems();
 
     std::vector<std::unique_ptr<TDSTable>> tables_;

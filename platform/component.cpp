@@ -89,7 +89,7 @@ void TComponent::UnwatchRemovalOf(TComponent* component) {
 }
 
 void TComponent::Notification(TComponent* component, TOperation operation) {
-    if (IsDestroying())
+    if (IsDestroying() || operation != opRemove)
         return;
     const std::vector<TComponent*> components = components_; // a notice may change the list
     for (TComponent* const owned : components)

@@ -55,7 +55,7 @@ public:
     void UnwatchRemovalOf(TComponent* component);
 
 protected:
-    // `component` joins or leaves an owner above this component, or is watched and goes away.
+    // `component` joins this component, leaves an owner above it, or is watched and goes away.
     virtual void Notification(TComponent* component, TOperation operation);
     // Everything of the form text that holds this component has been read, references included.
     virtual void Loaded();

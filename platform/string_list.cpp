@@ -17,6 +17,7 @@ TStringList::TLine TStringList::Append(std::string_view text) {
     buffer_.resize(tail_); // drops a line that was begun and never ended
     const TLine line{tail_, text.size()};
     buffer_.append(text);
+    buffer_ += '\n';
     tail_ = buffer_.size();
     return line;
 }
@@ -36,6 +37,7 @@ int TStringList::AddPair(std::string_view key, std::string_view value) {
 
 void TStringList::EndLine() {
     lines_.push_back({tail_, buffer_.size() - tail_});
+    buffer_ += '\n';
     tail_ = buffer_.size();
 }
 
@@ -55,8 +57,16 @@ void TStringList::EndLineWithoutBreaks() {
 
 void TStringList::AddStrings(const TStringList& lines) {
     const int count = lines.Count(); // the list may be this one
-    for (int i = 0; i < count; ++i)
-        Add(lines[i]);
+    if (!lines.IsPacked()) {
+        for (int i = 0; i < count; ++i)
+            Add(lines[i]);
+        return;
+    }
+    buffer_.resize(tail_);
+    buffer_.append(lines.buffer_, 0, lines.tail_);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
+        lines_.push_back({lines.lines_[i].Start + tail_, lines.lines_[i].Length});
+    tail_ = buffer_.size();
 }
 
 void TStringList::Insert(int i, std::string_view line) {
@@ -89,9 +99,10 @@ void TStringList::Clear() {
 
 void TStringList::AppendToLast(std::string_view text) {
     TLine& last = lines_[Check(Count() - 1)];
-    if (last.Start + last.Length == tail_) {
-        buffer_.resize(tail_);
+    if (last.Start + last.Length + 1 == tail_) {
+        buffer_.resize(tail_ - 1);
         buffer_.append(text);
+        buffer_ += '\n';
         tail_ = buffer_.size();
         last.Length += text.size();
     } else {
@@ -115,14 +126,27 @@ void TStringList::CompactWhenWasteful() {
     if (used * 4 > buffer_.size())
         return;
     std::string packed;
-    packed.reserve(used);
+    packed.reserve(used + lines_.size());
     for (TLine& line : lines_) {
         const std::size_t start = packed.size();
         packed.append(View(line));
+        packed += '\n';
         line.Start = start;
     }
     buffer_ = std::move(packed);
     tail_ = buffer_.size();
+}
+
+// A line feed stands behind every line as it was added, so lines that follow one another without a hole are
+// the text itself.
+bool TStringList::IsPacked() const {
+    std::size_t end = 0;
+    for (const TLine& line : lines_) {
+        if (line.Start != end)
+            return false;
+        end += line.Length + 1;
+    }
+    return end == tail_;
 }
 
 int TStringList::IndexOf(std::string_view line) const {
@@ -175,6 +199,8 @@ void TStringList::SetValue(std::string_view name, std::string_view value) {
 }
 
 std::string TStringList::GetText() const {
+    if (IsPacked())
+        return buffer_.substr(0, tail_);
     std::size_t size = lines_.size();
     for (const TLine& line : lines_)
         size += line.Length;
@@ -187,29 +213,36 @@ std::string TStringList::GetText() const {
     return text;
 }
 
+namespace {
+
+// The text with LF line ends.
+std::string WithLineFeeds(std::string_view text) {
+    std::string result;
+    result.reserve(text.size() + 1);
+    for (std::size_t start = 0;;) {
+        const std::size_t cr = text.find('\r', start);
+        result.append(text.substr(start, cr - start));
+        if (cr == std::string_view::npos)
+            return result;
+        result += '\n';
+        start = cr + (text.substr(cr + 1, 1) == "\n" ? 2 : 1);
+    }
+}
+
+} // namespace
+
 void TStringList::SetText(std::string_view text) {
     if (text.substr(0, 3) == "\xEF\xBB\xBF")
         text.remove_prefix(3);
-    buffer_ = std::string(text); // a copy first: the text may be a view of this list
-    lines_.clear();
+    buffer_ = WithLineFeeds(text); // not in place: the text may be a view of this list
+    if (!buffer_.empty() && buffer_.back() != '\n')
+        buffer_ += '\n';
     tail_ = buffer_.size();
-    const char* const base = buffer_.data();
-    const std::size_t size = buffer_.size();
-    const bool hasReturns = std::memchr(base, '\r', size) != nullptr;
-    for (std::size_t start = 0; start < size;) {
-        const void* found = std::memchr(base + start, '\n', size - start);
-        std::size_t end = found ? static_cast<std::size_t>(static_cast<const char*>(found) - base) : size;
-        std::size_t next = end + 1;
-        if (hasReturns) {
-            const void* cr = std::memchr(base + start, '\r', end - start);
-            if (cr) {
-                const auto at = static_cast<std::size_t>(static_cast<const char*>(cr) - base);
-                next = at + 1 == end && found ? end + 1 : at + 1;
-                end = at;
-            }
-        }
+    lines_.clear();
+    for (std::size_t start = 0; start < tail_;) {
+        const std::size_t end = buffer_.find('\n', start);
         lines_.push_back({start, end - start});
-        start = next;
+        start = end + 1;
     }
 }
 

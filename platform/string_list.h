@@ -1,7 +1,8 @@
 // An ordered list of text lines: the carrier of every text format of the package.
 //
-// The lines stand one behind the other in one buffer, so reading a text or adding a line allocates nothing
-// per line. Views that the list gives out are valid until its next change.
+// The lines stand one behind the other in one buffer, each with a line feed behind it, so reading a text or
+// adding a line allocates nothing per line, and the buffer mostly is the text. Views that the list gives out
+// are valid until its next change.
 #pragma once
 
 #include <cstddef>
@@ -98,6 +99,7 @@ private:
     [[noreturn]] static void IndexError(int i);
     std::string_view View(const TLine& line) const { return {buffer_.data() + line.Start, line.Length}; }
     TLine Append(std::string_view text);
+    bool IsPacked() const; // the buffer is the text
     void CompactWhenWasteful();
 
     std::string buffer_;

@@ -170,6 +170,10 @@ void TFilterBracket::ClearRows() {
 }
 
 TFilterRow* TFilterBracket::RowByID(std::string_view id) {
+    const std::string own = GetRowID();
+    if (id.substr(0, own.size()) != own)
+        return nullptr;
+    id.remove_prefix(own.size());
     TFilterRow* row = this;
     while (!id.empty()) {
         const std::size_t dot = id.find('.');

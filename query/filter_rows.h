@@ -117,6 +117,7 @@ public:
     std::unique_ptr<TFilterRow> ExtractRow(int index);
     void ClearRows();
 
+    // The row of the subtree that has the identifier; none when there is none.
     TFilterRow* RowByID(std::string_view id);
     // The first condition in display order, and the last row of the subtree (this bracket when it is empty).
     TFilterCond* GetFirstCondition() const;

@@ -83,6 +83,8 @@ TEST(Panel, NumbersRowsAndKeepsTheCurrentOne) {
     EXPECT_EQ(first->GetOperator()->GetName(), "Equal");
     EXPECT_EQ(inner->GetRowID(), "2.1.");
     EXPECT_EQ(inner->GetRowLevel(), 2);
+    EXPECT_EQ(bracket->RowByID("2.1."), inner);
+    EXPECT_EQ(bracket->RowByID("1."), nullptr);
     EXPECT_EQ(last->GetRowNum(), 4);
     EXPECT_EQ(bracket->IndexForNewRow(9), 1);
     EXPECT_EQ(shop.Root().IndexForNewRow(0), 0);
