@@ -2,28 +2,18 @@
 // text, and two text-measuring functions.
 #pragma once
 
-#include "model/messages.h"
 #include "platform/enum_names.h"
 #include "platform/errors.h"
 #include "platform/field_types.h"
 #include "platform/string_grid.h"
 #include "platform/text_metrics.h"
+#include "support/lumora_error.h"
 
 #include <initializer_list>
 #include <string>
 #include <string_view>
 
 namespace lumora {
-
-// Base of the package's exceptions: a code besides the message.
-class EVLumoraError : public Exception {
-public:
-    EVLumoraError(int code, const std::string& message) : Exception(message), Code(code) {}
-    EVLumoraError(int code, std::string_view format, std::initializer_list<std::string_view> arguments)
-        : Exception(FormatText(format, arguments)), Code(code) {}
-
-    const int Code;
-};
 
 enum TDBStructErrorCode : int {
     dseInvalidTableIndex = 1,

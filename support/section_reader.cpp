@@ -5,8 +5,8 @@
 namespace lumora {
 
 std::string_view SectionName(std::string_view line) {
-    if (line.find('[') == std::string_view::npos)
-        return {};
+    if (line.empty() || (line.front() != '[' && !IsBlank(line.front())))
+        return {}; // most lines
     line = Trim(line);
     return line.size() > 2 && line.front() == '[' && line.back() == ']' ? line.substr(1, line.size() - 2)
                                                                         : std::string_view();
@@ -71,13 +71,20 @@ int TSectionIndex::Find(std::string_view name, int from) const {
     if (from < Count() && SameText(Name(from), name))
         return from;
     if (byName_.empty())
-        for (int i = 0; i < Count(); ++i)
-            byName_[Name(i)].push_back(i);
-    const auto found = byName_.find(name);
-    if (found == byName_.end())
-        return -1;
-    const auto at = std::lower_bound(found->second.begin(), found->second.end(), from);
-    return at == found->second.end() ? -1 : *at;
+        SortByName();
+    const TNameEntry first{TNoCaseHash()(name), from};
+    for (auto at = std::lower_bound(byName_.begin(), byName_.end(), first);
+         at != byName_.end() && at->first == first.first; ++at)
+        if (SameText(Name(at->second), name))
+            return at->second;
+    return -1;
+}
+
+void TSectionIndex::SortByName() const {
+    byName_.reserve(sections_.size());
+    for (int i = 0; i < Count(); ++i)
+        byName_.emplace_back(TNoCaseHash()(Name(i)), i);
+    std::sort(byName_.begin(), byName_.end());
 }
 
 TSectionLines TSectionIndex::Read(std::string_view name, int& position) const {

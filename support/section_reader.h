@@ -6,7 +6,7 @@
 #include "platform/string_list.h"
 
 #include <string_view>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace lumora {
@@ -67,10 +67,13 @@ private:
         int End;
     };
 
+    using TNameEntry = std::pair<std::size_t, int>; // the hash of a section's name, and its number
+
+    void SortByName() const;
+
     const TStringList& lines_;
     std::vector<TSection> sections_;
-    // By name, ascending; made when a section is not the next one.
-    mutable std::unordered_map<std::string_view, std::vector<int>, TNoCaseHash, TNoCaseEqual> byName_;
+    mutable std::vector<TNameEntry> byName_; // ascending; made when a section is not the next one
 };
 
 } // namespace lumora

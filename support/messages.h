@@ -48,7 +48,8 @@ enum TMessageId : int {
     msgInvalidValue = 65536,
     msgUnknownCondition,
     msgTooDeep,
-    msgNoQueryBase
+    msgNoQueryBase,
+    msgCantBeKept
 };
 
 // The text of a message; a reference that is valid until the message is set.

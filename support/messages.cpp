@@ -1,4 +1,4 @@
-#include "model/messages.h"
+#include "support/messages.h"
 
 #include <algorithm>
 #include <vector>
@@ -54,6 +54,7 @@ std::vector<TMessageRecord>& Records() {
         {msgUnknownCondition, "", "Unrecognized condition %s"},
         {msgTooDeep, "", "Brackets are nested too deep (more than %d levels)"},
         {msgNoQueryBase, "", "Query \"%s\" does not belong to a query base"},
+        {msgCantBeKept, "", "\"%s\" can not be kept in a query"},
     };
     return records;
 }

@@ -1,0 +1,141 @@
+#include "sqlparse/Vsqlpars.h"
+#include "sqlparse/parse_tree_text.h"
+#include "tests/fixtures.h"
+
+#include <gtest/gtest.h>
+
+using namespace lumora;
+using namespace lumora::tests;
+
+namespace {
+
+std::string Tree(std::string_view sql, bool strict = false) {
+    TVSQLParser parser;
+    parser.SetStrict(strict);
+    parser.SetSQLText(sql);
+    parser.Parse();
+    TStringList lines;
+    ParseTreeToStrings(parser.GetResult(), lines);
+    return lines.GetText();
+}
+
+// The lines of the WHERE tree of a condition text.
+std::string Where(const std::string& condition) {
+    const std::string tree = Tree("select * from t where " + condition);
+    return tree.substr(tree.find("bracket"));
+}
+
+std::string Error(std::string_view sql, bool strict = false) {
+    return MessageOf<ESQLParserError>([&] { Tree(sql, strict); });
+}
+
+} // namespace
+
+TEST(Parser, ReadsAllClauses) {
+    EXPECT_EQ(
+        Tree("SELECT DISTINCT o.amount AS Total, f(a.b, 'x,y')\n\t* -- twice\n 2, \"a b\".c as \"My "
+             "\"\"Alias\" "
+             "from (orders o\n LEFT OUTER JOIN s.\"Order Lines\" AS l ON o.id = l.id and (l.x = 1)) "
+             "inner join t on 1=1, other where o.amount > 5 group by o.amount, a.b order by 2 desc, 1;"),
+        "distinct=1\nall=0\n"
+        "field expr=<o.amount> name=<amount> alias=<Total> sorting=1 order=2\n"
+        "field expr=<f(a.b, 'x,y') * 2> name=<f(a.b, 'x,y') * 2> alias=<> sorting=2 order=1\n"
+        "field expr=<\"a b\".c> name=<c> alias=<My \"Alias> sorting=0 order=0\n"
+        "table name=<orders> alias=<o>\ntable name=<s.Order Lines> alias=<l>\n"
+        "table name=<t> alias=<t>\ntable name=<other> alias=<other>\n"
+        "bracket and\n  cond neg=0 sub=0 left=<o.amount> op=<>> value=<5>\n");
+    EXPECT_EQ(Tree("select * from t order by name, x.y desc"),
+              "distinct=0\nall=1\nfield expr=<name> name=<name> alias=<> sorting=1 order=1\n"
+              "field expr=<x.y> name=<y> alias=<> sorting=2 order=2\ntable name=<t> alias=<t>\nbracket \n");
+    // The expression that is sorted by may be written with other blanks; what is no clause ends the
+    // statement.
+    EXPECT_NE(Tree("select a . b, left(x,1) from t order by A.B limit 3")
+                  .find("expr=<a . b> name=< b> alias=<> sorting=1"),
+              std::string::npos);
+    EXPECT_EQ(Tree("select a b from t x union select 1 from u").find("distinct=0\nall=0\nfield expr=<a b>"),
+              0u);
+}
+
+TEST(Parser, BuildsTheWhereTree) {
+    EXPECT_EQ(Where("(a = 1)"), "bracket and\n  cond neg=0 sub=0 left=<a> op=<=> value=<1>\n");
+    EXPECT_EQ(Where("a=1 and (b <> 2 or (c like 'x%'))"),
+              "bracket and\n  cond neg=0 sub=0 left=<a> op=<=> value=<1>\n  bracket or\n"
+              "    cond neg=0 sub=0 left=<b> op=<<>> value=<2>\n    cond neg=0 sub=0 left=<c> op=<like> "
+              "value=<'x%'>\n");
+    EXPECT_EQ(
+        Where("a = 1 or b = 2 and c = 3"),
+        "bracket or\n  cond neg=0 sub=0 left=<a> op=<=> value=<1>\n  bracket and\n"
+        "    cond neg=0 sub=0 left=<b> op=<=> value=<2>\n    cond neg=0 sub=0 left=<c> op=<=> value=<3>\n");
+    for (const char* const sql :
+         {"not a like 'x%'", "a not like 'x%'", "not not a NOT Like 'x%'", "not (a like 'x%')"})
+        EXPECT_EQ(Where(sql), "bracket and\n  cond neg=1 sub=0 left=<a> op=<like> value=<'x%'>\n") << sql;
+    EXPECT_EQ(Where("not a not like 'x'"),
+              "bracket and\n  cond neg=0 sub=0 left=<a> op=<like> value=<'x'>\n");
+    EXPECT_EQ(Where("(a + b) * 2 BETWEEN f(1,2) AND \"x\""),
+              "bracket and\n  cond neg=0 sub=0 left=<(a + b) * 2> op=<between> value=<f(1,2) and 'x'>\n");
+    EXPECT_EQ(Where("a is not null and b in (1, 'it''s') or c in (select x from y where z = 1) limit 7"),
+              "bracket or\n  bracket and\n    cond neg=0 sub=0 left=<a> op=<is> value=<not null>\n"
+              "    cond neg=0 sub=0 left=<b> op=<in> value=<(1, 'it''s')>\n"
+              "  cond neg=0 sub=1 left=<c> op=<in> value=<(select x from y where z = 1)>\n");
+    EXPECT_EQ(Where("case when a = 1 then 'and' else b end <= left(c, 2) and t.order != 1 group by a.b"),
+              "bracket and\n"
+              "  cond neg=0 sub=0 left=<case when a = 1 then 'and' else b end> op=<<=> value=<left(c, 2)>\n"
+              "  cond neg=0 sub=0 left=<t.order> op=<!=> value=<1>\n");
+}
+
+TEST(Parser, KeepsMoreWhenStrict) {
+    EXPECT_EQ(
+        Tree("select * from t where not (a = 1 and b = 2)", true),
+        "distinct=0\nall=1\ntable name=<t> alias=<t>\nbracket and\n  not bracket and\n"
+        "    cond neg=0 sub=0 left=<a> op=<=> value=<1>\n    cond neg=0 sub=0 left=<b> op=<=> value=<2>\n");
+    TVSQLParser parser;
+    parser.SetStrict(true);
+    parser.SetSQLText(
+        "select a.x, sum(b.y) as s from a WITH NOLOCK left outer join b with (x, y) on (a.i=b.i)\n"
+        "where not (not (a.x = 1 or a.x = 2)) group by a.x order by SUM(b.y) desc, a.x;");
+    parser.Parse();
+    const TVParserResult& result = parser.GetResult();
+    ASSERT_EQ(result.Joins.size(), 1u);
+    EXPECT_EQ(result.Joins[0].Kind, swLeft);
+    EXPECT_EQ(static_cast<TSQLCondition*>(result.Joins[0].Condition->GetFirst())->Left, "a.i");
+    EXPECT_EQ(result.GroupBy[0].Text, "a.x");
+    EXPECT_EQ(result.ResultFields.GetItem(1).Sorting, 2);
+    EXPECT_EQ(result.RootBracket->Operator, "or"); // twice negated is not negated
+    EXPECT_FALSE(result.RootBracket->Negated);
+    EXPECT_EQ(Error("select a.x from a\nwhere a.x = 1\nhaving 1 = 1", true),
+              "\"having\" can not be kept in a query\r\nLine:3");
+    EXPECT_EQ(Error("with q as (select 1) select * from q", true),
+              "\"with\" can not be kept in a query\r\nLine:1");
+    EXPECT_EQ(Error("select rank() over (order by x) from a", true),
+              "\"over\" can not be kept in a query\r\nLine:1");
+    EXPECT_EQ(Error("select * from a where x = 1 union select * from b", true),
+              "\"union\" can not be kept in a query\r\nLine:1");
+}
+
+TEST(Parser, NamesTheLineOfAnError) {
+    const std::string wrong = "Wrong SQL statement\r\nLine:";
+    EXPECT_EQ(Error(""), wrong + "1");
+    EXPECT_EQ(Error("update t\nset x = 1"), wrong + "1");
+    EXPECT_EQ(Error("select a\n\n"), wrong + "1"); // the last token's line
+    EXPECT_EQ(Error("select a,\n from t"), wrong + "2");
+    EXPECT_EQ(Error("select * from t\nwhere a"), wrong + "2");
+    EXPECT_EQ(Error("select * from t\nwhere a =\n"), wrong + "2");
+    EXPECT_EQ(Error("select * from t where a between 1 or 2"), wrong + "1");
+    EXPECT_EQ(Error("select a from t order by 2"), wrong + "1");
+    EXPECT_EQ(Error("select a from t order by 1, a"), wrong + "1");
+    EXPECT_EQ(Error("select a from t order by b"), wrong + "1");
+    EXPECT_EQ(Error("select a from t group by a"), wrong + "1");
+    EXPECT_EQ(Error("select a from t left join u"), wrong + "1");
+    EXPECT_EQ(Error("select 'a\n from t"), wrong + "1");
+    EXPECT_EQ(Error("select * from t where\n(a = 1\nor b = 2"), "Lost bracket\r\nLine:3");
+    EXPECT_EQ(Error("select * from t where not (a = 1 and b = 2)"), "Lost bracket\r\nLine:1");
+    EXPECT_EQ(Error("select * from t where a in (select 1"), "Lost bracket\r\nLine:1");
+
+    const auto nested = [](int depth) {
+        return "select * from t where\n" + std::string(static_cast<std::size_t>(depth), '(') + "a = 1" +
+               std::string(static_cast<std::size_t>(depth), ')');
+    };
+    EXPECT_EQ(Error(nested(MaxSQLNesting)), "");
+    EXPECT_EQ(Error(nested(MaxSQLNesting + 1)), wrong + "2");
+    EXPECT_EQ(Error(nested(1'000'000)), wrong + "2");
+}
