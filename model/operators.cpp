@@ -13,6 +13,11 @@ void TDSOperator::SetName(std::string name) {
         structure_->OperatorKeysChanged();
 }
 
+void TDSOperator::SetSQLName(std::string text) {
+    pattern_ = TSQLPattern(text);
+    template_.SetText(std::move(text));
+}
+
 std::span<const TDefaultOperator> DefaultOperators() {
     static constexpr TDefaultOperator operators[] = {
         {"Equal", "is equal to", "@f = '@1'", LmCommonTypes, false, xoInList},

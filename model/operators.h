@@ -2,6 +2,7 @@
 #pragma once
 
 #include "model/Lmglobal.h"
+#include "model/sql_pattern.h"
 #include "model/sql_template.h"
 #include "platform/field_types.h"
 
@@ -48,8 +49,10 @@ public:
     void SetName(std::string name);
     // The SQL template; "@f" is the field, "@1", "@2", ... the values.
     const std::string& GetSQLName() const { return template_.GetText(); }
-    void SetSQLName(std::string text) { template_.SetText(std::move(text)); }
+    void SetSQLName(std::string text);
     const TSQLTemplate& GetTemplate() const { return template_; }
+    // The template as a pattern for conditions that are read back.
+    const TSQLPattern& GetPattern() const { return pattern_; }
     // The number of values that the template takes.
     int GetParamCount() const { return template_.GetParamCount(); }
 
@@ -63,6 +66,7 @@ private:
     TVCustomDBStructure* structure_ = nullptr;
     std::string name_;
     TSQLTemplate template_;
+    TSQLPattern pattern_;
 };
 
 // A default operator. Its caption is the default line of DefOperators.

@@ -67,7 +67,7 @@ private:
     }
 
     void ReplaceValue(int value) {
-        const std::string placeholder = "@" + std::to_string(value);
+        const std::string placeholder = '@' + std::to_string(value);
         const TValueEntry entry = request_.GetEntry(value);
         const bool parameter = entry == veParameter;
         if (entry == veBare)
@@ -183,7 +183,7 @@ void TSQLTemplate::SetText(std::string text) {
     plans_.clear();
     paramCount_ = 0;
     while (paramCount_ < MaxTemplateValues &&
-           text_.find("@" + std::to_string(paramCount_ + 1)) != std::string::npos)
+           text_.find('@' + std::to_string(paramCount_ + 1)) != std::string::npos)
         ++paramCount_;
 }
 

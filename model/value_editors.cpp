@@ -36,12 +36,12 @@ std::string TDSSQLEditor::ApplyParams(std::string_view text) const {
     std::string result(text);
     for (int i = 0; i < params_.Count(); ++i)
         if (const std::string_view name = params_.Name(i); !name.empty())
-            result = ReplaceText(result, ":" + std::string(name), params_.ValueAt(i));
+            result = ReplaceText(result, ':' + std::string(name), params_.ValueAt(i));
     return result;
 }
 
 bool TDSSQLEditor::HasParameter(std::string_view name) const {
-    return SQL.GetText().find(":" + std::string(name)) != std::string::npos;
+    return SQL.GetText().find(':' + std::string(name)) != std::string::npos;
 }
 
 void TDSSQLEditor::SetSQLParams(const TStringList& params) {

@@ -10,6 +10,7 @@
 #include "query/filter_rows.h"
 #include "query/query_host.h"
 #include "query/query_result.h"
+#include "sqlparse/Vsqlpars.h"
 
 #include <functional>
 #include <memory>
@@ -110,6 +111,17 @@ public:
     std::string ExtractValue(const TFilterCond& condition, int value) const;
     // A date or time between the user's format and the model's SQL format.
     std::string ProcessDateValue(TFieldType type, std::string_view text, bool toSQL) const;
+    // Turns a SELECT statement into the panel's query. Fields and operators that the model does not know
+    // become its placeholders; a strict panel refuses what would not mean the same. ESQLParserError,
+    // EVQueryPanelError.
+    void ParseSQL(const TStringList& lines);
+    // The steps of that: a bracket with what a parsed one holds; the operator whose template a parsed
+    // condition matches (none when none does), its values and the query text of its sub-query; that text of a
+    // SELECT.
+    void ProcessSQLBracket(TFilterBracket& bracket, const TSQLBracket& parsed);
+    TDSOperator* OperatorBySQLCond(const TSQLCondition& parsed, std::string& value1, std::string& value2,
+                                   TStringList& subQuery);
+    void ProcessSubQuery(std::string_view sql, TStringList& lines);
     // Lines name=value of the simple conditions, from which lists from SQL take their parameters.
     const TStringList& GetSQLParams();
 
@@ -208,6 +220,8 @@ protected:
 
 private:
     friend class TQueryTextReader;
+    friend class TSQLJoins;
+    friend class TSQLReader;
 
     // TQueryHost.
     bool RemovesEmptyBrackets() const override {
@@ -276,6 +290,7 @@ private:
     bool saveSQLOptions_ = false;
     bool strict_ = false;
     double version_ = CurrentQueryVersion;
+    int subQueryLevel_ = 0; // how many panels around this one read the same statement
 
     TVBuilderState state_ = stIdle;
     bool active_ = false;

@@ -5,6 +5,7 @@
 #include "model/sql_syntax.h"
 #include "platform/field_types.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,7 +16,10 @@ namespace lumora {
 // time too. EConvertError when the text is no date or time.
 std::string DateValueToSQL(const TSQLFormats& formats, TFieldType type, std::string_view text,
                            TSQLSyntax syntax, bool strict);
-// A value in the model's format for the type as the user's date-time text. EConvertError as above.
+// A value in the model's format for the type, or in a call of TO_DATE as above, as the user's text: the time
+// alone for a time, otherwise the date-time text. EConvertError as above; nothing from the second.
 std::string DateValueFromSQL(const TSQLFormats& formats, TFieldType type, std::string_view text);
+std::optional<std::string> TryDateValueFromSQL(const TSQLFormats& formats, TFieldType type,
+                                               std::string_view text);
 
 } // namespace lumora

@@ -28,6 +28,12 @@ TMessageId MessageOf(TQueryPanelErrorCode code) {
         return msgUnknownCondition;
     case qpeTooDeep:
         return msgTooDeep;
+    case qpeCantBeKept:
+        return msgCantBeKept;
+    case qpeOtherJoin:
+        return msgOtherJoin;
+    case qpeNoTable:
+        return msgNoTable;
     }
     return msgQueryWasNotBuilt;
 }
@@ -37,5 +43,10 @@ TMessageId MessageOf(TQueryPanelErrorCode code) {
 EVQueryPanelError::EVQueryPanelError(TQueryPanelErrorCode code,
                                      std::initializer_list<std::string_view> arguments)
     : EVLumoraError(code, Message(MessageOf(code)), arguments) {}
+
+EVQueryPanelError::EVQueryPanelError(TQueryPanelErrorCode code,
+                                     std::initializer_list<std::string_view> arguments, int line)
+    : EVLumoraError(code,
+                    FormatText(Message(MessageOf(code)), arguments) + "\r\nLine:" + std::to_string(line)) {}
 
 } // namespace lumora

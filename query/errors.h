@@ -19,13 +19,18 @@ enum TQueryPanelErrorCode : int {
     qpeQueryWasNotBuilt = 8,
     qpeInvalidValue = 9,
     qpeUnknownCondition = 10,
-    qpeTooDeep = 11
+    qpeTooDeep = 11,
+    qpeCantBeKept = 12,
+    qpeOtherJoin = 13,
+    qpeNoTable = 14
 };
 
 class EVQueryPanelError : public EVLumoraError {
 public:
     explicit EVQueryPanelError(TQueryPanelErrorCode code,
                                std::initializer_list<std::string_view> arguments = {});
+    // With a line break, "Line:" and the line of the statement at the end of the message.
+    EVQueryPanelError(TQueryPanelErrorCode code, std::initializer_list<std::string_view> arguments, int line);
 };
 
 } // namespace lumora

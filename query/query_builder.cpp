@@ -5,6 +5,7 @@
 #include "support/string_helpers.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace lumora {
 
@@ -18,6 +19,7 @@ TQueryBuilder::TQueryBuilder(TQueryHost& panel, const TVCustomDBStructure& struc
 
 void TQueryBuilder::Build(TDSTable* mainTable, const TFilterBracket* root) {
     result_.ClearBuild();
+    open_.reserve(16); // brackets are mostly nested less deep
     if (mainTable)
         AddTable(mainTable);
     AddResultFields();
@@ -42,7 +44,11 @@ void TQueryBuilder::AddTable(TDSTable* table) {
     if (table == lastAdded_)
         return;
     lastAdded_ = table;
-    if (!added_.insert(table).second || HasTable(table))
+    const auto place = std::lower_bound(added_.begin(), added_.end(), table, std::less<>());
+    if (place != added_.end() && *place == table)
+        return;
+    added_.insert(place, table);
+    if (HasTable(table))
         return;
     TRTableList& tables = result_.GetResultTables();
     if (tables.Empty()) {

@@ -7,7 +7,6 @@
 
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 namespace lumora {
@@ -51,7 +50,7 @@ private:
     const bool strict_;
     const bool bracketConditions_;
     std::vector<TOpenBracket> open_;
-    std::unordered_set<const TDSTable*> added_; // tables that were asked for before
+    std::vector<const TDSTable*> added_; // tables that were asked for before, ascending
     const TDSTable* lastAdded_ = nullptr;
     std::string text_;
 };

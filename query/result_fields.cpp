@@ -16,6 +16,18 @@ std::string Placeholder(int number) {
     return "@" + std::to_string(number);
 }
 
+std::string LowerOutsideLiterals(std::string_view sql) {
+    std::string text(sql);
+    bool inLiteral = false;
+    for (char& c : text) {
+        if (c == '\'')
+            inLiteral = !inLiteral;
+        if (!inLiteral)
+            c = LowerAscii(c);
+    }
+    return text;
+}
+
 } // namespace
 
 TQueryHost* TResultField::GetQueryPanel() const {
@@ -135,7 +147,8 @@ void TResultField::ProcessExpression(std::string_view expression) {
 }
 
 void TResultField::ProcessSQLExpr(std::string_view sql) {
-    formula_.SetText(LowerAscii(sql));
+    const TQueryHost* const panel = GetQueryPanel();
+    formula_.SetText(panel && panel->GetStrict() ? LowerOutsideLiterals(sql) : LowerAscii(sql));
     TVCustomDBStructure* const structure = GetDBStruct();
     if (!structure)
         return;

@@ -58,7 +58,8 @@ public:
     std::string GenerateCaption() const;
     // Takes a formula with captions in braces; names that are unknown become the model's placeholder field.
     void ProcessExpression(std::string_view expression);
-    // Takes SQL text; it is stored lower-cased, with the fields that it names.
+    // Takes SQL text; it is stored lower-cased (but for string literals when the panel is strict), with the
+    // fields that it names.
     void ProcessSQLExpr(std::string_view sql);
 
     void Assign(const TResultField& source);
@@ -134,6 +135,7 @@ public:
     TVCustomDBStructure* GetDBStruct() const { return structure_; }
     void SetDBStruct(TVCustomDBStructure* structure) { structure_ = structure; }
     TQueryHost* GetQueryPanel() const { return panel_; }
+    bool Distinct = false;   // the statement that the fields were read from said so
     bool JustSorting = true; // the fields serve only to sort: the select list is "*"
     bool AutoAliases = true;
     bool QuoteAliases = false;

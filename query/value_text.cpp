@@ -8,10 +8,13 @@
 
 namespace lumora {
 
-std::vector<std::string> SplitListValue(std::string_view text) {
-    std::vector<std::string> items;
+namespace {
+
+// Hands each item of a list value to `take`, which may use it up.
+template <typename TTake>
+void ForEachItem(std::string_view text, TTake take) {
     if (Trim(text).empty())
-        return items;
+        return;
     std::string item;
     std::size_t kept = 0; // the length of the item without blanks behind it
     bool quoted = false;
@@ -19,7 +22,7 @@ std::vector<std::string> SplitListValue(std::string_view text) {
         const char c = i < text.size() ? text[i] : ',';
         if (i == text.size() || (c == ',' && !quoted)) {
             item.resize(kept);
-            items.push_back(std::move(item));
+            take(item);
             item.clear();
             kept = 0;
             quoted = false;
@@ -36,6 +39,13 @@ std::vector<std::string> SplitListValue(std::string_view text) {
                 kept = item.size();
         }
     }
+}
+
+} // namespace
+
+std::vector<std::string> SplitListValue(std::string_view text) {
+    std::vector<std::string> items;
+    ForEachItem(text, [&items](std::string& item) { items.push_back(std::move(item)); });
     return items;
 }
 
@@ -149,12 +159,9 @@ void TValueWriter::AppendList(std::string& out, const TFilterCond& condition, TF
         AppendDoubled(out, text, '\'');
         return;
     }
-    const std::vector<std::string> items = SplitListValue(text);
-    if (items.empty() && strict_)
-        RaiseInvalidValue(text, condition.GetCaptionText());
     const bool isEmptyDate = text == EmptyValue(type);
     bool first = true;
-    for (const std::string& item : items) {
+    ForEachItem(text, [&](const std::string& item) {
         if (!first)
             out += ',';
         first = false;
@@ -162,7 +169,9 @@ void TValueWriter::AppendList(std::string& out, const TFilterCond& condition, TF
             out.append(quoted ? "'" : "").append(item).append(quoted ? "'" : "");
         else
             AppendItem(out, condition, type, item, quoted);
-    }
+    });
+    if (first && strict_)
+        RaiseInvalidValue(text, condition.GetCaptionText());
 }
 
 } // namespace lumora

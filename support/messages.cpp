@@ -55,6 +55,7 @@ std::vector<TMessageRecord>& Records() {
         {msgTooDeep, "", "Brackets are nested too deep (more than %d levels)"},
         {msgNoQueryBase, "", "Query \"%s\" does not belong to a query base"},
         {msgCantBeKept, "", "\"%s\" can not be kept in a query"},
+        {msgOtherJoin, "", "\"%s\" is not joined as the data model joins it"},
     };
     return records;
 }

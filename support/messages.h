@@ -49,7 +49,8 @@ enum TMessageId : int {
     msgUnknownCondition,
     msgTooDeep,
     msgNoQueryBase,
-    msgCantBeKept
+    msgCantBeKept,
+    msgOtherJoin
 };
 
 // The text of a message; a reference that is valid until the message is set.
