@@ -1,5 +1,8 @@
 #include "model/sql_template.h"
 
+#include "platform/ascii.h"
+#include "sqlparse/Vscanner.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -178,9 +181,25 @@ std::uint64_t TPlanRequest::Key() const {
     return Entries << 4 | flags;
 }
 
+namespace {
+
+bool FindOuterOr(std::string_view text) {
+    int depth = 0;
+    for (TVScanner scanner(text); !scanner.AtEnd(); scanner.Next()) {
+        const TToken& token = scanner.Token();
+        depth += token.IsSymbol('(') ? 1 : token.IsSymbol(')') ? -1 : 0;
+        if (depth == 0 && token.Kind == tkIdentifier && SameText(token.Text, "or"))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
 void TSQLTemplate::SetText(std::string text) {
     text_ = std::move(text);
     plans_.clear();
+    hasOuterOr_ = FindOuterOr(text_);
     paramCount_ = 0;
     while (paramCount_ < MaxTemplateValues &&
            text_.find('@' + std::to_string(paramCount_ + 1)) != std::string::npos)

@@ -71,6 +71,8 @@ public:
 
     // The number of values: the smallest n for which "@" and n + 1 do not occur, MaxTemplateValues at most.
     int GetParamCount() const { return paramCount_; }
+    // An "or" stands outside all parentheses, so what the template makes must be bracketed to hold together.
+    bool HasOuterOr() const { return hasOuterOr_; }
     // The plan for a request; it stays valid until the text changes or another plan is asked for.
     const TTemplatePlan& Plan(const TPlanRequest& request) const;
 
@@ -83,6 +85,7 @@ private:
 
     std::string text_;
     int paramCount_ = 0;
+    bool hasOuterOr_ = false;
     mutable std::vector<TCachedPlan> plans_;
 };
 

@@ -418,8 +418,16 @@ void TVCustomDBStructure::RetriveDataModelInfo() {
     TStringList lines;
     provider.GetTableNames(lines);
     BeginUpdate();
+    for (TModelListener* const listener : listeners_)
+        listener->ModelReplacing();
+    const auto finish = [this] {
+        EndUpdate();
+        for (TModelListener* const listener : listeners_)
+            listener->ModelReplaced();
+    };
     try {
-        ClearStructure();
+        ClearItems();
+        UpdateDefOperators();
         for (const std::string_view name : lines)
             AddTable(std::string(name), std::string(name));
         lines.Clear();
@@ -433,10 +441,10 @@ void TVCustomDBStructure::RetriveDataModelInfo() {
                 AddDataField(++id, columns.GetItem(column), *tables_[i]);
         }
     } catch (...) {
-        EndUpdate();
+        finish();
         throw;
     }
-    EndUpdate();
+    finish();
     Changed();
 }
 

@@ -77,6 +77,8 @@ void TQueryBuilder::AddResultFields() {
     std::vector<std::pair<int, std::string>> sorted;
     for (int i = 0; i < fields.Count(); ++i) {
         TResultField& field = *fields.GetRField(i);
+        if (strict_)
+            CheckResultField(field);
         aggregates = aggregates || field.GetAgregate();
         for (const TDSField* const entry : field.GetFields())
             AddTables(entry->GetTables());
@@ -89,6 +91,13 @@ void TQueryBuilder::AddResultFields() {
         result_.OrderBy.append(result_.OrderBy.empty() ? "" : ", ").append(item.second);
     if (aggregates)
         AddGroupBy();
+}
+
+void TQueryBuilder::CheckResultField(const TResultField& field) const {
+    for (const TDSField* const entry : field.GetFields())
+        if (entry == structure_.GetUnrecognizedField())
+            throw EVQueryPanelError(qpeUnrecognizedField, {field.GetCaption()});
+    CheckExpression(field.GetSQLExpr(), field.GetCaption());
 }
 
 std::string TQueryBuilder::SortItem(TResultField& field) const {
@@ -161,23 +170,34 @@ void TQueryBuilder::WriteCondition(TFilterCond& condition) {
     AddTables(condition.GetTables());
     if (!condition.GetTemplate())
         return;
+    if (strict_ && condition.GetRowType() == frtSimpleCondition)
+        CheckRecognized(static_cast<TSimpleCond&>(condition));
+    // A strict query holds an "or" of the template together, whatever stands around it.
+    const bool bracketed = bracketConditions_ || (strict_ && condition.GetTemplate()->HasOuterOr());
     TStringList& lines = result_.Conditions();
     if (panel_.WantsConditionText()) {
         text_.clear();
         FillTemplate(text_, condition);
         panel_.ConditionText(condition, text_);
         BeginRow();
-        result_.AddCondition(text_);
-        return;
+        lines.Tail().append(bracketed ? "(" : "").append(text_).append(bracketed ? ")" : "");
+    } else {
+        BeginRow();
+        std::string& line = lines.Tail();
+        if (bracketed)
+            line += '(';
+        FillTemplate(line, condition);
+        if (bracketed)
+            line += ')';
     }
-    BeginRow();
-    std::string& line = lines.Tail();
-    if (bracketConditions_)
-        line += '(';
-    FillTemplate(line, condition);
-    if (bracketConditions_)
-        line += ')';
     lines.EndLine();
+}
+
+void TQueryBuilder::CheckRecognized(const TSimpleCond& condition) const {
+    if (condition.GetField() == structure_.GetUnrecognizedField())
+        throw EVQueryPanelError(qpeUnrecognizedField, {"row " + condition.GetRowID()});
+    if (condition.GetOperator() == structure_.GetUnrecognizedOperator())
+        throw EVQueryPanelError(qpeUnrecognizedOperator, {"row " + condition.GetRowID()});
 }
 
 void TQueryBuilder::FillTemplate(std::string& out, TFilterCond& condition) {

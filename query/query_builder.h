@@ -32,6 +32,8 @@ private:
     void AddTables(const TDSTableList& tables);
     bool HasTable(TDSTable* table) const;
     void AddResultFields();
+    void CheckResultField(const TResultField& field) const;
+    void CheckRecognized(const TSimpleCond& condition) const;
     std::string SortItem(TResultField& field) const;
     void AddGroupBy();
     void WriteBracket(const TFilterBracket& bracket);

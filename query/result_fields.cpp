@@ -93,8 +93,6 @@ std::string TResultField::GetExpression() const {
 
 std::string TResultField::GetSelectExpr() const {
     std::string text = GetSQLExpr();
-    if (const TQueryHost* const panel = GetQueryPanel(); panel && panel->GetStrict())
-        CheckExpression(text, caption_);
     if (!alias_.empty())
         text.append(" as ").append(GetSQLAlias());
     return text;

@@ -5,6 +5,7 @@
 #include "platform/formats.h"
 #include "query/errors.h"
 #include "sqlparse/Vscanner.h"
+#include "sqlparse/sql_words.h"
 
 #include <unordered_set>
 
@@ -113,25 +114,68 @@ void RaiseInvalidValue(std::string_view text, std::string_view caption) {
     throw EVQueryPanelError(qpeInvalidValue, {text, caption});
 }
 
-void CheckExpression(std::string_view text, std::string_view caption) {
+namespace {
+
+bool IsClauseWord(const TToken& token) {
+    switch (token.Kind == tkIdentifier ? SQLWordOf(token.Text) : swNone) {
+    case swSelect:
+    case swFrom:
+    case swWhere:
+    case swGroup:
+    case swOrder:
+    case swHaving:
+    case swLimit:
+    case swOffset:
+    case swFetch:
+    case swUnion:
+    case swIntersect:
+    case swExcept:
+    case swMinus:
+    case swWindow:
+    case swWith:
+        return true;
+    default:
+        return false;
+    }
+}
+
+// What reads as something else, or begins a string, in some databases: $$..$$, E'..', `..`, # to the end of
+// the line.
+bool IsForeign(const TToken& token, char next) {
+    if (token.Kind == tkIdentifier)
+        return next == '\'' || token.Text.find("$$") != std::string_view::npos || token.Text[0] == '#';
+    return token.IsSymbol(';') || token.IsSymbol('`') || token.IsSymbol('\\') || token.Kind == tkUnclosed;
+}
+
+bool HoldsTogether(std::string_view text, bool isExpression) {
     int depth = 0;
     const char* previousEnd = text.data();
+    const char* const end = text.data() + text.size();
     TVScanner scanner(text);
-    for (; !scanner.AtEnd(); scanner.Next()) {
+    for (; !scanner.AtEnd() && depth >= 0; scanner.Next()) {
         const TToken& token = scanner.Token();
+        const char* const tokenEnd = token.Text.data() + token.Text.size();
         const std::string_view between(previousEnd,
                                        static_cast<std::size_t>(token.Text.data() - previousEnd));
-        if (token.IsSymbol('('))
-            ++depth;
-        else if (token.IsSymbol(')'))
-            --depth;
-        if (depth < 0 || token.Kind == tkUnclosed || token.IsSymbol(';') || !Trim(between).empty())
-            RaiseInvalidValue(text, caption);
-        previousEnd = token.Text.data() + token.Text.size();
+        depth += token.IsSymbol('(') ? 1 : token.IsSymbol(')') ? -1 : 0;
+        const bool leaves = isExpression && depth == 0 && (token.IsSymbol(',') || IsClauseWord(token));
+        if (leaves || IsForeign(token, tokenEnd < end ? *tokenEnd : '\0') || !Trim(between).empty())
+            return false;
+        previousEnd = tokenEnd;
     }
-    const std::string_view rest(previousEnd,
-                                static_cast<std::size_t>(text.data() + text.size() - previousEnd));
-    if (depth != 0 || !Trim(rest).empty())
+    return depth == 0 &&
+           Trim(std::string_view(previousEnd, static_cast<std::size_t>(end - previousEnd))).empty();
+}
+
+} // namespace
+
+void CheckExpression(std::string_view text, std::string_view caption) {
+    if (!HoldsTogether(text, true))
+        RaiseInvalidValue(text, caption);
+}
+
+void CheckSubQuery(std::string_view text, std::string_view caption) {
+    if (SQLWordOf(TVScanner(text).Token().Text) != swSelect || !HoldsTogether(text, false))
         RaiseInvalidValue(text, caption);
 }
 

@@ -17,9 +17,12 @@ bool IsCheckedType(TFieldType type);
 // Whether the text, blanks around it dropped, is a value of a checked type.
 bool IsValidValue(TFieldType type, std::string_view text);
 
-// Raises EVQueryPanelError, 'Invalid value "TEXT" for "CAPTION"', unless the text is one SQL expression (or
-// sub-query) that ends where it ends: brackets pair up, quotes are closed, no ";" and no comment.
+// Both raise EVQueryPanelError, 'Invalid value "TEXT" for "CAPTION"', for a text that could leave its place
+// in a statement: brackets must pair up and quotes be closed; ";", comments and quoting that only some
+// databases know are refused. An expression is one, without a "," or the words of clauses outside brackets; a
+// sub-query begins with SELECT.
 void CheckExpression(std::string_view text, std::string_view caption);
+void CheckSubQuery(std::string_view text, std::string_view caption);
 [[noreturn]] void RaiseInvalidValue(std::string_view text, std::string_view caption);
 
 } // namespace lumora

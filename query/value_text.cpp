@@ -1,5 +1,6 @@
 #include "query/value_text.h"
 
+#include "platform/formats.h"
 #include "query/date_values.h"
 #include "query/strict_checks.h"
 #include "support/string_helpers.h"
@@ -79,13 +80,10 @@ void CheckValue(const TFilterCond& condition, TFieldType type, std::string_view 
         RaiseInvalidValue(text, condition.GetCaptionText());
 }
 
-// A sub-query must be one, so that it cannot end the brackets it stands in.
-void CheckSubQuery(const TFilterCond& condition, std::string_view text) {
-    const std::string_view query = Trim(text);
-    if (!SameText(query.substr(0, 6), "select") ||
-        (query.size() > 6 && !IsBlank(query[6]) && query[6] != '('))
-        RaiseInvalidValue(text, condition.GetCaptionText());
-    CheckExpression(text, condition.GetCaptionText());
+bool MeansTheSame(const TSQLFormats& formats, TFieldType type, std::string_view text, std::string_view sql) {
+    const TDateTime value = StrToDateTime(text);
+    return TryDateValueFromSQL(formats, type, sql) ==
+           (type == ftTime ? TimeToStr(value) : DateTimeToStr(value));
 }
 
 } // namespace
@@ -109,7 +107,7 @@ void TValueWriter::Append(std::string& out, const TFilterCond& condition, int va
     switch (condition.GetValueKind(value)) {
     case vkSubQuery:
         if (strict_)
-            CheckSubQuery(condition, text);
+            CheckSubQuery(text, condition.GetCaptionText());
         out += text.empty() ? EmptyValue(type) : std::string_view(text);
         break;
     case vkList:
@@ -132,6 +130,8 @@ void TValueWriter::AppendItem(std::string& out, const TFilterCond& condition, TF
         text = EmptyValue(type);
     } else if (IsDateOrTime(type)) {
         const std::string date = DateValueToSQL(structure_.GetSQLFormats(), type, text, syntax_, strict_);
+        if (strict_ && !MeansTheSame(structure_.GetSQLFormats(), type, text, date))
+            RaiseInvalidValue(text, condition.GetCaptionText()); // the format would drop a part of it
         if (IsOracleLiteral(type))
             out += date;
         else

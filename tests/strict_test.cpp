@@ -36,9 +36,13 @@ TEST_F(Strict, ReplacesBarePlaceholdersAlone) {
     EXPECT_EQ(Text("orders.amount", "Bare", "-1.5e3"), "orders.amount = -1.5e3\n");
     EXPECT_EQ(Text("orders.amount", "GreaterThan", " 7 "), "orders.amount >7\n");
 
+    shop_.Model.AddOperator("OrNull", "", "@f = '@1' or @f is null", "", LmUsedTypes);
+    EXPECT_EQ(Text("lines.qty", "OrNull", "1"), "(lines.qty = 1 or lines.qty is null)\n");
+    shop_.Panel.ClearRows();
+
     TSimpleCond* const condition = shop_.Where("customers.company", "InList", "");
     condition->SetValueIsParam(1, true);
-    EXPECT_EQ(TStringList(shop_.Conditions())[1], "customers.company in (:Param1)");
+    EXPECT_EQ(shop_.Conditions(), "customers.company in (:Param1)\n");
     EXPECT_EQ(shop_.Panel.GetQResult().GetParam(0)->ValueFormat, "@v");
     shop_.Panel.GetQResult().GetParam(0)->Name = "p) or (1=1";
     EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }),
@@ -80,11 +84,30 @@ TEST_F(Strict, KeepsSubQueriesAndFormulasInTheirPlace) {
                                     "select '", "select /* 1", "selected"})
         EXPECT_NE(Refusal("orders.amount", "InSub", value), "") << value;
     shop_.Panel.ClearRows();
-    for (const char* const formula : {"@1) from t --", "@1; drop", "'", "(@1"}) {
+    for (const char* const formula : {"@1) from t --", "@1; drop", "'", "(@1", "@1 from t union select x",
+                                      "@1,2", "E'\'' ; drop --'", "$$'$$ @1", "@1 # x", "@1 /* x */"}) {
         shop_.Panel.GetQResult().GetResultFields().Clear();
         shop_.Panel.GetQResult().GetResultFields().Add(formula, {shop_.Field("orders.amount")}, "x");
         EXPECT_NE(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }), "") << formula;
+        shop_.Panel.GetQResult().GetResultFields().JustSorting = true; // it would stand in ORDER BY
+        shop_.Panel.GetQResult().GetResultFields().GetRField(0)->SetSorting(stAscending);
+        EXPECT_NE(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }), "") << formula;
     }
+    shop_.Panel.GetQResult().GetResultFields().Clear();
+    shop_.Panel.GetQResult().GetResultFields().Add("sum(@1, (select 1 from t)) || ','",
+                                                   {shop_.Field("orders.amount")}, "x");
+    EXPECT_EQ(MessageOf<Exception>([&] { shop_.SQL(); }), "");
+}
+
+TEST_F(Strict, RefusesWhatIsUnrecognizedOrWouldBeCut) {
+    shop_.Where("orders.amount", "Equal", "1")->SetOperator(shop_.Model.GetUnrecognizedOperator());
+    EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }), "Unrecognized operator \"row 1.\"");
+    shop_.Panel.ClearRows();
+    shop_.Where("orders.amount", "Equal", "1")->SetField(shop_.Model.GetUnrecognizedField());
+    EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }), "Unrecognized field \"row 1.\"");
+    EXPECT_EQ(Refusal("lines.at", "Equal", "09:00:45"), "Invalid value \"09:00:45\" for \"at\"");
+    shop_.Model.GetSQLFormats().SetTime("hh:nn:ss");
+    EXPECT_EQ(Text("lines.at", "Equal", "09:00:45"), "lines.at = '09:00:45'\n");
 }
 
 TEST_F(Strict, JoinsASecondAliasOfATable) {
