@@ -1,0 +1,81 @@
+// lumora: data models and queries on the command line.
+
+#include "apps/lumora/commands.h"
+
+#include <cstdio>
+#include <exception>
+
+namespace lumora::cli {
+
+namespace {
+
+enum ExitStatus : int { Success = 0, Failure = 1, BadUsage = 2 };
+
+// One line, whatever the message holds.
+void printError(std::string_view message) {
+    std::string line = "lumora: ";
+    for (std::size_t i = 0; i < message.size(); ++i) {
+        if (message[i] == '\r' && i + 1 < message.size() && message[i + 1] == '\n')
+            ++i;
+        line += message[i] == '\r' || message[i] == '\n' ? ' ' : message[i];
+    }
+    line += '\n';
+    std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+int refuse(const UsageError& error, const std::string& usage) {
+    printError(error.what());
+    std::fputs(usage.c_str(), stderr);
+    return BadUsage;
+}
+
+void runCommandLine(const Command& command, std::span<const std::string> words, Output& output) {
+    const Arguments arguments(words, command.options, command.arguments);
+    if (arguments.wantsHelp()) {
+        output.write(helpText(command));
+        return;
+    }
+    checkStandardInput(command, arguments);
+    command.run(arguments, output);
+}
+
+// The command that the first word names; none when it asks for help.
+const Command* chooseCommand(std::span<const std::string> words) {
+    if (words.empty())
+        throw UsageError("Missing command");
+    if (words[0] == helpOption)
+        return nullptr;
+    if (const Command* const command = findCommand(words[0]))
+        return command;
+    throw UsageError((words[0][0] == '-' ? "Unknown option \"" : "Unknown command \"") + words[0] + '"');
+}
+
+int run(std::span<const std::string> words) {
+    protectStandardStreams();
+    std::string usage = usageLine();
+    try {
+        Output output;
+        if (const Command* const command = chooseCommand(words)) {
+            usage = usageLine(*command);
+            runCommandLine(*command, words.subspan(1), output);
+        } else {
+            output.write(helpText());
+        }
+        output.finish();
+        return Success;
+    } catch (const UsageError& error) {
+        return refuse(error, usage);
+    } catch (const std::exception& error) {
+        printError(error.what());
+        return Failure;
+    }
+}
+
+} // namespace
+
+} // namespace lumora::cli
+
+int main(int argc, char** argv) {
+    const std::vector<std::string> words(argv + (argc > 0 ? 1 : 0), argv + argc);
+    return lumora::cli::run(words);
+}

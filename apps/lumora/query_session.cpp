@@ -1,0 +1,85 @@
+#include "apps/lumora/query_session.h"
+
+#include "apps/lumora/standard_streams.h"
+#include "platform/text_file.h"
+#include "support/string_helpers.h"
+
+namespace lumora::cli {
+
+TStringList readLines(const std::string& fileName) {
+    return TStringList(fileName == "-" ? readStandardInput() : ReadTextFile(fileName));
+}
+
+namespace {
+
+// The names of an enumeration's values, for messages.
+template <typename E>
+std::string namesOf() {
+    std::string names;
+    for (const std::string_view name : TEnumNames<E>::Names)
+        names.append(names.empty() ? "" : ", ").append(name);
+    return names;
+}
+
+template <typename E>
+E parseEnum(std::string_view text, std::string_view option) {
+    const int ordinal = EnumOrdinal<E>(Trim(text));
+    if (ordinal < 0)
+        throw UsageError("Option " + std::string(option) + " does not know \"" + std::string(text) +
+                         "\", only " + namesOf<E>());
+    return static_cast<E>(ordinal);
+}
+
+TSQLOptions parseSQLOptions(std::string_view list) {
+    TSQLOptions options;
+    if (Trim(list).empty())
+        return options;
+    for (const std::string_view name : SplitText(list, ','))
+        options.Include(parseEnum<TSQLOption>(name, "--options"));
+    return options;
+}
+
+} // namespace
+
+QueryOptions::QueryOptions(const Arguments& arguments)
+    : strict(arguments.has("--strict")), saveTitles(!arguments.has("--no-titles")) {
+    if (const std::string* const name = arguments.value("--syntax"))
+        syntax = parseEnum<TSQLSyntax>(*name, "--syntax");
+    if (const std::string* const list = arguments.value("--options"))
+        sqlOptions = parseSQLOptions(*list);
+    if (const std::string* const name = arguments.value("--main-table"))
+        mainTable = *name;
+}
+
+QuerySession::QuerySession(const std::string& modelFile) {
+    model_.LoadFromStrings(readLines(modelFile));
+    panel_.SetDbStruct(&model_);
+}
+
+void QuerySession::prepare(const QueryOptions& options) {
+    // The panel would pass over a table that does not exist, and the query would start from another one.
+    if (!options.mainTable.empty() && !model_.TableByName(0, options.mainTable))
+        throw EVDBStructError(dseNoTable, {options.mainTable});
+    panel_.SetSaveTitles(options.saveTitles);
+    panel_.SetSQLSyntax(options.syntax);
+    if (!options.mainTable.empty())
+        panel_.SetMainTableName(options.mainTable);
+    panel_.SetStrict(options.strict);
+    panel_.SetSQLOptions(options.sqlOptions.value_or(DefaultSQLOptions));
+    panel_.SetActive(true);
+}
+
+void QuerySession::readQuery(const std::string& queryFile, const QueryOptions& options) {
+    prepare(options);
+    panel_.LoadFromStrings(readLines(queryFile));
+    if (options.sqlOptions) // again, for the text may hold others
+        panel_.SetSQLOptions(*options.sqlOptions);
+}
+
+void QuerySession::readSQL(const std::string& sqlFile, const QueryOptions& options) {
+    prepare(options);
+    panel_.SetSaveSQLOptions(options.strict);
+    panel_.ParseSQL(readLines(sqlFile));
+}
+
+} // namespace lumora::cli

@@ -1,0 +1,47 @@
+#!/usr/bin/env bash
+# Builds the program, makes the sample database, and shows three saved queries: their words, their SQL, their rows.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+# shellcheck source=scripts/packages.sh
+. scripts/packages.sh
+install_packages "${PROGRAM_PACKAGES[@]}"
+
+build=build/demo
+database=$build/orders.sqlite
+model=samples/orders.model
+lumora=$build/bin/lumora
+
+# Runs a command whose output matters only when it fails.
+quietly() {
+    local log=$build/demo.log
+    if ! "$@" >"$log" 2>&1; then
+        cat "$log" >&2
+        return 1
+    fi
+}
+
+# show NUMBER QUERY [OPTION...]: the query samples/queries/QUERY.qry; the options are those of "lumora run".
+show() {
+    local number=$1 query=samples/queries/$2.qry
+    shift 2
+    printf '\n== Question %s: %s (%s)\n\nIn words:\n\n' \
+        "$number" "$(sed -n 's/^QueryName=//p' "$query")" "$query"
+    "$lumora" words "$model" "$query"
+    printf '\nAs SQL:\n\n'
+    "$lumora" sql --strict "$model" "$query"
+    printf '\nThe answer (lumora run'
+    [ "$#" -eq 0 ] || printf ' %s' "$@"
+    printf '):\n\n'
+    "$lumora" run "$database" "$model" "$query" "$@"
+}
+
+mkdir -p "$build"
+echo "== Building $lumora"
+quietly cmake --preset release -B "$build" -DLUMORA_TESTS=OFF -DLUMORA_BENCH=OFF -DLUMORA_WERROR=OFF
+quietly cmake --build "$build" --target lumora
+echo "== Making $database, a shop for tents, tools and walking boots"
+python3 samples/make_orders_db.py "$database"
+
+show 1 01-customers-in-norway --limit 8
+show 2 05-nested-brackets --limit 8
+show 3 10-parameters --param Country=Germany --param Word=tent --param Since=2023-01-01

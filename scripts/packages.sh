@@ -1,0 +1,45 @@
+# shellcheck shell=bash
+# The Debian packages that Lumora is built with, and their installation. Other scripts source this file.
+
+# What the programs need; the tests and benchmarks need more.
+# shellcheck disable=SC2034
+PROGRAM_PACKAGES=(cmake ninja-build g++ ccache pkg-config qt6-base-dev libqt6sql6-sqlite python3)
+# shellcheck disable=SC2034
+BUILD_PACKAGES=("${PROGRAM_PACKAGES[@]}" libgtest-dev libgmock-dev libbenchmark-dev)
+# shellcheck disable=SC2034
+FUZZ_PACKAGES=(cmake ninja-build ccache clang-14 libclang-rt-14-dev libstdc++-12-dev)
+
+is_installed() {
+    [ "$(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
+# Runs a command as root.
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    elif command -v sudo >/dev/null; then
+        sudo "$@"
+    else
+        echo "Installing packages needs root or sudo." >&2
+        return 1
+    fi
+}
+
+# Installs those of the given packages that are missing. Does nothing, and asks for nothing, when all are there.
+install_packages() {
+    if ! command -v dpkg-query >/dev/null; then
+        echo "== This is no Debian: going on without looking for $*" >&2
+        return
+    fi
+    local missing=() package
+    for package in "$@"; do
+        is_installed "$package" || missing+=("$package")
+    done
+    if [ "${#missing[@]}" -eq 0 ]; then
+        return
+    fi
+    echo "== Installing ${missing[*]}"
+    as_root apt-get update --quiet --quiet
+    as_root env DEBIAN_FRONTEND=noninteractive \
+        apt-get install --quiet --quiet --yes -o Dpkg::Use-Pty=0 --no-install-recommends "${missing[@]}"
+}
