@@ -19,6 +19,7 @@ void TDSCondition::SetID(int id) {
 void TDSCondition::SetSQLExpr(std::string text) {
     if (text == GetSQLExpr())
         return;
+    pattern_ = TSQLPattern(text);
     template_.SetText(std::move(text));
     UpdateTables();
 }

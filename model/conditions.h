@@ -2,6 +2,7 @@
 #pragma once
 
 #include "model/Lmglobal.h"
+#include "model/sql_pattern.h"
 #include "model/sql_template.h"
 #include "platform/field_types.h"
 
@@ -51,6 +52,8 @@ public:
     const std::string& GetSQLExpr() const { return template_.GetText(); }
     void SetSQLExpr(std::string text);
     const TSQLTemplate& GetTemplate() const { return template_; }
+    // The predicate as a pattern for conditions that are read back.
+    const TSQLPattern& GetPattern() const { return pattern_; }
     const std::string& GetDisplayFormat() const { return displayFormat_; }
     void SetDisplayFormat(std::string text);
     // Makes the value slots anew from the display format.
@@ -68,6 +71,7 @@ private:
     TVCustomDBStructure& structure_;
     int id_ = 0;
     TSQLTemplate template_;
+    TSQLPattern pattern_;
     std::string displayFormat_;
     TDSTableList tables_;
 };

@@ -9,6 +9,8 @@ namespace lumora {
 
 namespace {
 
+constexpr std::size_t MaxElements = 512; // each is a step of recursion
+
 // The number of the value whose placeholder begins the text; 0 when none does.
 int ValueAt(std::string_view text, std::size_t& length) {
     length = 1;
@@ -72,8 +74,9 @@ public:
     TMatcher(const std::vector<TElement>& elements, std::string_view text, std::vector<TCapture>& captures)
         : elements_(elements), text_(text), captures_(captures) {}
 
-    std::size_t FieldStart = std::string_view::npos;
+    std::size_t FieldStart = std::string_view::npos; // npos: wherever the field is found
     std::size_t FieldLength = 0;
+    std::string_view Field; // as it was found
 
     bool Match(std::size_t element, std::size_t at) {
         if (++steps_ > MaxSteps)
@@ -84,7 +87,7 @@ public:
         const TElement& expected = elements_[element];
         if (expected.Kind == elLiteral)
             return MatchLiteral(expected.Text, at) && Match(element + 1, at);
-        if (expected.Kind == elField)
+        if (expected.Kind == elField && FieldStart != std::string_view::npos)
             return at == FieldStart && Match(element + 1, at + FieldLength);
         if (expected.Quoted && at < text_.size() && text_[at] == '\'')
             return MatchQuoted(element, at);
@@ -164,8 +167,13 @@ private:
         const bool last = element + 1 == elements_.size();
         if (last ? end != text_.size() : !BeginsNext(elements_[element + 1], end))
             return false;
-        return Match(element + 1, end) &&
-               Capture(elements_[element].Value, Trim(text_.substr(at, end - at)), false);
+        const std::string_view found = Trim(text_.substr(at, end - at));
+        if (elements_[element].Kind == elField) {
+            const bool same = Field.empty() || Field == found;
+            Field = found;
+            return same && Match(element + 1, end);
+        }
+        return Match(element + 1, end) && Capture(elements_[element].Value, found, false);
     }
 
     bool BeginsNext(const TElement& next, std::size_t at) const {
@@ -196,8 +204,7 @@ private:
 bool TSQLPattern::Match(std::string_view text, std::size_t fieldStart, std::size_t fieldLength,
                         std::vector<TCapture>& captures) const {
     captures.clear();
-    constexpr std::size_t maxElements = 512; // each is a step of recursion
-    if (elements_.size() > maxElements)
+    if (elements_.size() > MaxElements)
         return false;
     TMatcher matcher(elements_, text, captures);
     matcher.FieldStart = fieldStart;
@@ -205,8 +212,18 @@ bool TSQLPattern::Match(std::string_view text, std::size_t fieldStart, std::size
     return matcher.Match(0, 0);
 }
 
+bool TSQLPattern::Match(std::string_view text, std::string_view& field,
+                        std::vector<TCapture>& captures) const {
+    captures.clear();
+    TMatcher matcher(elements_, text, captures);
+    const bool matches = elements_.size() <= MaxElements && matcher.Match(0, 0);
+    field = matcher.Field;
+    return matches;
+}
+
 bool TSQLPattern::Match(std::string_view text, std::vector<TCapture>& captures) const {
-    return Match(text, std::string_view::npos, 0, captures);
+    std::string_view field;
+    return Match(text, field, captures) && field.empty();
 }
 
 } // namespace lumora

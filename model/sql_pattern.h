@@ -29,7 +29,8 @@ public:
     // `captures` gets the values from the first on.
     bool Match(std::string_view text, std::size_t fieldStart, std::size_t fieldLength,
                std::vector<TCapture>& captures) const;
-    // A template without "@f".
+    // The same where "@f" may stand for any stretch, which `field` gets; empty for a template without "@f".
+    bool Match(std::string_view text, std::string_view& field, std::vector<TCapture>& captures) const;
     bool Match(std::string_view text, std::vector<TCapture>& captures) const;
 
 private:

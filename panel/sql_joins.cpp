@@ -152,14 +152,54 @@ void TSQLJoins::ReadJoinsInWhere() {
         std::all_of(tables_.begin() + 1, tables_.end(), [](const TJoined& joined) { return joined.Link; });
     if (allJoined)
         return;
+    const std::vector<TSQLConditionNode*> nodes = NodesOfWhere();
     std::unordered_set<std::string> comparisons;
-    TSQLBracket& root = *statement_.RootBracket;
-    for (TSQLConditionNode* node = root.GetFirst(); node && root.Operator == "and" && !root.Negated;
-         node = node->GetNext())
-        if (!node->IsBracket() && !static_cast<TSQLCondition*>(node)->Negated)
+    const TSQLBracket& root = *statement_.RootBracket;
+    for (TSQLConditionNode* const node : nodes)
+        if (root.Operator == "and" && !root.Negated && !node->IsBracket() &&
+            !static_cast<TSQLCondition*>(node)->Negated)
             comparisons.insert(KeyOf(*static_cast<TSQLCondition*>(node)));
     const std::unordered_set<std::string> all = comparisons;
-    // From the first table on, so that each link joins a table to one that is joined already.
+    JoinFromFirstTable(comparisons);
+    rest_.Operator = root.Operator;
+    for (TSQLConditionNode* const node : nodes) {
+        const std::string key = node->IsBracket() ? std::string() : KeyOf(*static_cast<TSQLCondition*>(node));
+        if (key.empty() || all.count(key) == comparisons.count(key))
+            rest_.AddNode(node);
+    }
+    where_ = &rest_;
+    if (rest_.GetCount() == 1 && rest_.GetFirst()->IsBracket())
+        where_ = static_cast<const TSQLBracket*>(rest_.GetFirst());
+}
+
+// The nodes of WHERE. The comparisons of a link with several pairs may stand in a bracket of their own, which
+// is opened.
+std::vector<TSQLConditionNode*> TSQLJoins::NodesOfWhere() {
+    std::unordered_set<std::string> linkKeys;
+    for (const TJoined& joined : tables_)
+        for (const TDSLink* const link : joined.Table->GetLinks())
+            if (Find(PartnerOf(*link, joined.Table)))
+                for (const TSQLSyntax form : {ssOracle, ssSQL1}) {
+                    const std::vector<std::string> keys = ComparisonsOf(*link, form);
+                    linkKeys.insert(keys.begin(), keys.end());
+                }
+    std::vector<TSQLConditionNode*> nodes;
+    for (TSQLConditionNode* node = statement_.RootBracket->GetFirst(); node; node = node->GetNext()) {
+        std::vector<std::string> keys;
+        const bool isLink = node->IsBracket() && CollectComparisons(static_cast<TSQLBracket&>(*node), keys) &&
+                            std::all_of(keys.begin(), keys.end(),
+                                        [&](const std::string& key) { return linkKeys.count(key) > 0; });
+        if (!isLink)
+            nodes.push_back(node);
+        for (TSQLConditionNode* inner = isLink ? static_cast<TSQLBracket*>(node)->GetFirst() : nullptr; inner;
+             inner = inner->GetNext())
+            nodes.push_back(inner);
+    }
+    return nodes;
+}
+
+// From the first table on, so that each link joins a table to one that is joined already.
+void TSQLJoins::JoinFromFirstTable(std::unordered_set<std::string>& comparisons) {
     std::unordered_set<const TDSTable*> reached = {tables_.front().Table};
     for (bool progress = true; progress;) {
         progress = false;
@@ -175,17 +215,6 @@ void TSQLJoins::ReadJoinsInWhere() {
     for (const TJoined& joined : tables_)
         if (reached.count(joined.Table) == 0)
             RefuseJoin(joined);
-    rest_.Operator = root.Operator;
-    for (TSQLConditionNode* node = root.GetFirst(); node;) {
-        TSQLConditionNode* const next = node->GetNext();
-        const std::string key = node->IsBracket() ? std::string() : KeyOf(*static_cast<TSQLCondition*>(node));
-        if (key.empty() || all.count(key) == comparisons.count(key))
-            rest_.AddNode(node);
-        node = next;
-    }
-    where_ = &rest_;
-    if (rest_.GetCount() == 1 && rest_.GetFirst()->IsBracket())
-        where_ = static_cast<const TSQLBracket*>(rest_.GetFirst());
 }
 
 // Takes the comparisons of a link between the table and one that is joined already.

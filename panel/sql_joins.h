@@ -34,6 +34,8 @@ private:
     void FindTables();
     void ReadJoinClauses();
     void ReadJoinsInWhere();
+    std::vector<TSQLConditionNode*> NodesOfWhere();
+    void JoinFromFirstTable(std::unordered_set<std::string>& comparisons);
     bool FindLinkInWhere(TJoined& joined, const std::unordered_set<const TDSTable*>& reached,
                          std::unordered_set<std::string>& comparisons) const;
     [[noreturn]] void RefuseJoin(const TJoined& joined) const;

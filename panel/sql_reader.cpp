@@ -72,44 +72,67 @@ void TSQLReader::Refuse(const TSQLCondition& parsed) const {
 void TSQLReader::ReadCondition(TFilterBracket& bracket, const TSQLCondition& parsed) {
     if (strict_ && ReadPredefined(bracket, parsed))
         return;
-    TDSField* const field = model_.FieldByName(3, parsed.Left);
+    TDSField* field = model_.FieldByName(3, parsed.Left);
+    TFit around;
+    if (strict_ && !field) {
+        around = FindFitAroundField(parsed);
+        field = around.Field;
+    }
     if (strict_ && !field)
         throw EVQueryPanelError(qpeUnrecognizedField, {parsed.Left}, parsed.Line);
-    TFit fit = FindFit(parsed, parsed.Negated, parsed.Operator);
-    TFilterBracket* owner = &bracket;
-    if (strict_ && !fit.Operator && parsed.Negated) {
-        fit = FindFit(parsed, false, parsed.Operator);
-        owner = fit.Operator ? bracket.AddNewBracket() : owner;
-        owner->SetLinkType(fit.Operator ? fltNone : owner->GetLinkType());
-    } else if (strict_ && !fit.Operator && parsed.Operator == "is" && FoldBlanks(parsed.Value) == "notnull") {
+    TFit fit = around.Operator ? around : FindFit(parsed, parsed.Negated, parsed.Operator);
+    bool opposite = around.Operator && parsed.Negated;
+    if (strict_ && !fit.Operator) {
+        fit = FindFit(parsed, !parsed.Negated, parsed.Operator);
+        opposite = fit.Operator != nullptr;
+    }
+    if (strict_ && !fit.Operator && parsed.Operator == "is" && FoldBlanks(parsed.Value) == "notnull") {
         TSQLCondition isNull = parsed;
         isNull.Value = "null";
         fit = FindFit(isNull, false, "is");
-        owner = fit.Operator ? bracket.AddNewBracket() : owner;
-        owner->SetLinkType(fit.Operator ? fltNone : owner->GetLinkType());
+        opposite = fit.Operator && !parsed.Negated;
     }
     if (strict_ && !fit.Operator)
         throw EVQueryPanelError(qpeUnrecognizedOperator, {parsed.GetSQLExpr()}, parsed.Line);
     if (!strict_ && !fit.Operator)
         fit = LikeFallback(parsed);
-    TSimpleCond* const condition = owner->AddCond();
+    TSimpleCond* const condition = Owner(bracket, opposite).AddCond();
     condition->SetField(field ? field : model_.GetUnrecognizedField());
     condition->SetOperator(fit.Operator ? fit.Operator : model_.GetUnrecognizedOperator());
     SetValues(*condition, parsed, fit.Values);
 }
 
-// A predicate of the model that stands in the statement as it is.
+// A predicate of the model that stands in the statement as it is, or its opposite.
 bool TSQLReader::ReadPredefined(TFilterBracket& bracket, const TSQLCondition& parsed) {
-    const std::string text = parsed.GetSQLExpr();
+    struct TForm {
+        std::string Text;
+        bool Opposite;
+    };
+    TSQLCondition plain = parsed;
+    plain.Negated = false;
+    const std::string text = plain.GetSQLExpr();
+    const TForm forms[] = {
+        {text, parsed.Negated}, {"not " + text, !parsed.Negated}, {"not(" + text + ")", !parsed.Negated}};
     std::vector<TCapture> values;
-    for (int i = 0; i < model_.GetConditionCount(); ++i) {
-        TDSCondition* const target = model_.GetCondition(i);
-        if (!TSQLPattern(target->GetSQLExpr()).Match(text, values) || values.size() > 2)
-            continue;
-        SetValues(*bracket.AddCustomCond(target), parsed, values);
-        return true;
-    }
+    for (const bool opposite : {false, true})
+        for (const TForm& form : forms)
+            for (int i = 0; form.Opposite == opposite && i < model_.GetConditionCount(); ++i) {
+                TDSCondition* const target = model_.GetCondition(i);
+                if (!target->GetPattern().Match(form.Text, values) || values.size() > 2)
+                    continue;
+                SetValues(*Owner(bracket, opposite).AddCustomCond(target), parsed, values);
+                return true;
+            }
     return false;
+}
+
+// The bracket itself, or a new one in it that turns its row into the opposite.
+TFilterBracket& TSQLReader::Owner(TFilterBracket& bracket, bool opposite) {
+    if (!opposite)
+        return bracket;
+    TFilterBracket* const none = bracket.AddNewBracket();
+    none->SetLinkType(fltNone);
+    return *none;
 }
 
 // --- Operators.
@@ -181,6 +204,23 @@ TSQLReader::TFit TSQLReader::FindFit(const TSQLCondition& parsed, bool negated, 
     fit.Values.clear();
     if (const std::string_view opposite = OppositeOf(op); strict_ && negated && !opposite.empty())
         return FindFit(parsed, false, opposite);
+    return fit;
+}
+
+// An operator whose template has more than the field on its left side, a function for example.
+TSQLReader::TFit TSQLReader::FindFitAroundField(const TSQLCondition& parsed) {
+    TSQLCondition plain = parsed;
+    plain.Negated = false;
+    const std::string text = plain.GetSQLExpr();
+    TFit fit;
+    for (int i = 0; i < model_.GetOperatCount() && !fit.Operator; ++i) {
+        const TSQLPattern& pattern = model_.GetOperator(i)->GetPattern();
+        std::string_view name;
+        if (pattern.Head().empty() || !pattern.Match(text, name, fit.Values) || name.empty())
+            continue;
+        fit.Field = model_.FieldByName(3, name);
+        fit.Operator = fit.Field ? model_.GetOperator(i) : nullptr;
+    }
     return fit;
 }
 

@@ -24,12 +24,14 @@ private:
     // An operator that fits a condition, and the values that stood in its places.
     struct TFit {
         TDSOperator* Operator = nullptr;
+        TDSField* Field = nullptr; // where it is not simply the left side
         std::vector<TCapture> Values;
     };
 
     void ReadFields(const TVParserResult& statement);
     void ReadNode(TFilterBracket& bracket, const TSQLConditionNode& node);
     void ReadCondition(TFilterBracket& bracket, const TSQLCondition& parsed);
+    static TFilterBracket& Owner(TFilterBracket& bracket, bool opposite);
     bool ReadPredefined(TFilterBracket& bracket, const TSQLCondition& parsed);
     void SetValues(TFilterCond& condition, const TSQLCondition& parsed, const std::vector<TCapture>& values);
     void ReadSubQuery(TFilterCond& condition, const TSQLCondition& parsed, const std::string& sql);
@@ -42,6 +44,7 @@ private:
                     const std::string& text, bool quoted) const;
     TFit FindFit(const TSQLCondition& parsed, bool negated, std::string_view op);
     const std::vector<TDSOperator*>& Candidates(bool negated, std::string_view op);
+    TFit FindFitAroundField(const TSQLCondition& parsed);
     TFit LikeFallback(const TSQLCondition& parsed);
     [[noreturn]] void Refuse(const TSQLCondition& parsed) const;
 

@@ -5,8 +5,6 @@
 #include "query/strict_checks.h"
 #include "support/string_helpers.h"
 
-#include <cstring>
-
 namespace lumora {
 
 namespace {
@@ -140,10 +138,7 @@ void TValueWriter::AppendItem(std::string& out, const TFilterCond& condition, TF
     }
     if (quotes)
         out += '\'';
-    if (std::memchr(text.data(), '\'', text.size()))
-        AppendDoubled(out, text, '\'');
-    else
-        out.append(text);
+    AppendDoubled(out, text, '\'');
     if (quotes)
         out += '\'';
 }

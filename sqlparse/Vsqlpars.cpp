@@ -145,8 +145,8 @@ bool TVSQLParser::IsJoinWord() const {
 }
 
 // A word with which a clause begins, supported or not.
-bool TVSQLParser::IsClauseWord() const {
-    switch (Token().Word) {
+bool TVSQLParser::IsClauseWord(const TParseToken& token) const {
+    switch (token.Word) {
     case swSelect:
     case swFrom:
     case swWhere:
@@ -163,7 +163,7 @@ bool TVSQLParser::IsClauseWord() const {
     case swWindow:
         return true;
     default:
-        return Is(';');
+        return token.Text == ";";
     }
 }
 
@@ -366,8 +366,22 @@ void TVSQLParser::BooleanTerm(TSQLBracket& bracket) {
     while (Accept(swAnd));
 }
 
+// Strictly, parentheses around a predicate without a comparison ("exists ...") are a group too.
+bool TVSQLParser::OpensGroup() const {
+    if (!Is('(') || Token().Group)
+        return Is('(');
+    if (!strict_ || Token().Match < 0 || Peek().Word == swSelect)
+        return false;
+    return EndsPredicate(tokens_[static_cast<std::size_t>(Token().Match) + 1]);
+}
+
+bool TVSQLParser::EndsPredicate(const TParseToken& token) const {
+    return token.Kind == tkEnd || token.Word == swAnd || token.Word == swOr || token.Text == ")" ||
+           IsClauseWord(token);
+}
+
 void TVSQLParser::BooleanFactor(TSQLBracket& bracket) {
-    if (!Is('(') || !Token().Group)
+    if (!OpensGroup())
         return Condition(bracket, false);
     ++at_;
     BooleanExpression(bracket);
@@ -378,7 +392,7 @@ void TVSQLParser::BooleanFactor(TSQLBracket& bracket) {
 void TVSQLParser::Condition(TSQLBracket& bracket, bool negated) {
     while (Accept(swNot))
         negated = !negated;
-    if (Is('(') && Token().Group) {
+    if (OpensGroup()) {
         ++at_;
         if (strict_)
             NegatedGroup(bracket, negated);
@@ -416,6 +430,8 @@ void TVSQLParser::Comparison(TSQLCondition& condition) {
     condition.Left = ConditionValue(true, condition);
     if (condition.Left.empty())
         FailWrong();
+    if (strict_ && EndsPredicate(Token()))
+        return; // a predicate without a comparison
     if (Accept(swNot))
         condition.Negated = !condition.Negated;
     if (AtEnd() || IsClauseWord())

@@ -80,7 +80,10 @@ private:
     // Moves past the token, or past what it opens.
     void Advance();
     bool IsJoinWord() const;
-    bool IsClauseWord() const;
+    bool IsClauseWord() const { return IsClauseWord(Token()); }
+    bool IsClauseWord(const TParseToken& token) const;
+    bool OpensGroup() const;
+    bool EndsPredicate(const TParseToken& token) const;
     bool IsComparison(const TParseToken& token) const;
 
     std::string_view TextFrom(std::size_t first);

@@ -64,8 +64,10 @@ void TSQLBracket::DeleteEmptyBrackets() {
 }
 
 std::string TSQLCondition::GetSQLExpr() const {
-    std::string text;
-    text.append(Negated ? "not(" : "").append(Left).append(" ").append(Operator).append(" ").append(Value);
+    std::string text(Negated ? "not(" : "");
+    text.append(Left);
+    if (!Operator.empty())
+        text.append(" ").append(Operator).append(" ").append(Value);
     return Negated ? text + ")" : text;
 }
 

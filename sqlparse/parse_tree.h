@@ -99,7 +99,7 @@ public:
     std::string GetSQLExpr() const;
 
     std::string_view Left;
-    std::string_view Operator;
+    std::string_view Operator; // empty: a strict parser found a predicate without a comparison
     std::string_view Value;
     bool Negated = false;
     bool SubQuery = false; // the value is one
