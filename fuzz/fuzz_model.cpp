@@ -1,4 +1,5 @@
-// Model text: any bytes give a model or an exception; what was read is written so that it reads back the same.
+// Model text: any bytes give a model or an exception; what was read is written so that it reads back the
+// same.
 #include "model/Vdbstruc.h"
 
 #include <cstddef>

@@ -1,4 +1,5 @@
-// The scanner and the SELECT parser: any bytes give a tree or ESQLParserError. The first byte chooses strictness.
+// The scanner and the SELECT parser: any bytes give a tree or ESQLParserError. The first byte chooses
+// strictness.
 #include "sqlparse/Vsqlpars.h"
 #include "sqlparse/parse_tree_text.h"
 

@@ -1,4 +1,5 @@
-// SQL to query on the sample model, and on from there to SQL and text. What a strict panel makes must read back the same.
+// SQL to query on the sample model, and on from there to SQL and text. What a strict panel makes must read
+// back the same.
 #include "panel/Vquerpnl.h"
 
 #include <cstddef>

@@ -117,26 +117,8 @@ void RaiseInvalidValue(std::string_view text, std::string_view caption) {
 namespace {
 
 bool IsClauseWord(const TToken& token) {
-    switch (token.Kind == tkIdentifier ? SQLWordOf(token.Text) : swNone) {
-    case swSelect:
-    case swFrom:
-    case swWhere:
-    case swGroup:
-    case swOrder:
-    case swHaving:
-    case swLimit:
-    case swOffset:
-    case swFetch:
-    case swUnion:
-    case swIntersect:
-    case swExcept:
-    case swMinus:
-    case swWindow:
-    case swWith:
-        return true;
-    default:
-        return false;
-    }
+    const TSQLWord word = token.Kind == tkIdentifier ? SQLWordOf(token.Text) : swNone;
+    return BeginsClause(word) || word == swWith;
 }
 
 // What reads as something else, or begins a string, in some databases: $$..$$, E'..', `..`, # to the end of

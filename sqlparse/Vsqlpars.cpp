@@ -144,29 +144,6 @@ bool TVSQLParser::IsJoinWord() const {
     return Is(swJoin) || Is(swInner) || Is(swLeft) || Is(swRight) || Is(swFull);
 }
 
-// A word with which a clause begins, supported or not.
-bool TVSQLParser::IsClauseWord(const TParseToken& token) const {
-    switch (token.Word) {
-    case swSelect:
-    case swFrom:
-    case swWhere:
-    case swGroup:
-    case swOrder:
-    case swHaving:
-    case swLimit:
-    case swOffset:
-    case swFetch:
-    case swUnion:
-    case swIntersect:
-    case swExcept:
-    case swMinus:
-    case swWindow:
-        return true;
-    default:
-        return token.Text == ";";
-    }
-}
-
 // The source between a token and the present one, every run of blanks and comments as one blank.
 std::string_view TVSQLParser::TextFrom(std::size_t first) {
     if (first == at_)

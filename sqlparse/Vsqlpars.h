@@ -81,7 +81,10 @@ private:
     void Advance();
     bool IsJoinWord() const;
     bool IsClauseWord() const { return IsClauseWord(Token()); }
-    bool IsClauseWord(const TParseToken& token) const;
+    // A clause, supported or not, begins with the token, or the statement ends there.
+    static bool IsClauseWord(const TParseToken& token) {
+        return BeginsClause(token.Word) || (token.Text.size() == 1 && token.Text[0] == ';');
+    }
     bool OpensGroup() const;
     bool EndsPredicate(const TParseToken& token) const;
     bool IsComparison(const TParseToken& token) const;

@@ -85,4 +85,26 @@ TSQLWord SQLWordOf(std::string_view identifier) {
     return swNone;
 }
 
+bool BeginsClause(TSQLWord word) {
+    switch (word) {
+    case swSelect:
+    case swFrom:
+    case swWhere:
+    case swGroup:
+    case swOrder:
+    case swHaving:
+    case swLimit:
+    case swOffset:
+    case swFetch:
+    case swUnion:
+    case swIntersect:
+    case swExcept:
+    case swMinus:
+    case swWindow:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace lumora

@@ -54,4 +54,7 @@ enum TSQLWord : std::uint8_t {
 // Which of the words an identifier is, letter case ignored.
 TSQLWord SQLWordOf(std::string_view identifier);
 
+// Whether a clause of a SELECT statement, or another statement joined to it, begins with the word.
+bool BeginsClause(TSQLWord word);
+
 } // namespace lumora
