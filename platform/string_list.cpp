@@ -239,6 +239,7 @@ void TStringList::SetText(std::string_view text) {
         buffer_ += '\n';
     tail_ = buffer_.size();
     lines_.clear();
+    lines_.reserve(static_cast<std::size_t>(std::count(buffer_.begin(), buffer_.end(), '\n')));
     for (std::size_t start = 0; start < tail_;) {
         const std::size_t end = buffer_.find('\n', start);
         lines_.push_back({start, end - start});
