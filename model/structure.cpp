@@ -192,7 +192,7 @@ int TVCustomDBStructure::AddField(TVFieldKind kind, std::string text, std::strin
         field->displayName_ = std::move(caption);
         field->SetSQLExpr(std::move(text));
         field->AddAppliedOperators();
-        field->SetGroup(nullptr);
+        rootGroup_.Fields.push_back(field);
     }
     Changed();
     return GetFieldCount() - 1;
@@ -207,7 +207,7 @@ TDSField& TVCustomDBStructure::AddDataField(int id, const TDBFieldInfo& info, TD
     field->FieldType = info.DataType;
     field->FieldSize = info.Size;
     field->AddAppliedOperators();
-    field->SetGroup(nullptr);
+    rootGroup_.Fields.push_back(field);
     return *field;
 }
 

@@ -392,9 +392,10 @@ void TModelReader::ReadGroupFields(std::string_view items, TDSFieldGroup* group)
     }
 }
 
+// A field that the text puts in two places stands in the first.
 void TModelReader::Place(TDSField* field, TDSFieldGroup* group) {
     if (!placed_.insert(field).second)
-        return field->SetGroup(group);
+        return;
     field->group_ = group;
     (group ? *group : model_.rootGroup_).Fields.push_back(field);
 }

@@ -11,15 +11,6 @@ std::string LowerAscii(std::string_view text) {
     return lower;
 }
 
-bool SameText(std::string_view a, std::string_view b) {
-    if (a.size() != b.size())
-        return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (a[i] != b[i] && LowerAscii(a[i]) != LowerAscii(b[i]))
-            return false;
-    return true;
-}
-
 std::size_t FindNoCase(std::string_view text, std::string_view part, std::size_t from) {
     if (part.empty())
         return from <= text.size() ? from : std::string_view::npos;

@@ -19,7 +19,14 @@ constexpr bool IsBlank(char c) {
 }
 
 std::string LowerAscii(std::string_view text);
-bool SameText(std::string_view a, std::string_view b);
+inline bool SameText(std::string_view a, std::string_view b) {
+    if (a.size() != b.size())
+        return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (a[i] != b[i] && LowerAscii(a[i]) != LowerAscii(b[i]))
+            return false;
+    return true;
+}
 // Position of `part` in `text` at or after `from`, without regard to case; npos when absent.
 std::size_t FindNoCase(std::string_view text, std::string_view part, std::size_t from = 0);
 std::string_view Trim(std::string_view text);

@@ -30,6 +30,8 @@ bool StartsWith(std::string_view text, std::string_view start) {
 
 // The am/pm item at the start of the mask; empty when there is none.
 std::string_view AmPmItem(std::string_view mask) {
+    if (mask.empty() || LowerAscii(mask.front()) != 'a')
+        return {};
     for (const std::string_view item : {"am/pm", "ampm", "a/p"})
         if (StartsWith(mask, item))
             return mask.substr(0, item.size());

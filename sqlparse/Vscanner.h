@@ -1,6 +1,7 @@
 // The token scanner: SQL text in, tokens out, as views of the source.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -27,25 +28,69 @@ struct TToken {
     std::string_view Name() const;
 };
 
+namespace detail {
+
+enum TCharClass : std::uint8_t { ccOther, ccBlank, ccQuote, ccName, ccDigit };
+
+constexpr std::array<TCharClass, 256> MakeCharClasses() {
+    std::array<TCharClass, 256> classes{};
+    for (unsigned c = 0; c < 256; ++c) {
+        if (c <= ' ')
+            classes[c] = ccBlank;
+        else if (c >= '0' && c <= '9')
+            classes[c] = ccDigit;
+        else if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '$' || c == '#' ||
+                 c == '@' || c >= 128)
+            classes[c] = ccName;
+        else if (c == '\'' || c == '"')
+            classes[c] = ccQuote;
+    }
+    return classes;
+}
+
+inline constexpr std::array<TCharClass, 256> CharClasses = MakeCharClasses();
+
+inline TCharClass ClassOf(char c) {
+    return CharClasses[static_cast<unsigned char>(c)];
+}
+
+} // namespace detail
+
 // Blanks, line breaks, "--" to the end of the line and "/* */" stand between tokens. The source must outlive
 // it.
 class TVScanner {
 public:
-    explicit TVScanner(std::string_view source) : source_(source) { Next(); }
+    explicit TVScanner(std::string_view source) : at_(source.data()), end_(source.data() + source.size()) {
+        Next();
+    }
 
     const TToken& Token() const { return token_; }
     bool AtEnd() const { return token_.Kind == tkEnd; }
-    const TToken& Next();
+    // Names, which most tokens are, are read here; the rest is not worth the room.
+    const TToken& Next() {
+        while (at_ != end_ && detail::ClassOf(*at_) == detail::ccBlank)
+            line_ += *at_++ == '\n';
+        const char* const start = at_;
+        if (at_ == end_ || detail::ClassOf(*at_) != detail::ccName)
+            return NextOther();
+        do
+            ++at_;
+        while (at_ != end_ && detail::ClassOf(*at_) >= detail::ccName);
+        token_.Kind = tkIdentifier;
+        token_.Text = {start, static_cast<std::size_t>(at_ - start)};
+        token_.Line = line_;
+        return token_;
+    }
 
 private:
-    bool SkipBlanks();
-    TTokenKind ScanToken();
-    TTokenKind ScanQuoted(char quote, TTokenKind kind);
+    const TToken& NextOther();
+    bool SkipComment();
+    TTokenKind ScanQuoted();
     void ScanNumber();
-    char At(std::size_t position) const { return position < source_.size() ? source_[position] : '\0'; }
+    char Peek(std::ptrdiff_t offset) const { return end_ - at_ > offset ? at_[offset] : '\0'; }
 
-    std::string_view source_;
-    std::size_t position_ = 0;
+    const char* at_;
+    const char* end_;
     int line_ = 1;
     TToken token_;
 };

@@ -39,27 +39,73 @@ void TVSQLParser::ReadTokens() {
     for (TVScanner scanner(result_.source_);; scanner.Next()) {
         const TToken& token = scanner.Token();
         const auto gap = token.Text.data() - end;
-        const TSQLWord word = token.Kind == tkIdentifier && !afterDot ? SQLWordOf(token.Text) : swNone;
-        tokens_.push_back(
-            {token.Text, token.Line, -1, token.Kind, word, gap == 0 || (gap == 1 && *end == ' '), false});
-        at_ = tokens_.size() - 1;
+        const bool isWord = token.Kind == tkIdentifier && !afterDot;
+        const TSQLWord word = isWord ? SQLWordOf(token.Text) : swNone;
+        const std::uint8_t roles = token.Kind == tkSymbol || word != swNone ? RolesOf(token, word) : 0;
+        at_ = tokens_.size();
+        tokens_.push_back({token.Text, token.Line, -1, token.Kind, word, roles,
+                           gap == 0 || (gap == 1 && *end == ' '), false});
+        end = token.Text.data() + token.Text.size();
+        afterDot = false;
         if (token.Kind == tkEnd)
             break;
         if (token.Kind == tkUnclosed)
             FailWrong();
-        end = token.Text.data() + token.Text.size();
-        afterDot = Is('.');
-        if (Is('(') || word == swCase)
+        if (token.Kind != tkSymbol && word == swNone)
+            continue;
+        const char symbol = token.Kind == tkSymbol ? token.Text[0] : '\0';
+        afterDot = symbol == '.';
+        if (symbol == '(' || word == swCase)
             OpenPair(open);
-        else if (Is(')') || word == swEnd)
+        else if (symbol == ')' || word == swEnd)
             ClosePair(open, word == swEnd);
-        else if (!open.empty() && IsComparison(Token()))
+        else if ((roles & trComparison) && !open.empty())
             tokens_[static_cast<std::size_t>(open.back())].Group = true;
     }
+    tokens_.back().Roles = trEndsValue;
     if (tokens_.size() > 1)
         tokens_.back().Line =
             tokens_[tokens_.size() - 2].Line; // an error at the end bears the last token's line
     at_ = 0;
+}
+
+std::uint8_t TVSQLParser::RolesOf(const TToken& token, TSQLWord word) {
+    switch (word) {
+    case swLike:
+    case swIn:
+    case swIs:
+    case swBetween:
+        return trComparison | trEndsValue;
+    case swAnd:
+    case swOr:
+        return trEndsValue;
+    case swNot:
+        return trEndsLeft;
+    case swJoin:
+    case swInner:
+    case swLeft:
+    case swRight:
+    case swFull:
+        return trJoinWord;
+    case swNone:
+        break;
+    default:
+        return BeginsClause(word) ? trEndsValue : 0;
+    }
+    switch (token.Text[0]) {
+    case '=':
+    case '<':
+    case '>':
+        return trComparison | trEndsValue;
+    case '!':
+        return token.Text.size() == 2 ? trComparison | trEndsValue : 0;
+    case ',':
+    case ')':
+    case ';':
+        return trEndsValue;
+    default:
+        return 0;
+    }
 }
 
 void TVSQLParser::OpenPair(std::vector<std::int32_t>& open) {
@@ -80,22 +126,6 @@ void TVSQLParser::ClosePair(std::vector<std::int32_t>& open, bool isCase) {
     opener.Group = opener.Group && !isCase && !isSelect;
     if (opener.Group && !open.empty())
         tokens_[static_cast<std::size_t>(open.back())].Group = true;
-}
-
-bool TVSQLParser::IsComparison(const TParseToken& token) const {
-    switch (token.Word) {
-    case swLike:
-    case swIn:
-    case swIs:
-    case swBetween:
-        return true;
-    default:
-        break;
-    }
-    if (token.Kind != tkSymbol)
-        return false;
-    const char first = token.Text[0];
-    return first == '=' || first == '<' || first == '>' || (first == '!' && token.Text.size() == 2);
 }
 
 void TVSQLParser::Fail(TMessageId message) const {
@@ -138,10 +168,6 @@ void TVSQLParser::Advance() {
         at_ = tokens_.size() - 1; // it is never closed
     else if (!AtEnd())
         ++at_;
-}
-
-bool TVSQLParser::IsJoinWord() const {
-    return Is(swJoin) || Is(swInner) || Is(swLeft) || Is(swRight) || Is(swFull);
 }
 
 // The source between a token and the present one, every run of blanks and comments as one blank.
@@ -452,22 +478,18 @@ std::string_view TVSQLParser::ConditionValue(bool isLeft, TSQLCondition& conditi
             Fail(msgLostBracket);
         condition.SubQuery = true;
     }
-    while (!AtEnd() && !EndsValue(isLeft))
+    while (!EndsValue(isLeft))
         Advance();
     return TextFrom(first);
 }
 
 bool TVSQLParser::EndsValue(bool isLeft) const {
-    const TParseToken& token = Token();
-    if (token.Kind == tkSymbol && (token.Text[0] == ',' || token.Text[0] == ')'))
+    const std::uint8_t roles = Token().Roles;
+    if (roles == 0)
+        return false;
+    if (roles & (isLeft ? trEndsValue | trEndsLeft : trEndsValue))
         return true;
-    if (token.Kind == tkSymbol || token.Word != swNone) {
-        if (token.Word == swAnd || token.Word == swOr || (isLeft && token.Word == swNot) ||
-            IsComparison(token) || IsClauseWord())
-            return true;
-        return IsJoinWord() && !Peek().Text.starts_with('(');
-    }
-    return false;
+    return (roles & trJoinWord) && !Peek().Text.starts_with('(');
 }
 
 // --- GROUP BY and ORDER BY.

@@ -57,9 +57,17 @@ private:
         std::int32_t Match; // for "(" and CASE the token that closes it, -1 when there is none
         TTokenKind Kind;
         TSQLWord Word;
-        bool Tidy;  // no more than one blank stands before it
-        bool Group; // a "(" with a comparison inside, which is not a sub-select's own
+        std::uint8_t Roles; // TTokenRole bits
+        bool Tidy;          // no more than one blank stands before it
+        bool Group;         // a "(" with a comparison inside, which is not a sub-select's own
     };
+    enum TTokenRole : std::uint8_t {
+        trComparison = 1, // an operator that compares
+        trEndsValue = 2,  // ends a condition's value: a comparison, "and", "or", a clause, "," ")" or the end
+        trEndsLeft = 4,   // ends a left side besides: "not"
+        trJoinWord = 8    // ends a value unless it is a function's name
+    };
+    static std::uint8_t RolesOf(const TToken& token, TSQLWord word);
 
     void ReadTokens();
     void OpenPair(std::vector<std::int32_t>& open);
@@ -79,7 +87,7 @@ private:
     void Skip(char symbol);
     // Moves past the token, or past what it opens.
     void Advance();
-    bool IsJoinWord() const;
+    bool IsJoinWord() const { return (Token().Roles & trJoinWord) != 0; }
     bool IsClauseWord() const { return IsClauseWord(Token()); }
     // A clause, supported or not, begins with the token, or the statement ends there.
     static bool IsClauseWord(const TParseToken& token) {
@@ -87,7 +95,6 @@ private:
     }
     bool OpensGroup() const;
     bool EndsPredicate(const TParseToken& token) const;
-    bool IsComparison(const TParseToken& token) const;
 
     std::string_view TextFrom(std::size_t first);
     std::string_view ProcessIdentifier();

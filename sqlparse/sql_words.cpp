@@ -59,28 +59,41 @@ constexpr TWordEntry Words[] = {{"as", swAs},
 
 constexpr std::size_t LongestWord = 9;
 
-// Where the words of each length begin in the table.
-constexpr std::array<std::uint8_t, LongestWord + 2> MakeFirstOfLength() {
-    std::array<std::uint8_t, LongestWord + 2> first{};
-    for (std::size_t length = 0; length <= LongestWord + 1; ++length) {
-        std::uint8_t at = 0;
-        while (at < std::size(Words) && Words[at].Text.size() < length)
-            ++at;
-        first[length] = at;
-    }
-    return first;
+// The index of a letter, letter case ignored; 26 for any other character.
+constexpr unsigned LetterOf(char c) {
+    const unsigned letter = (static_cast<unsigned char>(c) | 0x20u) - 'a';
+    return letter < 26 ? letter : 26;
 }
 
-constexpr auto FirstOfLength = MakeFirstOfLength();
+// For each first letter, a bit for each length that a word has, and where the words of a length begin. Most
+// identifiers are known to be no word by that alone.
+struct TWordIndex {
+    std::array<std::uint16_t, 27> LengthsOfLetter{};
+    std::array<std::uint8_t, LongestWord + 2> FirstOfLength{};
+};
+
+constexpr TWordIndex MakeWordIndex() {
+    TWordIndex index;
+    for (const TWordEntry& entry : Words)
+        index.LengthsOfLetter[LetterOf(entry.Text[0])] |= static_cast<std::uint16_t>(1u << entry.Text.size());
+    for (std::size_t length = 0; length <= LongestWord + 1; ++length)
+        while (index.FirstOfLength[length] < std::size(Words) &&
+               Words[index.FirstOfLength[length]].Text.size() < length)
+            ++index.FirstOfLength[length];
+    return index;
+}
+
+constexpr TWordIndex Index = MakeWordIndex();
 
 } // namespace
 
 TSQLWord SQLWordOf(std::string_view identifier) {
-    if (identifier.size() < 2 || identifier.size() > LongestWord)
+    const std::size_t length = identifier.size();
+    if (length > LongestWord || length == 0 ||
+        (Index.LengthsOfLetter[LetterOf(identifier[0])] >> length & 1) == 0)
         return swNone;
-    const char first = LowerAscii(identifier[0]);
-    for (std::size_t i = FirstOfLength[identifier.size()]; i < FirstOfLength[identifier.size() + 1]; ++i)
-        if (Words[i].Text[0] == first && SameText(Words[i].Text, identifier))
+    for (std::size_t i = Index.FirstOfLength[length]; i < Index.FirstOfLength[length + 1]; ++i)
+        if (LetterOf(Words[i].Text[0]) == LetterOf(identifier[0]) && SameText(Words[i].Text, identifier))
             return Words[i].Word;
     return swNone;
 }
