@@ -327,46 +327,56 @@ void TVSQLParser::JoinedTable(TSQLWord kind, int line) {
     if (strict_)
         SkipHints();
     Must(swOn);
-    TSQLBracket* const condition = result_.brackets_.New();
-    condition->Operator = "and";
-    BooleanExpression(*condition);
-    if (strict_) {
-        condition->DeleteEmptyBrackets();
+    TSQLBracket* const condition = BooleanBracket();
+    if (strict_)
         result_.Joins.push_back({static_cast<int>(result_.Tables.size()) - 1, kind, condition, line});
-    }
 }
 
 // --- WHERE.
 
 void TVSQLParser::ProcessWhere() {
     Must(swWhere);
-    BooleanExpression(*result_.RootBracket);
-    result_.RootBracket->DeleteEmptyBrackets();
-    while (result_.RootBracket->GetCount() == 1 && result_.RootBracket->GetFirst()->IsBracket() &&
-           !static_cast<TSQLBracket*>(result_.RootBracket->GetFirst())->Negated)
-        result_.RootBracket = static_cast<TSQLBracket*>(result_.RootBracket->GetFirst());
-    if (result_.RootBracket->Operator.empty())
-        result_.RootBracket->Operator = "and";
+    result_.RootBracket = BooleanBracket();
 }
 
-void TVSQLParser::BooleanExpression(TSQLBracket& bracket) {
-    TSQLBracket* const terms = result_.brackets_.New();
-    terms->Operator = "or";
-    terms->Line = Token().Line;
-    bracket.AddNode(terms);
-    do
-        BooleanTerm(*terms);
-    while (Accept(swOr));
+// An expression as a bracket, which a single condition, or a negated group, stands in alone.
+TSQLBracket* TVSQLParser::BooleanBracket() {
+    const int line = Token().Line;
+    TSQLConditionNode* const node = BooleanExpression();
+    if (node->IsBracket() && !static_cast<TSQLBracket*>(node)->Negated)
+        return static_cast<TSQLBracket*>(node);
+    return NewBracket("and", node, line);
 }
 
-void TVSQLParser::BooleanTerm(TSQLBracket& bracket) {
-    TSQLBracket* const factors = result_.brackets_.New();
-    factors->Operator = "and";
-    factors->Line = Token().Line;
-    bracket.AddNode(factors);
-    do
-        BooleanFactor(*factors);
-    while (Accept(swAnd));
+TSQLBracket* TVSQLParser::NewBracket(const char* op, TSQLConditionNode* first, int line) {
+    TSQLBracket* const bracket = result_.brackets_.New();
+    bracket->Operator = op;
+    bracket->Line = line;
+    bracket->AddNode(first);
+    return bracket;
+}
+
+// Terms separated by "or"; one alone is given as it is, without a bracket around it.
+TSQLConditionNode* TVSQLParser::BooleanExpression() {
+    const int line = Token().Line;
+    TSQLConditionNode* const first = BooleanTerm();
+    if (!Is(swOr))
+        return first;
+    TSQLBracket* const bracket = NewBracket("or", first, line);
+    while (Accept(swOr))
+        bracket->AddNode(BooleanTerm());
+    return bracket;
+}
+
+TSQLConditionNode* TVSQLParser::BooleanTerm() {
+    const int line = Token().Line;
+    TSQLConditionNode* const first = BooleanFactor();
+    if (!Is(swAnd))
+        return first;
+    TSQLBracket* const bracket = NewBracket("and", first, line);
+    while (Accept(swAnd))
+        bracket->AddNode(BooleanFactor());
+    return bracket;
 }
 
 // Strictly, parentheses around a predicate without a comparison ("exists ...") are a group too.
@@ -383,50 +393,40 @@ bool TVSQLParser::EndsPredicate(const TParseToken& token) const {
            IsClauseWord(token);
 }
 
-void TVSQLParser::BooleanFactor(TSQLBracket& bracket) {
+TSQLConditionNode* TVSQLParser::BooleanFactor() {
     if (!OpensGroup())
-        return Condition(bracket, false);
+        return Condition(false);
     ++at_;
-    BooleanExpression(bracket);
+    TSQLConditionNode* const node = BooleanExpression();
     if (!Accept(')'))
         Fail(msgLostBracket);
+    return node;
 }
 
-void TVSQLParser::Condition(TSQLBracket& bracket, bool negated) {
+TSQLConditionNode* TVSQLParser::Condition(bool negated) {
     while (Accept(swNot))
         negated = !negated;
     if (OpensGroup()) {
         ++at_;
-        if (strict_)
-            NegatedGroup(bracket, negated);
-        else
-            Condition(bracket, negated);
+        TSQLConditionNode* node = strict_ ? BooleanExpression() : Condition(negated);
+        if (strict_ && negated)
+            node = Negate(node);
         if (!Accept(')'))
             Fail(msgLostBracket);
-        return;
+        return node;
     }
     TSQLCondition* const condition = result_.conditions_.New();
     condition->Line = Token().Line;
     condition->Negated = negated;
     Comparison(*condition);
-    bracket.AddNode(condition);
+    return condition;
 }
 
-// What stands in the parentheses, as one node: a condition, or a bracket that bears the negation.
-void TVSQLParser::NegatedGroup(TSQLBracket& bracket, bool negated) {
-    TSQLBracket* const group = result_.brackets_.New();
-    group->Line = Token().Line;
-    BooleanExpression(*group);
-    group->DeleteEmptyBrackets();
-    TSQLConditionNode* const node = group->GetFirst();
-    if (!node->IsBracket()) {
-        auto* const condition = static_cast<TSQLCondition*>(node);
-        condition->Negated = condition->Negated != negated;
-    } else {
-        auto* const inner = static_cast<TSQLBracket*>(node);
-        inner->Negated = inner->Negated != negated;
-    }
-    bracket.AddNode(node);
+TSQLConditionNode* TVSQLParser::Negate(TSQLConditionNode* group) {
+    bool& negated = group->IsBracket() ? static_cast<TSQLBracket*>(group)->Negated
+                                       : static_cast<TSQLCondition*>(group)->Negated;
+    negated = !negated;
+    return group;
 }
 
 void TVSQLParser::Comparison(TSQLCondition& condition) {

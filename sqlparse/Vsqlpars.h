@@ -105,11 +105,13 @@ private:
     void SkipHints();
     void JoinedTables();
     void JoinedTable(TSQLWord kind, int line);
-    void BooleanExpression(TSQLBracket& bracket);
-    void BooleanTerm(TSQLBracket& bracket);
-    void BooleanFactor(TSQLBracket& bracket);
-    void NegatedGroup(TSQLBracket& bracket, bool negated);
-    void Condition(TSQLBracket& bracket, bool negated);
+    TSQLBracket* BooleanBracket();
+    TSQLConditionNode* BooleanExpression();
+    TSQLConditionNode* BooleanTerm();
+    TSQLConditionNode* BooleanFactor();
+    TSQLConditionNode* Condition(bool negated);
+    TSQLConditionNode* Negate(TSQLConditionNode* group);
+    TSQLBracket* NewBracket(const char* op, TSQLConditionNode* first, int line);
     void Comparison(TSQLCondition& condition);
     std::string_view ConditionValue(bool isLeft, TSQLCondition& condition);
     std::string_view RightValue(TSQLCondition& condition);

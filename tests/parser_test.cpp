@@ -83,6 +83,22 @@ TEST(Parser, BuildsTheWhereTree) {
               "  cond neg=0 sub=0 left=<t.order> op=<!=> value=<1>\n");
 }
 
+TEST(Parser, BracketsOfOneNodeCanBeTakenOut) {
+    TSQLBracket root, outer, inner, pair;
+    TSQLCondition one, two, three;
+    root.AddNode(&outer);
+    outer.AddNode(&inner);
+    inner.AddNode(&one);
+    root.AddNode(&pair);
+    pair.AddNode(&two);
+    pair.AddNode(&three);
+    root.DeleteEmptyBrackets();
+    EXPECT_EQ(root.GetFirst(), &one);
+    EXPECT_EQ(one.GetParent(), &root);
+    EXPECT_EQ(one.GetNext(), &pair);
+    EXPECT_EQ(pair.GetCount(), 2);
+}
+
 TEST(Parser, KeepsMoreWhenStrict) {
     EXPECT_EQ(
         Tree("select * from t where not (a = 1 and b = 2)", true),
