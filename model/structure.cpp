@@ -153,14 +153,13 @@ void TVCustomDBStructure::GetTableNames(int mode, TStringList& names) const {
 
 // --- Fields.
 
-// One more than the largest ID; where that is no number, the smallest that is free.
-int TVCustomDBStructure::NewFieldID() const {
+// One more than the largest ID; where that is no number, one that is free.
+int TVCustomDBStructure::NewFieldID() {
     if (largestFieldID_ < std::numeric_limits<int>::max())
         return largestFieldID_ + 1;
-    int id = 1;
-    while (FieldByID(id))
-        ++id;
-    return id;
+    while (FieldByID(freeFieldID_))
+        ++freeFieldID_;
+    return freeFieldID_;
 }
 
 void TVCustomDBStructure::FindLargestFieldID() {
@@ -356,6 +355,7 @@ void TVCustomDBStructure::ClearTableItems() {
     links_.clear();
     fields_.clear();
     largestFieldID_ = 0;
+    freeFieldID_ = 1;
     tables_.clear();
     TableKeysChanged();
     fieldsByID_.Invalidate();

@@ -222,7 +222,7 @@ private:
 
     TDSField* AppendField(int id, TVFieldKind kind);
     TDSField& AddDataField(int id, const TDBFieldInfo& info, TDSTable& table);
-    int NewFieldID() const;
+    int NewFieldID();
     void FindLargestFieldID();
     void RemoveFromGroup(TDSField& field);
     void RemoveLink(std::size_t index);
@@ -235,6 +235,7 @@ private:
     std::vector<std::unique_ptr<TDSOperator>> operators_;
     std::vector<std::unique_ptr<TDSCondition>> conditions_;
     int largestFieldID_ = 0;
+    int freeFieldID_ = 1; // where the search for a free ID goes on, once the largest has been used
     TDSFieldGroupList fieldGroups_;
     TDSFieldGroup rootGroup_;
     std::unique_ptr<TDSField> unrecognizedField_;

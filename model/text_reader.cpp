@@ -261,7 +261,9 @@ void TModelReader::ReadFields() {
 void TModelReader::ReadField(const TSectionLines& lines) {
     // What the meaning of other keys hangs on comes first, wherever it stands.
     const TVFieldKind kind = StrToFldKind(lines.Value("Kind")) == vfkVirtual ? vfkVirtual : vfkData;
-    TDSField& field = *model_.AppendField(XStrToInt(lines.Value("ID")), kind);
+    const int id = XStrToInt(lines.Value("ID"));
+    // An ID names one field; what a text refers to by it is the first.
+    TDSField& field = *model_.AppendField(model_.FieldByID(id) ? model_.NewFieldID() : id, kind);
     if (lines.Has("EditType"))
         field.SetEditType(ReadEditType(lines.Value("EditType")));
     TKeyFinder keys(FieldKeys);

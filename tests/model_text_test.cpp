@@ -99,6 +99,15 @@ TEST(ModelText, IsReadTolerantlyInDetails) {
     EXPECT_EQ(model.GetRootGroup().Fields.size(), 1u);
 }
 
+TEST(ModelText, GivesEachFieldItsOwnID) {
+    TVDBStructure model;
+    model.SetStructString("[Main]\nVersion=3.5\nFieldCount=4\n[Field:1]\nID=2147483647\n[Field:2]\nID=1\n"
+                          "[Field:3]\nID=1\n[Field:4]\nID=1\n[RootGroup]\nFields=1,1,2147483647\n");
+    const std::string once = model.GetStructString();
+    EXPECT_NE(once.find("[RootGroup]\nFields=1,2147483647,2,3\n"), std::string::npos) << once;
+    EXPECT_EQ(Rewritten(once), once);
+}
+
 TEST(ModelText, OfOlderVersions) {
     TVDBStructure model;
     // Lists of operators, tables and fields by name, each with a section of its own.

@@ -155,3 +155,48 @@ TEST(Parser, NamesTheLineOfAnError) {
     EXPECT_EQ(Error(nested(MaxSQLNesting + 1)), wrong + "2");
     EXPECT_EQ(Error(nested(1'000'000)), wrong + "2");
 }
+
+// Each gives a tree (nothing) or an error, plainly and strictly.
+TEST(Parser, TakesStatementsAsPeopleWriteThem) {
+    struct TCase {
+        const char* SQL;
+        const char* Plain;
+        const char* Strict;
+    };
+    static const TCase cases[] = {
+        {"SELECT\n*\nFROM\nCustomers\nWHERE\nCity='Oslo'\n;", "", ""},
+        {"select c.name n, c.id from main.customers as c", "", ""},
+        {"select \"First name\", [x] from \"my table\" t where t.\"First name\" <> ''", "", ""},
+        {"select count(*), max(a.b)+1, case when a.x>1 then 'y' else 'n' end as z from a", "", ""},
+        {"select coalesce(nullif(trim(a.b), ''), 'none') as b from a -- why\n/* and\nhow */ where a.c in "
+         "(1,2,3)",
+         "", ""},
+        {"select a.b from a where a.c in (select x from y where not exists (select 1 from z))", "", ""},
+        {"select a.b from a where not exists (select 1 from z)", "Wrong SQL statement 1", ""},
+        {"select a.b from a where not a.c is null and not (a.d between 1 and 2)", "", ""},
+        {"select a.b from a where not (not (a.c = 1)) or not a.d in (1)", "", ""},
+        {"select a.b from a where (a.c = 1 and (a.d = 2 or (a.e = 3 and a.f = 4)))", "", ""},
+        {"select a.b from a left join b on a.x = b.x and a.y = b.y\nright outer join c on b.z=c.z", "", ""},
+        {"select a.b from a cross join b", "Wrong SQL statement 1", "Wrong SQL statement 1"},
+        {"select a.b from a join b using (x)", "Wrong SQL statement 1", "Wrong SQL statement 1"},
+        {"select a.b from (select x from y) q", "Wrong SQL statement 1", "Wrong SQL statement 1"},
+        {"select a.b from a group by a.b\nhaving count(*) > 1", "",
+         "\"having\" can not be kept in a query 2"},
+        {"select a.b from a where a.c = 1\nunion all\nselect 1 from b", "",
+         "\"union\" can not be kept in a query 2"},
+        {"select a.b from a order by a.b desc\nlimit 10", "", "\"limit\" can not be kept in a query 2"},
+        {"select a.b from a; delete from a", "", "\"delete\" can not be kept in a query 1"},
+        {"select top 5 a.b from a", "", ""},
+        {"select a.b from a where a.c == 1", "Wrong SQL statement 1", "Wrong SQL statement 1"},
+        {"select a.b from a where", "Wrong SQL statement 1", "Wrong SQL statement 1"},
+        {"insert into a values (1)", "Wrong SQL statement 1", "Wrong SQL statement 1"},
+    };
+    const auto shown = [](std::string error) {
+        const std::size_t line = error.find("\r\nLine:");
+        return line == std::string::npos ? error : error.replace(line, 7, " ");
+    };
+    for (const TCase& statement : cases) {
+        EXPECT_EQ(shown(Error(statement.SQL)), statement.Plain) << statement.SQL;
+        EXPECT_EQ(shown(Error(statement.SQL, true)), statement.Strict) << statement.SQL;
+    }
+}

@@ -20,6 +20,7 @@ namespace {
 // Makes a panel's query at random.
 class TRandomQuery {
 public:
+    // Plain queries have only what a plain panel can say and read.
     TRandomQuery(TVQueryPanel& panel, unsigned seed)
         : panel_(panel), model_(*panel.GetDbStruct()), random_(seed) {}
 
@@ -43,21 +44,21 @@ private:
     void AddField() {
         static const char* const formulas[] = {"@1", "@1", "@1", "count(@1)", "max(@1)", "@1 || ' Ab, (c) '"};
         TResultField& field = *panel_.GetQResult().GetResultFields().Add(
-            formulas[Number(6)], {&Field()}, "Column " + std::to_string(Number(3)));
+            formulas[Number(panel_.GetStrict() ? 6 : 5)], {&Field()}, "Column " + std::to_string(Number(3)));
         if (Chance(3))
             field.SetSorting(Chance(2) ? stAscending : stDescending);
     }
 
     void FillBracket(TFilterBracket& bracket, int depth) {
-        bracket.SetLinkType(static_cast<TFilterLinkType>(Number(4)));
+        bracket.SetLinkType(static_cast<TFilterLinkType>(Number(panel_.GetStrict() ? 4 : 2)));
         for (int rows = Number(4); rows > 0; --rows) {
             if (depth > 0 && Chance(3))
                 FillBracket(*bracket.AddNewBracket(), depth - 1);
-            else if (Chance(6))
+            else if (panel_.GetStrict() && Chance(6))
                 FillValues(*bracket.AddCustomCond(model_.GetCondition(Number(model_.GetConditionCount()))));
             else
                 AddCondition(bracket);
-            if (Chance(8))
+            if (bracket.GetRowCount() > 0 && Chance(8))
                 bracket.GetRow(bracket.GetRowCount() - 1)->SetEnabled(false);
         }
     }
@@ -66,9 +67,14 @@ private:
         TDSField& field = Field();
         if (field.GetOperatCount() == 0)
             return;
+        TDSOperator& op = *field.GetOperator(Number(field.GetOperatCount()));
+        const bool barePlace = op.GetSQLName().find('\'') == std::string::npos && op.GetParamCount() > 0;
+        if (!panel_.GetStrict() &&
+            (barePlace || !op.GetPattern().Head().starts_with("not(") != op.GetPattern().Head().empty()))
+            return; // numbers without quotes around their place, and functions around the field
         TSimpleCond& condition = *bracket.AddCond();
         condition.SetField(&field);
-        condition.SetOperator(field.GetOperator(Number(field.GetOperatCount())));
+        condition.SetOperator(&op);
         FillValues(condition);
     }
 
@@ -133,13 +139,6 @@ std::vector<std::string> Rows(const SqliteDatabase& database, const std::string&
     return rows;
 }
 
-void Prepare(TVQueryPanel& panel, TVDBStructure& model, TSQLSyntax syntax) {
-    panel.SetDbStruct(&model);
-    panel.SetStrict(true);
-    panel.SetSQLSyntax(syntax);
-    panel.Activate();
-}
-
 std::string SQLOf(TVQueryPanel& panel) {
     panel.BuildQuery();
     std::string sql = panel.GetQResult().GetSQL().GetText();
@@ -149,47 +148,98 @@ std::string SQLOf(TVQueryPanel& panel) {
 
 } // namespace
 
-TEST(RoundTrip, KeepsTheMeaningOfRandomQueries) {
-    int argumentCount = 1;
-    char name[] = "test";
-    char* arguments[] = {name, nullptr};
-    const QCoreApplication application(argumentCount, arguments);
-    const TemporaryFolder folder;
-    const std::string file = folder / "orders.sqlite";
-    ASSERT_EQ(std::system(("python3 " LUMORA_SAMPLES "/make_orders_db.py " + file).c_str()), 0);
-    const SqliteDatabase database(file);
-    TVDBStructure model;
-    model.LoadFromFile(LUMORA_SAMPLES "/orders.model");
-    model.GetSQLFormats().SetTime("hh:nn:ss");
-    model.GetSQLFormats().SetDateTime("yyyy-mm-dd hh:nn:ss");
-    model.SetQuotedTypes(model.GetQuotedTypes() - TQuotedTypes{ftBoolean});
+namespace {
 
-    const char* const wanted = std::getenv("LUMORA_ROUND_TRIPS");
-    const unsigned count = wanted ? static_cast<unsigned>(std::atoi(wanted)) : 600;
-    int built = 0, withRows = 0;
-    for (unsigned seed = 1; seed <= count; ++seed) {
+// The sample database, and the sample model as SQLite needs it.
+class RoundTrip : public testing::Test {
+protected:
+    RoundTrip() {
+        const std::string file = folder_ / "orders.sqlite";
+        if (std::system(("python3 " LUMORA_SAMPLES "/make_orders_db.py " + file).c_str()) != 0)
+            throw std::runtime_error("cannot make the sample database");
+        database_ = std::make_unique<SqliteDatabase>(file);
+        model_.LoadFromFile(LUMORA_SAMPLES "/orders.model");
+        model_.GetSQLFormats().SetTime("hh:nn:ss");
+        model_.GetSQLFormats().SetDateTime("yyyy-mm-dd hh:nn:ss");
+        model_.SetQuotedTypes(model_.GetQuotedTypes() - TQuotedTypes{ftBoolean});
+    }
+
+    // The number of rounds; an environment variable asks for more.
+    static unsigned Rounds() {
+        const char* const wanted = std::getenv("LUMORA_ROUND_TRIPS");
+        return wanted ? static_cast<unsigned>(std::atoi(wanted)) : 600;
+    }
+    void Prepare(TVQueryPanel& panel, TSQLSyntax syntax, bool strict) {
+        panel.SetDbStruct(&model_);
+        panel.SetStrict(strict);
+        panel.SetSQLSyntax(syntax);
+        panel.Activate();
+    }
+
+    int argumentCount_ = 1;
+    char name_[5] = "test";
+    char* arguments_[2] = {name_, nullptr};
+    QCoreApplication application_{argumentCount_, arguments_};
+    TemporaryFolder folder_;
+    std::unique_ptr<SqliteDatabase> database_;
+    TVDBStructure model_;
+};
+
+} // namespace
+
+TEST_F(RoundTrip, KeepsTheMeaningOfRandomQueries) {
+    int withRows = 0;
+    for (unsigned seed = 1; seed <= Rounds(); ++seed) {
         const auto syntax = static_cast<TSQLSyntax>(seed % 3);
         TVQueryPanel panel;
-        Prepare(panel, model, syntax);
+        Prepare(panel, syntax, true);
         TRandomQuery(panel, seed).Make();
         std::string sql;
         ASSERT_EQ(MessageOf<EVLumoraError>([&] { sql = SQLOf(panel); }), "") << panel.GetQueryText();
-        ++built;
         TVQueryPanel copy;
-        Prepare(copy, model, syntax);
+        Prepare(copy, syntax, true);
         copy.SetSQLOptions(panel.GetSQLOptions());
         ASSERT_EQ(MessageOf<EVLumoraError>([&] { copy.ParseSQL(TStringList(sql)); }), "")
             << "seed " << seed << "\n"
             << sql;
         const std::string second = SQLOf(copy);
         if (syntax != ssOracle && second != sql) {
-            const std::vector<std::string> rows = Rows(database, sql);
-            ASSERT_EQ(Rows(database, second), rows) << "seed " << seed << "\n" << sql << "\n" << second;
+            const std::vector<std::string> rows = Rows(*database_, sql);
+            ASSERT_EQ(Rows(*database_, second), rows) << "seed " << seed << "\n" << sql << "\n" << second;
             withRows += rows.empty() ? 0 : 1;
         }
         copy.ParseSQL(TStringList(second));
         ASSERT_EQ(SQLOf(copy), second) << "seed " << seed << "\n" << sql;
     }
-    EXPECT_EQ(built, static_cast<int>(count));
     EXPECT_GT(withRows, 20);
+}
+
+// Statements that the database refuses, which plain rules can make, are left out.
+TEST_F(RoundTrip, KeepsWhatPlainQueriesCanSay) {
+    int compared = 0;
+    for (unsigned seed = 1; seed <= Rounds(); ++seed) {
+        TVQueryPanel panel;
+        Prepare(panel, seed % 2 ? ssSQL2 : ssSQL1, false);
+        TRandomQuery(panel, seed).Make();
+        std::string sql;
+        std::vector<std::string> rows;
+        if (!MessageOf<EVLumoraError>([&] { sql = SQLOf(panel); }).empty())
+            continue; // two aliases of one table
+        if (panel.GetSQLSyntax() == ssSQL1 && panel.GetQResult().GetResultTables().Count() > 1)
+            continue; // joins in WHERE are read as rows
+        if (!MessageOf<Exception>([&] { rows = Rows(*database_, sql); }).empty())
+            continue;
+        TVQueryPanel copy;
+        Prepare(copy, panel.GetSQLSyntax(), false);
+        copy.SetSQLOptions(panel.GetSQLOptions());
+        const std::string error = MessageOf<EVLumoraError>([&] { copy.ParseSQL(TStringList(sql)); });
+        if (error.find("Wrong SQL statement") == 0)
+            continue; // GROUP BY and ORDER BY of more than columns
+        ASSERT_EQ(error, "") << sql;
+        ASSERT_EQ(Rows(*database_, SQLOf(copy)), rows) << "seed " << seed << "\n"
+                                                       << sql << "\n"
+                                                       << SQLOf(copy);
+        ++compared;
+    }
+    EXPECT_GT(compared, 100);
 }
