@@ -1,0 +1,82 @@
+#include "model/sql_pattern.h"
+#include "model/sql_template.h"
+
+#include <gtest/gtest.h>
+
+using namespace lumora;
+
+namespace {
+
+// A plan as text: fields as {f}, values as {1}, or [1] inside a literal.
+std::string Shown(const std::string& text, bool strict, std::initializer_list<TValueEntry> entries) {
+    TSQLTemplate sql;
+    sql.SetText(text);
+    TPlanRequest request;
+    request.HasField = true;
+    request.Strict = strict;
+    for (const TValueEntry entry : entries)
+        request.SetEntry(++request.ValueCount, entry);
+    std::string shown;
+    for (const TTemplatePiece& piece : sql.Plan(request).Pieces)
+        switch (piece.Kind) {
+        case tpLiteral:
+            shown += piece.Text;
+            break;
+        case tpField:
+            shown += "{f}";
+            break;
+        default:
+            shown +=
+                (piece.InLiteral ? "[" : "{") + std::to_string(piece.Value) + (piece.InLiteral ? "]" : "}");
+        }
+    return shown;
+}
+
+// What a pattern captures, "no" when it does not match.
+std::string Captured(const char* pattern, const std::string& left, const std::string& rest) {
+    std::vector<TCapture> values;
+    if (!TSQLPattern(pattern).Match(left + rest, 0, left.size(), values))
+        return "no";
+    std::string text;
+    for (const TCapture& value : values)
+        text += value.Text + "|";
+    return text;
+}
+
+} // namespace
+
+TEST(SQLTemplate, IsWorkedOutForEachWayValuesEnter) {
+    EXPECT_EQ(Shown("@f between '@1' and '@2'", false, {veBare, veStretch}), "{f} between '[1]' and {2}");
+    EXPECT_EQ(Shown("@f in (@1)", false, {veStretch}), "{1}");
+    EXPECT_EQ(Shown("@f in (@1)", true, {veStretch}), "{f} in ({1})");
+    EXPECT_EQ(Shown("'x' || @f || 'a@1b' || '@1'", true, {veStretch}), "'x' || {f} || {1} || {1}");
+    EXPECT_EQ(Shown("'@f' = '@1", false, {veBare}), "'{f}' = '[1]");
+    EXPECT_EQ(Shown("@10 @1", false, {veBare}), "{1}0 {1}");
+    TSQLTemplate many;
+    std::string text;
+    for (int i = 1; i < 3000; ++i)
+        text += "@" + std::to_string(i);
+    many.SetText(text);
+    EXPECT_EQ(many.GetParamCount(), MaxTemplateValues);
+    many.SetText("(a or b) and 'or'");
+    EXPECT_FALSE(many.HasOuterOr());
+}
+
+TEST(SQLPattern, CapturesWhatStoodInTheTemplate) {
+    EXPECT_EQ(Captured("@f = '@1'", "a.b", " = 'it''s = 1'"), "it's = 1|");
+    EXPECT_EQ(Captured("@f = '@1'", "a.b", "= 12"), "12|");
+    EXPECT_EQ(Captured("@f >'@1'", "a.b", " > = 12"), "no");
+    EXPECT_EQ(Captured("@f IN (@1)", "a", " in (f(1, ')'), 2)"), "f(1, ')'), 2|");
+    EXPECT_EQ(Captured("@f between '@1' and '@2'", "a", " between 'x and y' and (1 and 2)"),
+              "x and y|(1 and 2)|");
+    EXPECT_EQ(Captured("@f like '@1%'", "a", " like 'x%'"), "x|");
+    EXPECT_EQ(Captured("@f like '@1%'", "a", " like '%x%'"), "no");
+    EXPECT_EQ(Captured("@f like '%@1%'", "a", " like '%'"), "no");
+    EXPECT_EQ(Captured("@f is null", "a", " IS  Null"), "");
+    EXPECT_EQ(Captured("@f = '@1'", "a", " = 1 and more"), "1 and more|");
+    EXPECT_EQ(Captured("f(@f, @1, @1)", "a", ""), "no");
+    std::string endless; // no pattern takes for ever
+    for (int i = 1; i < 90; ++i)
+        endless += "@" + std::to_string(i) + ",";
+    EXPECT_EQ(Captured(("@f" + endless + "!").c_str(), "a", std::string(20'000, ',')), "no");
+}
