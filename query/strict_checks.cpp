@@ -13,37 +13,23 @@ namespace lumora {
 
 namespace {
 
-// Words that SQLite, PostgreSQL, MySQL or Oracle reserve, from the lists in their manuals.
+// Words that the SQL standard and SQLite or PostgreSQL reserve, from the lists in their manuals. Words that
+// only one engine reserves are left out: they are captions too often ("Date", "Number").
 const std::unordered_set<std::string_view, TNoCaseHash, TNoCaseEqual>& ReservedWords() {
     static const std::unordered_set<std::string_view, TNoCaseHash, TNoCaseEqual> words = {
-        "access",    "add",         "all",        "alter",      "analyse",    "analyze",   "and",
-        "any",       "array",       "as",         "asc",        "asymmetric", "audit",     "autoincrement",
-        "begin",     "between",     "both",       "by",         "case",       "cast",      "change",
-        "char",      "check",       "cluster",    "collate",    "collation",  "column",    "comment",
-        "commit",    "compress",    "condition",  "connect",    "constraint", "create",    "cross",
-        "current",   "cursor",      "database",   "date",       "decimal",    "default",   "deferrable",
-        "delete",    "desc",        "describe",   "distinct",   "div",        "do",        "drop",
-        "else",      "end",         "escape",     "except",     "exclusive",  "exists",    "explain",
-        "false",     "fetch",       "file",       "float",      "for",        "force",     "foreign",
-        "from",      "full",        "function",   "glob",       "grant",      "group",     "groups",
-        "having",    "identified",  "if",         "ilike",      "immediate",  "in",        "increment",
-        "index",     "initial",     "initially",  "inner",      "insert",     "integer",   "intersect",
-        "interval",  "into",        "is",         "isnull",     "join",       "key",       "keys",
-        "kill",      "lateral",     "leading",    "left",       "level",      "like",      "limit",
-        "lock",      "long",        "match",      "maxextents", "minus",      "mode",      "modify",
-        "natural",   "noaudit",     "nocompress", "not",        "notnull",    "nowait",    "null",
-        "number",    "of",          "offline",    "offset",     "on",         "online",    "only",
-        "option",    "or",          "order",      "out",        "outer",      "over",      "overlaps",
-        "partition", "placing",     "prior",      "primary",    "privileges", "procedure", "public",
-        "range",     "rank",        "raw",        "read",       "references", "regexp",    "release",
-        "rename",    "repeat",      "replace",    "resource",   "returning",  "revoke",    "right",
-        "rollback",  "row",         "rows",       "select",     "session",    "set",       "share",
-        "show",      "similar",     "size",       "smallint",   "some",       "start",     "successful",
-        "symmetric", "synonym",     "sysdate",    "system",     "table",      "then",      "to",
-        "trailing",  "transaction", "trigger",    "true",       "uid",        "union",     "unique",
-        "update",    "usage",       "use",        "user",       "using",      "validate",  "values",
-        "varchar",   "verbose",     "view",       "when",       "whenever",   "where",     "while",
-        "window",    "with",        "write"};
+        "add",        "all",         "alter",   "and",        "as",      "asc",        "autoincrement",
+        "between",    "both",        "by",      "case",       "cast",    "check",      "collate",
+        "collation",  "column",      "commit",  "constraint", "create",  "cross",      "default",
+        "deferrable", "delete",      "desc",    "distinct",   "drop",    "else",       "escape",
+        "except",     "exists",      "false",   "fetch",      "for",     "foreign",    "from",
+        "full",       "grant",       "group",   "having",     "if",      "in",         "index",
+        "initially",  "inner",       "insert",  "intersect",  "into",    "is",         "isnull",
+        "join",       "leading",     "left",    "like",       "limit",   "minus",      "natural",
+        "not",        "nothing",     "notnull", "null",       "of",      "offset",     "on",
+        "option",     "or",          "order",   "outer",      "primary", "references", "returning",
+        "revoke",     "right",       "select",  "set",        "table",   "then",       "to",
+        "trailing",   "transaction", "true",    "union",      "unique",  "update",     "using",
+        "values",     "when",        "where",   "while",      "with"};
     return words;
 }
 
