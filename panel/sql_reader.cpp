@@ -72,34 +72,46 @@ void TSQLReader::Refuse(const TSQLCondition& parsed) const {
 void TSQLReader::ReadCondition(TFilterBracket& bracket, const TSQLCondition& parsed) {
     if (strict_ && ReadPredefined(bracket, parsed))
         return;
-    TDSField* field = model_.FieldByName(3, parsed.Left);
-    TFit around;
-    if (strict_ && !field) {
-        around = FindFitAroundField(parsed);
-        field = around.Field;
+    const TFit fit = strict_ ? FindStrictFit(parsed) : FindPlainFit(parsed);
+    TSimpleCond* const condition = Owner(bracket, fit.Opposite).AddCond();
+    condition->SetField(fit.Field ? fit.Field : model_.GetUnrecognizedField());
+    condition->SetOperator(fit.Operator ? fit.Operator : model_.GetUnrecognizedOperator());
+    SetValues(*condition, parsed, fit.Values);
+}
+
+TSQLReader::TFit TSQLReader::FindPlainFit(const TSQLCondition& parsed) {
+    TFit fit = FindFit(parsed, parsed.Negated, parsed.Operator);
+    if (!fit.Operator)
+        fit = LikeFallback(parsed);
+    fit.Field = model_.FieldByName(3, parsed.Left);
+    return fit;
+}
+
+// A condition that no operator fits may be the opposite of one that an operator fits.
+TSQLReader::TFit TSQLReader::FindStrictFit(const TSQLCondition& parsed) {
+    TDSField* const field = model_.FieldByName(3, parsed.Left);
+    if (!field) {
+        TFit fit = FindFitAroundField(parsed);
+        if (!fit.Field)
+            throw EVQueryPanelError(qpeUnrecognizedField, {parsed.Left}, parsed.Line);
+        fit.Opposite = parsed.Negated;
+        return fit;
     }
-    if (strict_ && !field)
-        throw EVQueryPanelError(qpeUnrecognizedField, {parsed.Left}, parsed.Line);
-    TFit fit = around.Operator ? around : FindFit(parsed, parsed.Negated, parsed.Operator);
-    bool opposite = around.Operator && parsed.Negated;
-    if (strict_ && !fit.Operator) {
+    TFit fit = FindFit(parsed, parsed.Negated, parsed.Operator);
+    if (!fit.Operator) {
         fit = FindFit(parsed, !parsed.Negated, parsed.Operator);
-        opposite = fit.Operator != nullptr;
+        fit.Opposite = true;
     }
-    if (strict_ && !fit.Operator && parsed.Operator == "is" && FoldBlanks(parsed.Value) == "notnull") {
+    if (!fit.Operator && parsed.Operator == "is" && FoldBlanks(parsed.Value) == "notnull") {
         TSQLCondition isNull = parsed;
         isNull.Value = "null";
         fit = FindFit(isNull, false, "is");
-        opposite = fit.Operator && !parsed.Negated;
+        fit.Opposite = !parsed.Negated;
     }
-    if (strict_ && !fit.Operator)
+    if (!fit.Operator)
         throw EVQueryPanelError(qpeUnrecognizedOperator, {parsed.GetSQLExpr()}, parsed.Line);
-    if (!strict_ && !fit.Operator)
-        fit = LikeFallback(parsed);
-    TSimpleCond* const condition = Owner(bracket, opposite).AddCond();
-    condition->SetField(field ? field : model_.GetUnrecognizedField());
-    condition->SetOperator(fit.Operator ? fit.Operator : model_.GetUnrecognizedOperator());
-    SetValues(*condition, parsed, fit.Values);
+    fit.Field = field;
+    return fit;
 }
 
 // A predicate of the model that stands in the statement as it is, or its opposite.

@@ -24,7 +24,8 @@ private:
     // An operator that fits a condition, and the values that stood in its places.
     struct TFit {
         TDSOperator* Operator = nullptr;
-        TDSField* Field = nullptr; // where it is not simply the left side
+        TDSField* Field = nullptr;
+        bool Opposite = false; // the condition holds where the operator's does not
         std::vector<TCapture> Values;
     };
 
@@ -42,6 +43,8 @@ private:
                              const std::string& text, bool quoted);
     void CheckValue(const TFilterCond& condition, int value, const TSQLCondition& parsed,
                     const std::string& text, bool quoted) const;
+    TFit FindPlainFit(const TSQLCondition& parsed);
+    TFit FindStrictFit(const TSQLCondition& parsed);
     TFit FindFit(const TSQLCondition& parsed, bool negated, std::string_view op);
     const std::vector<TDSOperator*>& Candidates(bool negated, std::string_view op);
     TFit FindFitAroundField(const TSQLCondition& parsed);
