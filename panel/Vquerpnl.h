@@ -248,6 +248,8 @@ private:
     void ModelReplacing() override;
     void ModelReplaced() override;
 
+    template <typename TRead>
+    void ReadWhileInactive(TRead read);
     void InitStructureRelatedProperties();
     void InitializeNewRow(TFilterRow& row);
     void SQLOptionsChanged();

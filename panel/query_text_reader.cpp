@@ -233,23 +233,10 @@ void TVQueryPanel::LoadValues(std::string_view value1, std::string_view value2,
 
 void TVQueryPanel::LoadFromStrings(const TStringList& lines) {
     CheckIfDBStructAssigned();
-    const bool wasActive = active_;
-    try {
-        const TPanelStateGuard guard(state_, stLoading);
-        SetActive(false);
-        ClearAll();
+    ReadWhileInactive([&] {
         if (!lines.Empty())
             TQueryTextReader(*this, lines).Read();
-    } catch (...) {
-        try {
-            SetActive(wasActive);
-        } catch (const EVQueryPanelError&) {
-            // The titles read so far cannot head an active panel; the error that is on its way matters more.
-        }
-        modified_ = false;
-        throw;
-    }
-    SetActive(wasActive);
+    });
     modified_ = false;
     QueryChanged();
     ParametersListChanged();

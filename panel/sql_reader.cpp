@@ -414,21 +414,13 @@ void TSQLReader::CheckValue(const TFilterCond& condition, int value, const TSQLC
 
 void TVQueryPanel::ParseSQL(const TStringList& lines) {
     CheckIfDBStructAssigned();
-    const bool wasActive = active_;
-    try {
-        const TPanelStateGuard guard(state_, stLoading);
-        SetActive(false);
-        ClearAll();
+    ReadWhileInactive([&] {
         TVSQLParser parser;
         parser.SetStrict(strict_);
         parser.SetSQL(lines);
         parser.Parse();
         TSQLReader(*this).Read(parser.GetResult());
-    } catch (...) {
-        SetActive(wasActive);
-        throw;
-    }
-    SetActive(wasActive);
+    });
 }
 
 void TVQueryPanel::ProcessSQLBracket(TFilterBracket& bracket, const TSQLBracket& parsed) {

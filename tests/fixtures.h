@@ -2,6 +2,7 @@
 #pragma once
 
 #include "panel/Vquerpnl.h"
+#include "tests/message_of.h"
 
 #include <memory>
 #include <string>
@@ -102,16 +103,5 @@ public:
     TVDBStructure Model;
     TVQueryPanel Panel;
 };
-
-// The message of the exception that the action raises; empty when it raises none.
-template <typename E, typename TAction>
-std::string MessageOf(TAction action) {
-    try {
-        action();
-    } catch (const E& error) {
-        return error.what();
-    }
-    return {};
-}
 
 } // namespace lumora::tests
