@@ -3,6 +3,7 @@
 
 #include "platform/errors.h"
 
+#include <QSqlError>
 #include <QString>
 
 namespace lumora {
@@ -11,5 +12,11 @@ class DatabaseError : public Exception {
 public:
     explicit DatabaseError(const QString& message) : Exception(message.toStdString()) {}
 };
+
+// The engine's own words where it has any.
+inline QString reasonOf(const QSqlError& error) {
+    const QString text = error.databaseText().trimmed();
+    return text.isEmpty() ? error.driverText().trimmed() : text;
+}
 
 } // namespace lumora

@@ -19,8 +19,7 @@ namespace lumora {
 namespace {
 
 [[noreturn]] void fail(const QSqlError& error) {
-    const QString text = error.databaseText().trimmed();
-    throw DatabaseError(text.isEmpty() ? error.driverText().trimmed() : text);
+    throw DatabaseError(reasonOf(error));
 }
 
 // The connection may allow more than reading, and some drivers run several statements.

@@ -1,6 +1,6 @@
 // Random queries on the sample model: strict SQL, read back and written again, means the same.
+#include "qtsql/databaseconnection.h"
 #include "qtsql/queryrunner.h"
-#include "qtsql/sqlitedatabase.h"
 #include "support/Vstrings.h"
 #include "tests/cli_process.h"
 #include "tests/fixtures.h"
@@ -125,7 +125,7 @@ private:
     std::mt19937 random_;
 };
 
-std::vector<std::string> Rows(const SqliteDatabase& database, const std::string& sql) {
+std::vector<std::string> Rows(const DatabaseConnection& database, const std::string& sql) {
     std::vector<std::string> rows;
     runQuery(database.connection(), QString::fromStdString(sql), {},
              {[](const QStringList&) {},
@@ -157,7 +157,7 @@ protected:
         const std::string file = folder_ / "orders.sqlite";
         if (std::system(("python3 " LUMORA_SAMPLES "/make_orders_db.py " + file).c_str()) != 0)
             throw std::runtime_error("cannot make the sample database");
-        database_ = std::make_unique<SqliteDatabase>(file);
+        database_ = std::make_unique<DatabaseConnection>(parseDatabase(file));
         model_.LoadFromFile(LUMORA_SAMPLES "/orders.model");
         model_.GetSQLFormats().SetTime("hh:nn:ss");
         model_.GetSQLFormats().SetDateTime("yyyy-mm-dd hh:nn:ss");
@@ -181,7 +181,7 @@ protected:
     char* arguments_[2] = {name_, nullptr};
     QCoreApplication application_{argumentCount_, arguments_};
     TemporaryFolder folder_;
-    std::unique_ptr<SqliteDatabase> database_;
+    std::unique_ptr<DatabaseConnection> database_;
     TVDBStructure model_;
 };
 

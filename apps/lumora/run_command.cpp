@@ -6,8 +6,8 @@
 #include "apps/lumora/run_parameters.h"
 #include "platform/ascii.h"
 #include "platform/convert.h"
+#include "qtsql/databaseconnection.h"
 #include "qtsql/queryrunner.h"
-#include "qtsql/sqlitedatabase.h"
 
 #include <QCoreApplication>
 
@@ -51,15 +51,6 @@ struct RunOptions {
     std::int64_t limit = -1;
 };
 
-// What SQLite compares dates, times and booleans by.
-void prepareForSqlite(TVDBStructure& model) {
-    TSQLFormats& formats = model.GetSQLFormats();
-    formats.SetDate("yyyy-mm-dd");
-    formats.SetTime("hh:nn:ss");
-    formats.SetDateTime("yyyy-mm-dd hh:nn:ss");
-    model.SetQuotedTypes(model.GetQuotedTypes() - TQuotedTypes{ftBoolean});
-}
-
 // Qt asks for an application object before it looks for its drivers, and gives it the command line and the
 // user's locale; we want neither.
 class QtApplication {
@@ -76,7 +67,9 @@ private:
 void printRows(const Arguments& arguments, Output& output) {
     const RunOptions options(arguments);
     QuerySession session(arguments[1]);
-    prepareForSqlite(session.model());
+    const QtApplication application;
+    const DatabaseConnection database(parseDatabase(arguments[0]));
+    prepareModel(session.model(), database.engine());
     session.readQuery(arguments[2], options.query);
     QueryParameters parameters(session.panel().GetQResult());
     session.panel().BuildQuery();
@@ -85,8 +78,6 @@ void printRows(const Arguments& arguments, Output& output) {
     const QVariantMap values = parameters.bind(sql, options.parameters, session.model().GetSQLFormats());
     const QString statement = decodeText(sql, "The statement");
 
-    const QtApplication application;
-    const SqliteDatabase database(arguments[0]);
     const std::unique_ptr<RowWriter> writer = makeRowWriter(options.format, output);
     runQuery(database.connection(), statement, values,
              {[&](const QStringList& names) { writer->columns(names); },

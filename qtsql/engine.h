@@ -1,0 +1,23 @@
+// What sets the database engines apart.
+#pragma once
+
+#include <QSqlDatabase>
+
+#include <string_view>
+
+namespace lumora {
+
+class TVCustomDBStructure;
+
+enum class Engine { Sqlite, PostgreSql, MySql, Other };
+
+Engine engineOf(const QSqlDatabase& database);
+
+// Whether a table's or column's name, spelled as the catalogue has it, must stand in quotes in a statement.
+bool needsQuotes(Engine engine, std::string_view name);
+
+// Sets the forms of dates and times, the quote symbols and the types whose values stand in quotes to what the
+// engine takes. Model texts keep no quoted types, so a model that was loaded for an engine needs this too.
+void prepareModel(TVCustomDBStructure& model, Engine engine);
+
+} // namespace lumora
