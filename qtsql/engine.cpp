@@ -2,8 +2,6 @@
 
 #include "model/structure.h"
 
-#include <QSqlDriver>
-
 #include <algorithm>
 
 namespace lumora {
@@ -215,16 +213,17 @@ bool isReserved(std::string_view name) {
 } // namespace
 
 Engine engineOf(const QSqlDatabase& database) {
-    switch (database.driver()->dbmsType()) {
-    case QSqlDriver::SQLite:
+    return engineOf(database.driverName());
+}
+
+Engine engineOf(const QString& driver) {
+    if (driver == QLatin1StringView("QSQLITE"))
         return Engine::Sqlite;
-    case QSqlDriver::PostgreSQL:
+    if (driver == QLatin1StringView("QPSQL"))
         return Engine::PostgreSql;
-    case QSqlDriver::MySqlServer:
+    if (driver == QLatin1StringView("QMYSQL") || driver == QLatin1StringView("QMARIADB"))
         return Engine::MySql;
-    default:
-        return Engine::Other;
-    }
+    return Engine::Other;
 }
 
 // PostgreSQL folds unquoted names to lower case. Letters beyond ASCII are left to quotes everywhere.

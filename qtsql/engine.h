@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QSqlDatabase>
+#include <QString>
 
 #include <string_view>
 
@@ -12,6 +13,8 @@ class TVCustomDBStructure;
 enum class Engine { Sqlite, PostgreSql, MySql, Other };
 
 Engine engineOf(const QSqlDatabase& database);
+// The engine that a driver of Qt's, "QPSQL", is for.
+Engine engineOf(const QString& driver);
 
 // Whether a table's or column's name, spelled as the catalogue has it, must stand in quotes in a statement.
 bool needsQuotes(Engine engine, std::string_view name);

@@ -67,9 +67,8 @@ private:
 void printRows(const Arguments& arguments, Output& output) {
     const RunOptions options(arguments);
     QuerySession session(arguments[1]);
-    const QtApplication application;
-    const DatabaseConnection database(parseDatabase(arguments[0]));
-    prepareModel(session.model(), database.engine());
+    const DatabaseParameters database = parseDatabase(arguments[0]);
+    prepareModel(session.model(), engineOf(database.driver));
     session.readQuery(arguments[2], options.query);
     QueryParameters parameters(session.panel().GetQResult());
     session.panel().BuildQuery();
@@ -78,8 +77,10 @@ void printRows(const Arguments& arguments, Output& output) {
     const QVariantMap values = parameters.bind(sql, options.parameters, session.model().GetSQLFormats());
     const QString statement = decodeText(sql, "The statement");
 
+    const QtApplication application;
+    const DatabaseConnection connection(database);
     const std::unique_ptr<RowWriter> writer = makeRowWriter(options.format, output);
-    runQuery(database.connection(), statement, values,
+    runQuery(connection.connection(), statement, values,
              {[&](const QStringList& names) { writer->columns(names); },
               [&](const QList<QVariant>& row) { writer->row(row); }},
              options.limit);
