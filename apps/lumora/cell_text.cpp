@@ -3,7 +3,9 @@
 #include "platform/convert.h"
 
 #include <QByteArray>
+#include <QStringEncoder>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <string_view>
@@ -16,15 +18,48 @@ bool isFloat(const QVariant& value) {
     return value.typeId() == QMetaType::Double || value.typeId() == QMetaType::Float;
 }
 
-QString floatText(double number, bool exact) {
-    if (!exact || !std::isfinite(number))
-        return QString::fromStdString(FloatToStr(number));
+template <typename T>
+void appendNumber(std::string& line, T number) {
     char text[32];
     const std::to_chars_result end = std::to_chars(text, text + sizeof text, number);
-    return QString::fromLatin1(text, static_cast<qsizetype>(end.ptr - text));
+    line.append(text, end.ptr);
 }
 
-std::string_view jsonEscape(char16_t c) {
+// Half a surrogate pair becomes U+FFFD.
+void appendText(std::string& line, const QString& text) {
+    const std::size_t size = line.size();
+    QStringEncoder encoder(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
+    line.resize(size + static_cast<std::size_t>(encoder.requiredSpace(text.size())));
+    const char* const end = encoder.appendToBuffer(line.data() + size, text);
+    line.resize(static_cast<std::size_t>(end - line.data()));
+}
+
+// One of the forms that JSON knows: "-12.50", "1e+300".
+bool isJsonNumber(std::string_view text) {
+    const auto skipDigits = [&] {
+        const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
+        text.remove_prefix(digits);
+        return digits;
+    };
+    const auto skip = [&](std::string_view any) {
+        const bool found = !text.empty() && any.find(text.front()) != std::string_view::npos;
+        text.remove_prefix(found ? 1 : 0);
+        return found;
+    };
+    skip("-");
+    const bool leadingZero = !text.empty() && text.front() == '0';
+    const std::size_t digits = skipDigits();
+    if (digits == 0 || (leadingZero && digits > 1) || (skip(".") && skipDigits() == 0))
+        return false;
+    if (skip("eE")) {
+        skip("+-");
+        if (skipDigits() == 0)
+            return false;
+    }
+    return text.empty();
+}
+
+std::string_view jsonEscape(char c) {
     switch (c) {
     case '"':
         return "\\\"";
@@ -61,37 +96,75 @@ bool isNumber(const QVariant& value) {
     }
 }
 
-QString cellText(const QVariant& value, bool exact) {
+bool isDecimal(const QVariant& value) {
+    return value.typeId() == QMetaType::QString && !value.isNull() &&
+           isJsonNumber(value.toString().toStdString());
+}
+
+QString cellText(const QVariant& value) {
     if (value.isNull())
         return {};
     if (isFloat(value))
-        return floatText(value.toDouble(), exact);
+        return QString::fromStdString(FloatToStr(value.toDouble()));
     if (value.typeId() == QMetaType::QByteArray)
         return QString::fromLatin1(value.toByteArray().toHex());
     return value.toString();
 }
 
-std::string jsonString(const QString& text) {
-    QString quoted(1, u'"');
-    for (const QChar c : text) {
-        if (const std::string_view escape = jsonEscape(c.unicode()); !escape.empty())
-            quoted += QLatin1StringView(escape.data(), static_cast<qsizetype>(escape.size()));
-        else if (c.unicode() < 0x20)
-            quoted += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
-        else
-            quoted += c;
+void appendCell(std::string& line, const QVariant& value) {
+    if (value.isNull())
+        return;
+    switch (value.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+        return appendNumber(line, value.toLongLong());
+    case QMetaType::ULongLong:
+        return appendNumber(line, value.toULongLong());
+    case QMetaType::Double:
+    case QMetaType::Float:
+        if (std::isfinite(value.toDouble()))
+            return appendNumber(line, value.toDouble());
+        [[fallthrough]];
+    default:
+        appendText(line, cellText(value));
     }
-    return quoted.append(u'"').toStdString(); // half a surrogate pair becomes U+FFFD
 }
 
-std::string jsonValue(const QVariant& value) {
-    if (value.isNull())
-        return "null";
-    if (isFloat(value) && !std::isfinite(value.toDouble())) // JSON has no word for it
-        return std::isnan(value.toDouble()) ? "null" : value.toDouble() < 0 ? "-1e999" : "1e999";
+void appendJsonString(std::string& line, std::string_view text) {
+    line += '"';
+    for (const char c : text) {
+        if (const std::string_view escape = jsonEscape(c); !escape.empty())
+            line += escape;
+        else if (static_cast<unsigned char>(c) < 0x20)
+            line.append("\\u00").append(1, "01"[c >> 4]).append(1, "0123456789abcdef"[c & 15]);
+        else
+            line += c;
+    }
+    line += '"';
+}
+
+void appendJson(std::string& line, const QVariant& value, bool mayBeDecimal) {
+    if (value.isNull()) {
+        line += "null";
+        return;
+    }
+    if (isFloat(value) && !std::isfinite(value.toDouble())) { // JSON has no word for it
+        line += std::isnan(value.toDouble()) ? "null" : value.toDouble() < 0 ? "-1e999" : "1e999";
+        return;
+    }
     if (isNumber(value) || value.typeId() == QMetaType::Bool)
-        return cellText(value, true).toStdString();
-    return jsonString(cellText(value, true));
+        return appendCell(line, value);
+    std::string text;
+    appendCell(text, value);
+    if (mayBeDecimal && isJsonNumber(text))
+        line += text;
+    else if (mayBeDecimal && text == "NaN")
+        line += "null";
+    else if (mayBeDecimal && (text == "Infinity" || text == "-Infinity"))
+        line += text[0] == '-' ? "-1e999" : "1e999";
+    else
+        appendJsonString(line, text);
 }
 
 } // namespace lumora::cli

@@ -5,18 +5,26 @@
 #include <QVariant>
 
 #include <string>
+#include <string_view>
 
 namespace lumora::cli {
 
 bool isNumber(const QVariant& value);
+// Whether the value is a decimal number that came as text, digit by digit.
+bool isDecimal(const QVariant& value);
 
-// A number to 15 digits, or with `exact` to as many as it takes to read the same number again; bytes in
-// hexadecimal; dates and times as ISO 8601 has them; NULL as an empty text. "." in every locale.
-QString cellText(const QVariant& value, bool exact);
+// A number to 15 digits; bytes in hexadecimal; dates and times as ISO 8601 has them; NULL as an empty text.
+// "." in every locale.
+QString cellText(const QVariant& value);
 
-// The text between double quotes, as JSON has it, in UTF-8.
-std::string jsonString(const QString& text);
-// NULL as null, numbers and booleans as such, everything else as a string.
-std::string jsonValue(const QVariant& value);
+// Both add to a line in UTF-8, and write numbers with as many digits as it takes to read the same number
+// again.
+void appendCell(std::string& line, const QVariant& value);
+// NULL as null, booleans and numbers as such, everything else as a string. A text may be a number if
+// `mayBeDecimal`.
+void appendJson(std::string& line, const QVariant& value, bool mayBeDecimal);
+
+// The UTF-8 text between double quotes, as JSON has it.
+void appendJsonString(std::string& line, std::string_view text);
 
 } // namespace lumora::cli

@@ -60,9 +60,13 @@ void failOver(std::string_view what, const std::vector<std::string_view>& names)
 }
 
 // Numbers as numbers, so that they compare as such with expressions that have no type of their own.
-QVariant numberOf(TFieldType type, const std::string& text) {
+// PostgreSQL gives the placeholder the type that it needs, and takes the digits as they stand: a double would
+// not do.
+QVariant numberOf(TFieldType type, const std::string& text, Engine engine) {
     if (type == ftBoolean)
-        return text == "1" || SameText(text, "true") ? 1 : 0;
+        return text == "1" || SameText(text, "true");
+    if (engine == Engine::PostgreSql)
+        return QString::fromStdString(text);
     if (type != ftFloat && type != ftCurrency && type != ftBCD)
         if (const std::optional<std::int64_t> number = TryStrToInt64(text))
             return QVariant::fromValue<qlonglong>(*number);
@@ -79,12 +83,13 @@ std::string checkedValue(const TSQLParam& parameter, std::string_view text, cons
 }
 
 // The pattern tells whether the value stands alone or among other text, wildcards for example.
-QVariant boundValue(TSQLParam& parameter, const GivenParameter& given, const TSQLFormats& formats) {
+QVariant boundValue(TSQLParam& parameter, const GivenParameter& given, const TSQLFormats& formats,
+                    Engine engine) {
     const TFieldType type = parameter.GetDataType();
     const bool isChecked = IsCheckedType(type);
     parameter.Value = isChecked ? checkedValue(parameter, given.value, formats) : std::string(given.value);
     if (isChecked && !IsDateOrTime(type) && parameter.ValueFormat == "@v")
-        return numberOf(type, parameter.Value);
+        return numberOf(type, parameter.Value, engine);
     return decodeText(parameter.GetFullValue(), "The value of parameter " + std::string(given.name));
 }
 
@@ -133,13 +138,13 @@ void QueryParameters::checkNames(const std::vector<Entry>& used,
 }
 
 QVariantMap QueryParameters::bind(std::string_view sql, const std::vector<GivenParameter>& given,
-                                  const TSQLFormats& formats) const {
+                                  const TSQLFormats& formats, Engine engine) const {
     const std::vector<Entry> used = entriesIn(sql);
     checkNames(used, given);
     QVariantMap values;
     for (const Entry& entry : used)
         values.insert(QString::fromStdString(entry.parameter->Name),
-                      boundValue(*entry.parameter, *find(given, entry.name), formats));
+                      boundValue(*entry.parameter, *find(given, entry.name), formats, engine));
     return values;
 }
 

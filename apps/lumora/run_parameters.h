@@ -2,6 +2,7 @@
 #pragma once
 
 #include "model/sql_formats.h"
+#include "qtsql/engine.h"
 #include "query/query_result.h"
 
 #include <QString>
@@ -35,7 +36,7 @@ public:
     // name; EVQueryPanelError for a value that is none of the parameter's type, and for a name that no
     // strict statement takes.
     QVariantMap bind(std::string_view sql, const std::vector<GivenParameter>& given,
-                     const TSQLFormats& formats) const;
+                     const TSQLFormats& formats, Engine engine) const;
 
 private:
     struct Entry {
