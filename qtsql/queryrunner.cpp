@@ -22,22 +22,6 @@ namespace {
     throw DatabaseError(reasonOf(error));
 }
 
-// The connection may allow more than reading, and some drivers run several statements.
-void checkStatement(std::string_view sql) {
-    if (sql.find('\0') != std::string_view::npos) // an engine would take it for the end
-        throw DatabaseError(QStringLiteral("The statement holds a zero character"));
-    TVScanner scanner(sql);
-    const std::string_view word = scanner.Token().Text;
-    if (!SameText(word, "select") && !SameText(word, "with") && !SameText(word, "values"))
-        throw DatabaseError(QStringLiteral("The statement is no query"));
-    while (!scanner.AtEnd() && !scanner.Token().IsSymbol(';'))
-        scanner.Next();
-    while (scanner.Token().IsSymbol(';'))
-        scanner.Next();
-    if (!scanner.AtEnd())
-        throw DatabaseError(QStringLiteral("The text holds more than one statement"));
-}
-
 // A statement whose named placeholders have become "?", which every driver takes, and what stands for them.
 struct PositionalStatement {
     QString text;
@@ -72,6 +56,22 @@ QStringList columnNames(const QSqlRecord& record) {
 }
 
 } // namespace
+
+// The connection may allow more than reading, and some drivers run several statements.
+void checkStatement(std::string_view sql) {
+    if (sql.find('\0') != std::string_view::npos) // an engine would take it for the end
+        throw DatabaseError(QStringLiteral("The statement holds a zero character"));
+    TVScanner scanner(sql);
+    const std::string_view word = scanner.Token().Text;
+    if (!SameText(word, "select") && !SameText(word, "with") && !SameText(word, "values"))
+        throw DatabaseError(QStringLiteral("The statement is no query"));
+    while (!scanner.AtEnd() && !scanner.Token().IsSymbol(';'))
+        scanner.Next();
+    while (scanner.Token().IsSymbol(';'))
+        scanner.Next();
+    if (!scanner.AtEnd())
+        throw DatabaseError(QStringLiteral("The text holds more than one statement"));
+}
 
 qint64 runQuery(const QSqlDatabase& database, const QString& statement, const QVariantMap& parameters,
                 const RowReceiver& receiver, qint64 limit) {

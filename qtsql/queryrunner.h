@@ -9,8 +9,12 @@
 #include <QVariantMap>
 
 #include <functional>
+#include <string_view>
 
 namespace lumora {
+
+// DatabaseError when the text is not one statement that only reads, to all appearances.
+void checkStatement(std::string_view sql);
 
 // What takes the rows of a query, one after the other; none is kept.
 struct RowReceiver {

@@ -82,6 +82,7 @@ std::vector<Command> makeCommands() {
          "MODEL may be of any version.",
          {},
          printModel},
+        fillCommand(),
         {"sql",
          {"MODEL", "QUERY"},
          "build the SQL of a query",

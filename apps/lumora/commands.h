@@ -36,7 +36,8 @@ void checkStandardInput(const Command& command, const Arguments& arguments);
 // The options that every command with a query has; see QueryOptions.
 std::vector<OptionSpec> queryOptionSpecs();
 
-// The command "run" (run_command.cpp).
+// The commands of files of their own: fill_command.cpp, run_command.cpp.
+Command fillCommand();
 Command runCommand();
 
 } // namespace lumora::cli

@@ -1,6 +1,7 @@
 // The command "run": a query's rows from an SQLite file.
 
 #include "apps/lumora/commands.h"
+#include "apps/lumora/qt_application.h"
 #include "apps/lumora/query_session.h"
 #include "apps/lumora/row_output.h"
 #include "apps/lumora/run_parameters.h"
@@ -9,9 +10,6 @@
 #include "qtsql/databaseconnection.h"
 #include "qtsql/queryrunner.h"
 
-#include <QCoreApplication>
-
-#include <clocale>
 #include <cstdint>
 
 namespace lumora::cli {
@@ -49,19 +47,6 @@ struct RunOptions {
     std::vector<GivenParameter> parameters;
     RowFormat format = RowFormat::Table;
     std::int64_t limit = -1;
-};
-
-// Qt asks for an application object before it looks for its drivers, and gives it the command line and the
-// user's locale; we want neither.
-class QtApplication {
-public:
-    QtApplication() : application_(argumentCount_, arguments_) { std::setlocale(LC_ALL, "C"); }
-
-private:
-    int argumentCount_ = 1;
-    char name_[7] = "lumora";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_;
 };
 
 void printRows(const Arguments& arguments, Output& output) {

@@ -1,0 +1,49 @@
+// The command "fill": the data model of a database.
+
+#include "apps/lumora/commands.h"
+#include "apps/lumora/qt_application.h"
+#include "qtsql/modelfiller.h"
+
+#include <QFileInfo>
+
+namespace lumora::cli {
+
+namespace {
+
+// The model keeps the name of its database: the file's without its ending, or the server's.
+std::string nameOf(const DatabaseParameters& parameters) {
+    const QFileInfo file(parameters.databaseName);
+    return (file.completeBaseName().isEmpty() ? parameters.databaseName : file.completeBaseName())
+        .toStdString();
+}
+
+void printFilledModel(const Arguments& arguments, Output& output) {
+    const DatabaseParameters database = parseDatabase(arguments[0]);
+    const std::string name = nameOf(database);
+    const QtApplication application;
+    DatabaseSession session;
+    session.registerDatabase(name, database);
+    TVBDEInfo info;
+    info.SetDatabaseName(name);
+    offerForeignKeys(info, session);
+    TVDBStructure model;
+    fillModel(model, info, session);
+    TStringList lines;
+    model.SaveToStrings(lines);
+    output.write(lines.GetText());
+}
+
+} // namespace
+
+Command fillCommand() {
+    return {"fill",
+            {"DATABASE"},
+            "make a data model from a database",
+            "Writes a data model with the tables that DATABASE has, their columns, and links\n"
+            "for its foreign keys. DATABASE is an SQLite file or a URL,\n"
+            "postgresql://user@host:port/database; nothing in it is changed.",
+            {},
+            printFilledModel};
+}
+
+} // namespace lumora::cli
