@@ -155,13 +155,16 @@ void TVStoredQueryBase::DropOthersAt(const TVStoredQueryItem& item) {
     }
 }
 
+void TVStoredQueryBase::FailChanged(const TStoredQuery& known, const std::optional<std::string>& stamp) {
+    const TMessageId message = !stamp                ? msgQueryDeleted
+                               : known.Stamp.empty() ? msgQueryNotRead
+                                                     : msgQueryChanged;
+    throw EVQueryBaseError(qbeConflict, Message(message), {known.Name});
+}
+
 void TVStoredQueryBase::CheckUnchanged(const TStoredQuery& known, const std::optional<std::string>& stamp) {
-    if (!stamp)
-        throw EVQueryBaseError(qbeConflict, Message(msgQueryDeleted), {known.Name});
-    if (known.Stamp.empty())
-        throw EVQueryBaseError(qbeConflict, Message(msgQueryNotRead), {known.Name});
-    if (known.Stamp != *stamp)
-        throw EVQueryBaseError(qbeConflict, Message(msgQueryChanged), {known.Name});
+    if (known.Stamp.empty() || stamp != known.Stamp)
+        FailChanged(known, stamp);
 }
 
 void TVStoredQueryBase::FailExists(const std::string& name) {

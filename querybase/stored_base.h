@@ -77,6 +77,7 @@ protected:
     virtual void EraseStored(const TStoredQuery& query, bool force) = 0;
 
     // For storages: the conflicts. `stamp` is that of what is stored now, none when nothing is.
+    [[noreturn]] static void FailChanged(const TStoredQuery& known, const std::optional<std::string>& stamp);
     static void CheckUnchanged(const TStoredQuery& known, const std::optional<std::string>& stamp);
     [[noreturn]] static void FailExists(const std::string& name);
     [[noreturn]] static void FailMissing(const std::string& name);
