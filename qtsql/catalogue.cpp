@@ -26,11 +26,15 @@ TFieldType numericType(int precision, int scale) {
 QSqlQuery execute(const QSqlDatabase& database, const QString& statement, const QVariantList& values) {
     QSqlQuery query(database);
     query.setForwardOnly(true);
-    if (!query.prepare(statement))
-        throw DatabaseError(reasonOf(query.lastError()));
-    for (const QVariant& value : values)
-        query.addBindValue(value);
-    if (!query.exec())
+    bool done = false;
+    if (values.isEmpty()) { // not everything can be prepared
+        done = query.exec(statement);
+    } else if (query.prepare(statement)) {
+        for (const QVariant& value : values)
+            query.addBindValue(value);
+        done = query.exec();
+    }
+    if (!done)
         throw DatabaseError(reasonOf(query.lastError()));
     return query;
 }

@@ -243,10 +243,11 @@ void prepareModel(TVCustomDBStructure& model, Engine engine) {
     formats.SetDateTime("yyyy-mm-dd hh:nn:ss");
     formats.SetQuoteSymbol1('"');
     formats.SetQuoteSymbol2('"');
-    const bool hasBooleanLiterals = engine == Engine::Sqlite || engine == Engine::MySql; // true, false, 1, 0
     TQuotedTypes quoted = DefaultQuotedTypes + TQuotedTypes{ftGuid};
-    if (hasBooleanLiterals)
+    if (engine == Engine::Sqlite || engine == Engine::MySql) // true, false, 1 and 0 stand for themselves
         quoted = quoted - TQuotedTypes{ftBoolean};
+    if (engine == Engine::PostgreSql) // money compares with no number
+        quoted = quoted + TQuotedTypes{ftCurrency};
     model.SetQuotedTypes(quoted);
 }
 

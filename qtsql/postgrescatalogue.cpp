@@ -146,7 +146,7 @@ private:
                     " where c.relkind in ('r', 'v', 'm', 'f', 'p') and not c.relispartition"
                     " and (n.nspname !~ '^pg_' and n.nspname <> 'information_schema' or ?)"
                     " and has_schema_privilege(n.oid, 'usage') and has_any_column_privilege(c.oid, 'select')"
-                    " order by 4 desc, 2, lower(c.relname), 3"_s,
+                    " order by 4 desc, 2, lower(c.relname), c.relname <> lower(c.relname), 3"_s,
                     {systemTables});
         std::vector<Relation> relations;
         std::unordered_set<std::string> taken;

@@ -111,8 +111,11 @@ public:
     }
 
     std::vector<ColumnInfo> columns(const std::string& table) override {
-        QSqlQuery query = columnQuery(fromModelName(table));
+        const TableName name = fromModelName(table);
         std::vector<ColumnInfo> columns;
+        if (!hasSchema(name.schema))
+            return columns;
+        QSqlQuery query = columnQuery(name);
         while (nextRow(query))
             columns.push_back(describe(textOf(query, 0), textOf(query, 1)));
         return columns;
@@ -138,6 +141,13 @@ private:
     static QVariantList bind(const TableName& table) {
         return {QString::fromStdString(table.name),
                 table.schema.empty() ? u"main"_s : QString::fromStdString(table.schema)};
+    }
+
+    bool hasSchema(const std::string& name) const {
+        QSqlQuery query =
+            execute(database_, u"select 1 from pragma_database_list where name = ? collate nocase"_s,
+                    {name.empty() ? u"main"_s : QString::fromStdString(name)});
+        return nextRow(query);
     }
 
     QSqlQuery columnQuery(const TableName& table) const {

@@ -3,9 +3,9 @@
 
 # What the programs need; the tests and benchmarks need more.
 # shellcheck disable=SC2034
-PROGRAM_PACKAGES=(cmake ninja-build g++ ccache pkg-config qt6-base-dev libqt6sql6-sqlite python3)
+PROGRAM_PACKAGES=(cmake ninja-build g++ ccache pkg-config qt6-base-dev libqt6sql6-sqlite libqt6sql6-psql python3)
 # shellcheck disable=SC2034
-BUILD_PACKAGES=("${PROGRAM_PACKAGES[@]}" libgtest-dev libgmock-dev libbenchmark-dev)
+BUILD_PACKAGES=("${PROGRAM_PACKAGES[@]}" libgtest-dev libgmock-dev libbenchmark-dev postgresql)
 # shellcheck disable=SC2034
 FUZZ_PACKAGES=(cmake ninja-build ccache clang-14 libclang-rt-14-dev libstdc++-12-dev)
 
@@ -25,6 +25,15 @@ as_root() {
     fi
 }
 
+# The tests start a PostgreSQL server of their own; none is to run on this machine because we install the program.
+keep_postgresql_stopped() {
+    local settings=/etc/postgresql-common/createcluster.conf
+    if [ ! -e "$settings" ]; then
+        as_root mkdir -p "${settings%/*}"
+        echo 'create_main_cluster = false' | as_root tee "$settings" >/dev/null
+    fi
+}
+
 # Installs those of the given packages that are missing. Does nothing, and asks for nothing, when all are there.
 install_packages() {
     if ! command -v dpkg-query >/dev/null; then
@@ -39,6 +48,9 @@ install_packages() {
         return
     fi
     echo "== Installing ${missing[*]}"
+    case " ${missing[*]} " in
+    *' postgresql '*) keep_postgresql_stopped ;;
+    esac
     as_root apt-get update --quiet --quiet
     as_root env DEBIAN_FRONTEND=noninteractive \
         apt-get install --quiet --quiet --yes -o Dpkg::Use-Pty=0 --no-install-recommends "${missing[@]}"

@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# Builds with warnings as errors and runs all tests. LUMORA_TEST_PRESETS names the presets to do that with, one after
-# the other (default: release).
+# Builds with warnings as errors and runs all tests, on SQLite and on a PostgreSQL server that they start.
+# LUMORA_TEST_PRESETS names the presets to do that with, one after the other (default: release).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 # shellcheck source=scripts/packages.sh
 . scripts/packages.sh
 install_packages "${BUILD_PACKAGES[@]}"
+export LUMORA_REQUIRE_POSTGRES=1
 
 for preset in ${LUMORA_TEST_PRESETS:-release}; do
     echo "== Building ($preset)"
