@@ -56,6 +56,8 @@ public:
     bool GiveContent(TStringList& content);
     void Load();
     virtual void Save();
+    // A panel could not read the text that LoadContent gave, and does not show this query.
+    virtual void ContentRefused() {}
 
 private:
     friend class TVQueryBase;

@@ -19,12 +19,16 @@ void TVStoredQueryItem::LoadContent(TStringList& content) {
     content.Clear();
     if (!stored_)
         return;
-    // Panels keep another query when this one cannot be read; it must not be saved over this one.
     TStoredQuery query = *stored_;
-    stored_->Stamp.clear();
+    ContentRefused(); // until it is read
     base.ReadStored(query, content);
     stored_ = query;
     SetDescription(query.Description);
+}
+
+void TVStoredQueryItem::ContentRefused() {
+    if (stored_)
+        stored_->Stamp.clear();
 }
 
 void TVStoredQueryItem::Store(const TStringList& content, bool force) {

@@ -33,6 +33,8 @@ public:
     // Stores the text of the panels; qbeNoText when none has any.
     void Save() override { SavePanels(false); }
     void ForceSave() { SavePanels(true); }
+    // What a panel shows instead is not saved over this query, unless by force.
+    void ContentRefused() override;
 
     bool IsStored() const { return stored_.has_value(); }
 

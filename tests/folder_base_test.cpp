@@ -220,6 +220,16 @@ TEST_F(FolderBase, WhatCannotBeReadIsNotOverwritten) {
     Put("b.qry", TextOf("b"));
     EXPECT_EQ(ConflictOf([&] { Item(Ann, "b").SaveContent(content); }),
               "Query \"b\" could not be read before, so it is not overwritten");
+    // A panel that stumbles over the text shows only a part of it.
+    Put("b.qry", TextOf("b") + "[Row]\nRowType=1\nRowCount=many\n");
+    TShop shop;
+    shop.Panel.SetQueryBase(&Bob);
+    Bob.Open();
+    EXPECT_THROW(Bob.SetItemIndex(1), EConvertError);
+    EXPECT_NE(ConflictOf([&] { Bob.GetCurrentQuery()->Save(); }), "");
+    Item(Bob, "b").ForceSave();
+    EXPECT_EQ(Get("b.qry").find("many"), std::string::npos);
+
     fs::remove(Folder / "a.qry");
     EXPECT_EQ(MessageOf<EVQueryBaseError>([&] { Item(Ann, "a").LoadContent(content); }),
               "There is no query \"a\"");
