@@ -1,7 +1,7 @@
 #include "apps/lumora/row_output.h"
 
 #include "apps/lumora/arguments.h"
-#include "apps/lumora/cell_text.h"
+#include "qtsql/celltext.h"
 #include "apps/lumora/text_width.h"
 
 #include <QSet>
@@ -130,40 +130,25 @@ public:
     explicit CsvWriter(Output& output) : output_(output) {}
 
     void columns(const QSqlRecord& columns) override {
-        line_.clear();
+        QList<QVariant> names;
         for (int i = 0; i < columns.count(); ++i)
-            append(columns.fieldName(i), i > 0);
-        output_.write(line_ += '\n');
+            names.append(columns.fieldName(i));
+        row(names);
     }
 
-    // NULL is an empty field, an empty text an empty field in quotes.
     void row(const QList<QVariant>& values) override {
         line_.clear();
-        for (qsizetype i = 0; i < values.size(); ++i)
-            if (!values[i].isNull())
-                append(values[i], i > 0);
-            else if (i > 0)
+        for (qsizetype i = 0; i < values.size(); ++i) {
+            if (i > 0)
                 line_ += ',';
+            appendCsvField(line_, values[i]);
+        }
         output_.write(line_ += '\n');
     }
 
     void finish() override {}
 
 private:
-    void append(const QVariant& value, bool comma) {
-        if (comma)
-            line_ += ',';
-        const std::size_t start = line_.size();
-        appendCell(line_, value);
-        if (line_.size() > start && line_.find_first_of(",\"\r\n", start) == std::string::npos)
-            return;
-        const std::string field = line_.substr(start);
-        line_.replace(start, std::string::npos, 1, '"');
-        for (const char c : field)
-            line_.append(c == '"' ? 2 : 1, c);
-        line_ += '"';
-    }
-
     Output& output_;
     std::string line_;
 };

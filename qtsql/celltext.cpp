@@ -1,4 +1,4 @@
-#include "apps/lumora/cell_text.h"
+#include "qtsql/celltext.h"
 
 #include "platform/convert.h"
 
@@ -10,7 +10,7 @@
 #include <cmath>
 #include <string_view>
 
-namespace lumora::cli {
+namespace lumora {
 
 namespace {
 
@@ -167,4 +167,18 @@ void appendJson(std::string& line, const QVariant& value, bool mayBeDecimal) {
         appendJsonString(line, text);
 }
 
-} // namespace lumora::cli
+void appendCsvField(std::string& line, const QVariant& value) {
+    if (value.isNull())
+        return;
+    const std::size_t start = line.size();
+    appendCell(line, value);
+    if (line.size() > start && line.find_first_of(",\"\r\n", start) == std::string::npos)
+        return;
+    const std::string field = line.substr(start);
+    line.replace(start, std::string::npos, 1, '"');
+    for (const char c : field)
+        line.append(c == '"' ? 2 : 1, c);
+    line += '"';
+}
+
+} // namespace lumora

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace lumora::cli {
+namespace lumora {
 
 bool isNumber(const QVariant& value);
 // Whether the value is a decimal number that came as text, digit by digit.
@@ -24,7 +24,10 @@ void appendCell(std::string& line, const QVariant& value);
 // `mayBeDecimal`.
 void appendJson(std::string& line, const QVariant& value, bool mayBeDecimal);
 
+// Adds a field of a CSV line (RFC 4180) to it. NULL is nothing, an empty text is nothing in quotes.
+void appendCsvField(std::string& line, const QVariant& value);
+
 // The UTF-8 text between double quotes, as JSON has it.
 void appendJsonString(std::string& line, std::string_view text);
 
-} // namespace lumora::cli
+} // namespace lumora
