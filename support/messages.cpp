@@ -56,6 +56,15 @@ std::vector<TMessageRecord>& Records() {
         {msgNoQueryBase, "", "Query \"%s\" does not belong to a query base"},
         {msgCantBeKept, "", "\"%s\" can not be kept in a query"},
         {msgOtherJoin, "", "\"%s\" is not joined as the data model joins it"},
+        {msgQueryChanged, "", "Query \"%s\" was changed by someone else since it was read"},
+        {msgQueryDeleted, "", "Query \"%s\" was deleted by someone else"},
+        {msgQueryExists, "", "There is a query \"%s\" already"},
+        {msgQueryNotRead, "", "Query \"%s\" could not be read before, so it is not overwritten"},
+        {msgNoSuchQuery, "", "There is no query \"%s\""},
+        {msgNoQueryText, "", "No panel gives the text of query \"%s\""},
+        {msgNoQueryName, "", "A query needs a name"},
+        {msgQueryNameTooLong, "", "The name \"%s\" is too long for a query"},
+        {msgNewQueryName, "", "Query %d"},
     };
     return records;
 }

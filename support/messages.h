@@ -50,7 +50,16 @@ enum TMessageId : int {
     msgTooDeep,
     msgNoQueryBase,
     msgCantBeKept,
-    msgOtherJoin
+    msgOtherJoin,
+    msgQueryChanged,
+    msgQueryDeleted,
+    msgQueryExists,
+    msgQueryNotRead,
+    msgNoSuchQuery,
+    msgNoQueryText,
+    msgNoQueryName,
+    msgQueryNameTooLong,
+    msgNewQueryName
 };
 
 // The text of a message; a reference that is valid until the message is set.

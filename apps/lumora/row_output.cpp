@@ -1,5 +1,6 @@
 #include "apps/lumora/row_output.h"
 
+#include "apps/lumora/arguments.h"
 #include "apps/lumora/cell_text.h"
 #include "apps/lumora/text_width.h"
 
@@ -170,6 +171,16 @@ private:
 };
 
 } // namespace
+
+RowFormat parseRowFormat(std::string_view text) {
+    if (text == "table")
+        return RowFormat::Table;
+    if (text == "csv")
+        return RowFormat::Csv;
+    if (text == "json")
+        return RowFormat::Json;
+    throw UsageError("Option --format does not know \"" + std::string(text) + "\", only table, csv, json");
+}
 
 std::unique_ptr<RowWriter> makeRowWriter(RowFormat format, Output& output) {
     switch (format) {

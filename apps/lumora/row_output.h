@@ -15,6 +15,9 @@ namespace lumora::cli {
 
 enum class RowFormat : std::uint8_t { Table, Csv, Json };
 
+// The value of the option --format; UsageError when there is no such format.
+RowFormat parseRowFormat(std::string_view text);
+
 class RowWriter {
 public:
     virtual ~RowWriter() = default;

@@ -16,16 +16,6 @@ namespace lumora::cli {
 
 namespace {
 
-RowFormat parseFormat(std::string_view text) {
-    if (text == "table")
-        return RowFormat::Table;
-    if (text == "csv")
-        return RowFormat::Csv;
-    if (text == "json")
-        return RowFormat::Json;
-    throw UsageError("Option --format does not know \"" + std::string(text) + "\", only table, csv, json");
-}
-
 std::int64_t parseLimit(const std::string& text) {
     const std::optional<std::int64_t> limit = TryStrToInt64(text);
     if (text.find_first_not_of("0123456789") != std::string::npos || !limit)
@@ -38,7 +28,7 @@ struct RunOptions {
         : query(arguments), parameters(parseParameters(arguments.values("--param"))) {
         query.strict = true;
         if (const std::string* const name = arguments.value("--format"))
-            format = parseFormat(*name);
+            format = parseRowFormat(*name);
         if (const std::string* const text = arguments.value("--limit"))
             limit = parseLimit(*text);
     }
