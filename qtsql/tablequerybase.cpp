@@ -22,12 +22,16 @@ const QString updateStatement =
     u"update %1 set name = ?, description = ?, content = ?, version = ?, changed = ? where name = ?"_s;
 constexpr std::string_view columnNames[] = {"name", "description", "content", "version", "changed"};
 
+// MySQL takes double quotes only when told to; other drivers would split a name at its dots.
+QString quoted(const QSqlDatabase& database, const std::string& name) {
+    return engineOf(database) == Engine::MySql
+               ? database.driver()->escapeIdentifier(QString::fromStdString(name), QSqlDriver::TableName)
+               : QString::fromStdString(quotedName(name));
+}
+
 QString quoted(const QSqlDatabase& database, const TableName& table) {
-    const auto quotedPart = [&](const std::string& part) {
-        return database.driver()->escapeIdentifier(QString::fromStdString(part), QSqlDriver::FieldName);
-    };
-    return table.schema.empty() ? quotedPart(table.name)
-                                : quotedPart(table.schema) + '.'_L1 + quotedPart(table.name);
+    const QString name = quoted(database, table.name);
+    return table.schema.empty() ? name : quoted(database, table.schema) + '.'_L1 + name;
 }
 
 // Databases keep characters, and would keep something else instead of what is none.

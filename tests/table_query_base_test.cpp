@@ -24,7 +24,8 @@ namespace {
 
 using Access = DatabaseConnection::Access;
 
-// Where the databases of a test come from: the parameters with which everybody connects.
+// Where the database of a test comes from: the parameters with which everybody connects. It may be one that
+// other tests have used; they leave nothing in it.
 struct Source {
     const char* name;
     DatabaseParameters (*make)(const TemporaryFolder& folder);
@@ -65,6 +66,12 @@ class TableBase : public testing::TestWithParam<Source> {
 protected:
     explicit TableBase(const QString& table = TableQueryBase::defaultTable)
         : parameters(GetParam().make(folder)), ann(parameters, table), bob(parameters, table) {}
+
+    void TearDown() override {
+        for (const char* const table : {"lumora_queries", "odd", "\"odd; \"\"name\"\".x\""})
+            execute(ann.database.connection(),
+                    QStringLiteral("drop table if exists %1").arg(QLatin1StringView(table)));
+    }
 
     std::string storedText(const QString& name) {
         QSqlQuery rows = execute(ann.database.connection(),
@@ -203,8 +210,6 @@ TEST_P(TableBase, LostConnectionsAndOddTablesAreTold) {
     const std::string message = "The table \"odd\" is not made for queries: it has no column \"description\"";
     EXPECT_EQ(MessageOf<DatabaseError>([&] { odd.Open(); }), message);
     EXPECT_EQ(MessageOf<DatabaseError>([&] { odd.AddQuery("q", mine); }), message);
-    execute(bob.database.connection(), QStringLiteral("drop table odd"));
-
     TableQueryBase quoted(bob.database.connection(), QStringLiteral("\"odd; \"\"name\"\".x\""));
     quoted.AddQuery("q", mine);
     quoted.Open();
@@ -226,5 +231,5 @@ TEST_P(TableBase, ListsWithoutWriting) {
     EXPECT_EQ(none.GetCount(), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sqlite, TableBase, testing::Values(Source{"SQLite", sqliteFile}),
+INSTANTIATE_TEST_SUITE_P(Databases, TableBase, testing::Values(Source{"SQLite", sqliteFile}),
                          [](const auto& source) { return source.param.name; });
