@@ -56,6 +56,8 @@ std::vector<TMessageRecord>& Records() {
         {msgNoQueryBase, "", "Query \"%s\" does not belong to a query base"},
         {msgCantBeKept, "", "\"%s\" can not be kept in a query"},
         {msgOtherJoin, "", "\"%s\" is not joined as the data model joins it"},
+        {msgNoDataSet, "", "DataSet is not specified"},
+        {msgDataSetNotOpened, "", "DataSet is not opened"},
     };
     return records;
 }

@@ -50,7 +50,9 @@ enum TMessageId : int {
     msgTooDeep,
     msgNoQueryBase,
     msgCantBeKept,
-    msgOtherJoin
+    msgOtherJoin,
+    msgNoDataSet,
+    msgDataSetNotOpened
 };
 
 // The text of a message; a reference that is valid until the message is set.
