@@ -52,6 +52,9 @@ void TFilterExpression::Bind(std::span<const TFilterColumn> columns) {
         BindComparison(comparison, columns);
     }
     bound_ = std::move(bound);
+    std::sort(places.begin(), places.end());
+    places.erase(std::unique(places.begin(), places.end()), places.end());
+    places_ = std::move(places);
     isBound_ = true;
 }
 

@@ -131,6 +131,9 @@ public:
     // bound as before.
     void Bind(std::span<const TFilterColumn> columns);
 
+    // The columns that a bound filter reads, by their indexes, each once.
+    const std::vector<int>& BoundColumns() const { return places_; }
+
     // Of a row. EFilterError when the filter has columns and is not bound.
     TFilterTruth Evaluate(const TFilterValueSource& row) const;
     bool Accepts(const TFilterValueSource& row) const { return Evaluate(row) == ftrTrue; }
@@ -151,6 +154,7 @@ private:
     TFilterOptions options_;
     detail::TFilterProgram program_;
     std::vector<detail::TFilterComparison> bound_;
+    std::vector<int> places_;
     bool isBound_ = true;
     mutable std::vector<TFilterTruth> stack_;
 };
