@@ -51,6 +51,7 @@ enum TMessageId : int {
     msgNoQueryBase,
     msgCantBeKept,
     msgOtherJoin,
+<<<<<<< HEAD
     msgQueryChanged,
     msgQueryDeleted,
     msgQueryExists,
@@ -60,6 +61,10 @@ enum TMessageId : int {
     msgNoQueryName,
     msgQueryNameTooLong,
     msgNewQueryName
+=======
+    msgNoDataSet,
+    msgDataSetNotOpened
+>>>>>>> wt-core
 };
 
 // The text of a message; a reference that is valid until the message is set.
