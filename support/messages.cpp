@@ -56,7 +56,6 @@ std::vector<TMessageRecord>& Records() {
         {msgNoQueryBase, "", "Query \"%s\" does not belong to a query base"},
         {msgCantBeKept, "", "\"%s\" can not be kept in a query"},
         {msgOtherJoin, "", "\"%s\" is not joined as the data model joins it"},
-<<<<<<< HEAD
         {msgQueryChanged, "", "Query \"%s\" was changed by someone else since it was read"},
         {msgQueryDeleted, "", "Query \"%s\" was deleted by someone else"},
         {msgQueryExists, "", "There is a query \"%s\" already"},
@@ -66,10 +65,8 @@ std::vector<TMessageRecord>& Records() {
         {msgNoQueryName, "", "A query needs a name"},
         {msgQueryNameTooLong, "", "The name \"%s\" is too long for a query"},
         {msgNewQueryName, "", "Query %d"},
-=======
         {msgNoDataSet, "", "DataSet is not specified"},
         {msgDataSetNotOpened, "", "DataSet is not opened"},
->>>>>>> wt-core
     };
     return records;
 }

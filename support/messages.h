@@ -51,7 +51,6 @@ enum TMessageId : int {
     msgNoQueryBase,
     msgCantBeKept,
     msgOtherJoin,
-<<<<<<< HEAD
     msgQueryChanged,
     msgQueryDeleted,
     msgQueryExists,
@@ -60,11 +59,9 @@ enum TMessageId : int {
     msgNoQueryText,
     msgNoQueryName,
     msgQueryNameTooLong,
-    msgNewQueryName
-=======
+    msgNewQueryName,
     msgNoDataSet,
     msgDataSetNotOpened
->>>>>>> wt-core
 };
 
 // The text of a message; a reference that is valid until the message is set.
