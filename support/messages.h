@@ -59,7 +59,9 @@ enum TMessageId : int {
     msgNoQueryText,
     msgNoQueryName,
     msgQueryNameTooLong,
-    msgNewQueryName
+    msgNewQueryName,
+    msgNoDataSet,
+    msgDataSetNotOpened
 };
 
 // The text of a message; a reference that is valid until the message is set.

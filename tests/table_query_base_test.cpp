@@ -6,6 +6,7 @@
 #include "qtsql/databaseerror.h"
 #include "tests/cli_process.h"
 #include "tests/message_of.h"
+#include "tests/postgres_server.h"
 
 #include <gtest/gtest.h>
 
@@ -24,21 +25,9 @@ namespace {
 
 using Access = DatabaseConnection::Access;
 
-// Where the database of a test comes from: the parameters with which everybody connects. It may be one that
-// other tests have used; they leave nothing in it.
-struct Source {
-    const char* name;
-    DatabaseParameters (*make)(const TemporaryFolder& folder);
-};
-
-DatabaseParameters sqliteFile(const TemporaryFolder& folder) {
-    return parseDatabase(folder / "queries.sqlite");
-}
-
-// What a query base, too, is made of, and the way to it.
 struct Person {
-    explicit Person(const DatabaseParameters& parameters, const QString& table)
-        : database(parameters, Access::Create), base(database.connection(), table) {}
+    explicit Person(const DatabaseParameters& parameters)
+        : database(parameters, Access::Create), base(database.connection()) {}
 
     TVStoredQueryItem& item(std::string_view name) {
         return dynamic_cast<TVStoredQueryItem&>(*base.GetQuery(base.IndexByName(name)));
@@ -62,15 +51,24 @@ TStringList textOf(const std::string& description) {
     return TStringList("[Main]\nQueryName=x\nVersion=3.5\n\n[Description]\n" + description + "\n\n");
 }
 
-class TableBase : public testing::TestWithParam<Source> {
+// Two people who look at one table. The parameter names the engine.
+class TableBase : public testing::TestWithParam<const char*> {
 protected:
-    explicit TableBase(const QString& table = TableQueryBase::defaultTable)
-        : parameters(GetParam().make(folder)), ann(parameters, table), bob(parameters, table) {}
+    void SetUp() override {
+        if (isPostgres() && !PostgresServer::get())
+            GTEST_SKIP() << PostgresServer::notInstalled;
+    }
 
     void TearDown() override {
         for (const char* const table : {"lumora_queries", "odd", "\"odd; \"\"name\"\".x\""})
             execute(ann.database.connection(),
                     QStringLiteral("drop table if exists %1").arg(QLatin1StringView(table)));
+    }
+
+    static bool isPostgres() { return GetParam() == std::string("PostgreSql"); }
+    std::string database() const {
+        return isPostgres() && PostgresServer::get() ? PostgresServer::get()->url()
+                                                     : folder / "queries.sqlite";
     }
 
     std::string storedText(const QString& name) {
@@ -87,8 +85,8 @@ private:
 
 protected:
     TemporaryFolder folder;
-    DatabaseParameters parameters;
-    Person ann, bob;
+    DatabaseParameters parameters = parseDatabase(database());
+    Person ann{parameters}, bob{parameters};
 };
 
 } // namespace
@@ -175,7 +173,7 @@ TEST_P(TableBase, OfThoseWhoSaveAtOnceOneWins) {
         std::vector<std::thread> threads;
         for (int i = 0; i < people; ++i)
             threads.emplace_back([&, i] {
-                Person person(parameters, TableQueryBase::defaultTable);
+                Person person(parameters);
                 person.base.Open();
                 const TStringList text = textOf(fresh + "/" + std::to_string(i));
                 everybodyRead.arrive_and_wait();
@@ -195,7 +193,13 @@ TEST_P(TableBase, LostConnectionsAndOddTablesAreTold) {
     ann.base.Open();
     ann.base.AddQuery("q", textOf("old"));
     const TStringList mine = textOf("mine");
-    ann.database.connection().close();
+    if (isPostgres())
+        execute(bob.database.connection(),
+                QStringLiteral("select pg_terminate_backend(pid) from pg_stat_activity"
+                               " where usename = current_user and pid <> pg_backend_pid()"));
+    else
+        ann.database.connection().close();
+    EXPECT_THROW(ann.item("q").SaveContent(mine), DatabaseError);
     EXPECT_EQ(MessageOf<DatabaseError>([&] { ann.item("q").SaveContent(mine); }),
               "The connection to the database is not open");
     EXPECT_THROW(ann.base.EraseQuery(0), DatabaseError);
@@ -231,5 +235,5 @@ TEST_P(TableBase, ListsWithoutWriting) {
     EXPECT_EQ(none.GetCount(), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Databases, TableBase, testing::Values(Source{"SQLite", sqliteFile}),
-                         [](const auto& source) { return source.param.name; });
+INSTANTIATE_TEST_SUITE_P(Databases, TableBase, testing::Values("Sqlite", "PostgreSql"),
+                         [](const auto& engine) { return std::string(engine.param); });
