@@ -195,7 +195,8 @@ TDSFieldList ResultColumnsModel::tellingFields(const TVCustomDBStructure& model,
     TDSFieldList telling;
     for (int i = 0; i < model.GetFieldCount() && telling.size() < enough; ++i) {
         TDSField& field = *model.GetField(i);
-        if (field.GetTable() == &table && !isKey(field) && field.FieldType != ftBlob && field.FieldType != ftGraphic)
+        if (field.GetTable() == &table && !isKey(field) && field.FieldType != ftBlob &&
+            field.FieldType != ftGraphic)
             telling.push_back(&field);
     }
     for (int i = 0; i < model.GetFieldCount() && telling.empty(); ++i) // a table of keys
@@ -223,9 +224,11 @@ QVariant ResultColumnsModel::data(const QModelIndex& index, int role) const {
     if (!isThere(row))
         return {};
     if (role == Qt::ToolTipRole && index.column() != Sorting) {
-        const TDSField* const first = field(row).GetFields().empty() ? nullptr : field(row).GetFields().front();
-        const QString table =
-            first && first->GetTable() ? QString::fromStdString(first->GetTable()->GetDisplayName()) : QString();
+        const TDSField* const first =
+            field(row).GetFields().empty() ? nullptr : field(row).GetFields().front();
+        const QString table = first && first->GetTable()
+                                  ? QString::fromStdString(first->GetTable()->GetDisplayName())
+                                  : QString();
         return table.isEmpty() ? formulaText(row) : tr("%1 of %2").arg(formulaText(row), table);
     }
     const bool display = role == Qt::DisplayRole;

@@ -7,6 +7,7 @@
 #include "qtsql/queryparameters.h"
 #include "querybase/stored_text.h"
 
+#include <QRegularExpression>
 #include <QScopedValueRollback>
 
 #include <algorithm>
@@ -15,7 +16,9 @@ namespace lumora::desk {
 
 struct DeskDocument::Source {
     explicit Source(OpenedDatabase opened)
-        : request(std::move(opened.request)), model(std::move(opened.model)), provider(request.database),
+        : request(std::move(opened.request)),
+          model(std::move(opened.model)),
+          provider(request.database),
           queries(request) {
         provider.serve(*model);
     }
@@ -29,9 +32,7 @@ struct DeskDocument::Source {
 // Hears of changes in the panel.
 class DeskDocument::Listener : public TVQueryPanelLink {
 public:
-    explicit Listener(DeskDocument& document) : document_(document) {
-        SetQueryPanel(document.panel_.get());
-    }
+    explicit Listener(DeskDocument& document) : document_(document) { SetQueryPanel(document.panel_.get()); }
     void QueryPanelChanged() override { document_.panelChanged(); }
 
 private:
@@ -39,7 +40,8 @@ private:
 };
 
 DeskDocument::DeskDocument(QObject* parent)
-    : QObject(parent), panel_(std::make_unique<TVQueryPanel>()),
+    : QObject(parent),
+      panel_(std::make_unique<TVQueryPanel>()),
       listener_(std::make_unique<Listener>(*this)) {}
 
 DeskDocument::~DeskDocument() {
@@ -253,8 +255,7 @@ QString DeskDocument::freeName(const QString& name) const {
 void DeskDocument::duplicate(int index) {
     TStringList content;
     item(index).LoadContent(content);
-    const std::string name =
-        freeName(QString::fromStdString(item(index).GetQueryName())).toStdString();
+    const std::string name = freeName(QString::fromStdString(item(index).GetQueryName())).toStdString();
     PutQueryName(content, name);
     selectQuery(queries()->AddQuery(name, content));
 }
@@ -438,6 +439,8 @@ Statement DeskDocument::statement(const std::vector<ParameterValue>& values) {
 
 QString sentence(const std::exception& error) {
     QString text = QString::fromUtf8(error.what()).trimmed();
+    static const QRegularExpression lineNumber(QStringLiteral("\\s*\\n\\s*Line:\\s*(\\d+)$"));
+    text.replace(lineNumber, DeskDocument::tr(" (line %1)").arg(QStringLiteral("\\1")));
     const auto* const panelError = dynamic_cast<const EVQueryPanelError*>(&error);
     const int code = panelError ? panelError->Code : 0;
     if (code == qpeNoEnoughInfo || code == qpeQueryWasNotBuilt)

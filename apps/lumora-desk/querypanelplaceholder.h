@@ -30,7 +30,8 @@ private:
     void PlaceAllRows() override { showRows(); }
     void RepaintRow(TFilterRow&) override { showRows(); }
     void showRows() {
-        setPlainText(panel_ && panel_->GetDbStruct() ? QString::fromStdString(panel_->GetQueryText()) : QString());
+        setPlainText(panel_ && panel_->GetDbStruct() ? QString::fromStdString(panel_->GetQueryText())
+                                                     : QString());
     }
 
     TVQueryPanel* panel_ = nullptr;
