@@ -139,24 +139,6 @@ bool endsALine(const std::string& output) {
     return !output.empty() && output.back() == '\n';
 }
 
-int peakMegabytes(const Words& command) {
-    const pid_t child = fork();
-    if (child == 0) {
-        dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
-        std::vector<char*> arguments;
-        for (const std::string& word : command)
-            arguments.push_back(const_cast<char*>(word.c_str()));
-        arguments.push_back(nullptr);
-        execv(arguments[0], arguments.data());
-        _exit(127);
-    }
-    rusage usage = {};
-    int status = -1;
-    wait4(child, &status, 0, &usage);
-    EXPECT_EQ(status, 0);
-    return static_cast<int>(usage.ru_maxrss / 1024);
-}
-
 // --- Rows as they come.
 
 TEST_F(SqliteRun, TableSettlesItsWidths) {
@@ -180,6 +162,24 @@ TEST_F(SqliteRun, TableSettlesItsWidths) {
 }
 
 #ifndef __SANITIZE_ADDRESS__ // which keeps what was freed
+
+int peakMegabytes(const Words& command) {
+    const pid_t child = fork();
+    if (child == 0) {
+        dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
+        std::vector<char*> arguments;
+        for (const std::string& word : command)
+            arguments.push_back(const_cast<char*>(word.c_str()));
+        arguments.push_back(nullptr);
+        execv(arguments[0], arguments.data());
+        _exit(127);
+    }
+    rusage usage = {};
+    int status = -1;
+    wait4(child, &status, 0, &usage);
+    EXPECT_EQ(status, 0);
+    return static_cast<int>(usage.ru_maxrss / 1024);
+}
 
 // 100 MB.
 TEST_F(SqliteRun, MemoryStaysFlat) {
