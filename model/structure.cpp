@@ -524,7 +524,8 @@ std::span<const TPropertyInfo> TVDBStructure::PublishedProperties() const {
         using TThis = TVDBStructure;
         return ExtendProperties(
             TComponent::PublishedProperties(),
-            {Property<TVCustomDBStructure>("StoreStruct", &TThis::GetStoreStruct, &TThis::SetStoreStruct, true),
+            {Property<TVCustomDBStructure>("StoreStruct", &TThis::GetStoreStruct, &TThis::SetStoreStruct,
+                                           true),
              Property<TVCustomDBStructure>("AutoAddFields", &TThis::GetAutoAddFields,
                                            &TThis::SetAutoAddFields, true),
              ObjectProperty<TVCustomDBStructure, TSQLFormats>("SQLFormats", &TThis::GetSQLFormats),

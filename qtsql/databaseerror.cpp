@@ -1,5 +1,6 @@
 #include "qtsql/databaseerror.h"
 
+#include <QRegularExpression>
 #include <QStringList>
 
 namespace lumora {
@@ -36,12 +37,10 @@ QString postgresReason(const QString& text) {
     return reason;
 }
 
-// Where the driver puts the code when it is no connection that failed.
+// The driver adds the code, if there is one, when it is no connection that failed.
 QString withoutCode(const QString& text) {
-    const qsizetype line = text.lastIndexOf('\n'_L1);
-    const bool isCode =
-        line >= 0 && text.size() == line + 8 && text.endsWith(')'_L1) && text[line + 1] == '('_L1;
-    return isCode ? text.left(line) : text;
+    static const QRegularExpression code(u"\\n\\((\\w{5})?\\)$"_s);
+    return QString(text).remove(code);
 }
 
 } // namespace

@@ -12,6 +12,8 @@ namespace lumora::cli {
 
 namespace {
 
+constexpr std::size_t echo = 2; // how much "^C" takes, which the terminal adds
+
 bool isSameTerminal(int one, int other) {
     struct stat first = {};
     struct stat second = {};
@@ -22,7 +24,7 @@ bool isSameTerminal(int one, int other) {
 // A line that wraps could not be wiped.
 std::size_t terminalWidth() {
     winsize size = {};
-    const bool known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    const bool known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1 + echo;
     return known ? size.ws_col : 80u;
 }
 
@@ -47,7 +49,7 @@ void Progress::update() {
     text.append(rows == 1 ? " row, " : " rows, ").append(grouped(seconds)).append(" s - Ctrl-C cancels");
     const std::lock_guard lock(mutex_);
     if (shows_)
-        replace(std::string_view(text).substr(0, terminalWidth() - 1));
+        replace(std::string_view(text).substr(0, terminalWidth() - 1 - echo));
 }
 
 void Progress::end() {
@@ -62,12 +64,12 @@ void Progress::outputBegins() {
         end();
 }
 
-// Blanks over what was longer, then back to the first column when nothing is left.
+// Blanks over what was longer, and then back to the first column when nothing is left.
 void Progress::replace(std::string_view text) {
     std::string line = '\r' + std::string(text);
     line.append(width_ > text.size() ? width_ - text.size() : 0, ' ');
     if (text.empty())
-        line += '\r';
+        line.append(echo, ' ') += '\r';
     std::fwrite(line.data(), 1, line.size(), stderr);
     width_ = text.size();
 }
