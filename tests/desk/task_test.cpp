@@ -132,7 +132,7 @@ TEST_F(Tasks, ATaskThatGoesAwayLeavesNothingRunning) {
 }
 
 TEST_F(Tasks, ErrorsAreTheEnginesWords) {
-    task.start(statement("select nothing from nowhere"));
+    task.start(statement("select name from nowhere"));
     ASSERT_TRUE(record.wait());
     ASSERT_EQ(record.failed.size(), 1);
     EXPECT_TRUE(record.failed[0][0].toString().contains("nowhere")) << record.failed[0][0].toString().toStdString();

@@ -66,6 +66,8 @@ protected:
     }
 
     void run() {
+        window.activateWindow(); // shortcuts are for the active window
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
         QTest::keyClick(&window, Qt::Key_F5);
         EXPECT_TRUE(QTest::qWaitFor([this] { return !window.result().isBusy(); }, 10'000));
     }
