@@ -1,5 +1,8 @@
 // The panel's rows: adding, numbering, the current row, and what happens to them when the model changes.
 #include "panel/Vquerpnl.h"
+#include "panel/screen_words.h"
+
+#include <algorithm>
 
 namespace lumora {
 
@@ -117,6 +120,7 @@ void TVQueryPanel::SetCurrentRow(TFilterRow* row) {
         return;
     TFilterRow* const old = currentRow_;
     currentRow_ = row;
+    keyboard_.RowChanged();
     if (old && row && !old->IsDestroying() && !row->IsDestroying()) {
         view_->RepaintRow(*old);
         view_->RepaintRow(*row);
@@ -131,25 +135,76 @@ TFilterBracket* TVQueryPanel::GetCurrentBracket() const {
     return currentRow_ ? currentRow_->GetParent() : nullptr;
 }
 
-void TVQueryPanel::IncCurRow() {
-    TFilterRow* const last = GetLastRow();
-    if (last && GetCurrentRowNum() < last->GetRowNum())
-        SetCurrentRowNum(GetCurrentRowNum() + 1);
+void TVQueryPanel::StepCurRow(int by) {
+    TFilterRow* row = currentRow_;
+    if (row) {
+        do
+            row = GetRowByNum(row->GetRowNum() + by);
+        while (row && !IsRowVisible(*this, *row));
+    }
+    if (row)
+        SetCurrentRow(row);
     movedByKeyboard_ = true;
 }
 
+void TVQueryPanel::IncCurRow() {
+    StepCurRow(1);
+}
+
 void TVQueryPanel::DecCurRow() {
-    if (GetCurrentRowNum() >= 1)
-        SetCurrentRowNum(GetCurrentRowNum() - 1);
-    movedByKeyboard_ = true;
+    StepCurRow(-1);
+}
+
+void TVQueryPanel::MoveCurRow(TRowTarget target) {
+    if (currentRow_ && MoveRow(*this, *currentRow_, target))
+        view_->RepaintRow(*currentRow_);
+}
+
+void TVQueryPanel::MoveCurRowUp() {
+    if (currentRow_)
+        MoveCurRow(TargetUp(*currentRow_));
+}
+
+void TVQueryPanel::MoveCurRowDown() {
+    if (currentRow_)
+        MoveCurRow(TargetDown(*currentRow_));
+}
+
+void TVQueryPanel::MoveCurRowLeft() {
+    if (currentRow_)
+        MoveCurRow(TargetLeft(*currentRow_));
+}
+
+void TVQueryPanel::MoveCurRowRight() {
+    if (currentRow_)
+        MoveCurRow(TargetRight(*currentRow_));
+}
+
+void TVQueryPanel::DeleteCurRow() {
+    if (currentRow_ && currentRow_->GetParent())
+        currentRow_->GetParent()->DeleteRow(currentRow_->GetIndex());
+}
+
+bool TVQueryPanel::HasRow(const TFilterRow* row) {
+    EnsureRowNumbers();
+    return std::find(rowOrder_.begin(), rowOrder_.end(), row) != rowOrder_.end();
 }
 
 // --- Told by the rows.
 
-void TVQueryPanel::RowsChanged() {
+void TVQueryPanel::PlaceRowsAnew() {
     rowNumbersStale_ = true;
+    ++rowsVersion_;
     view_->PlaceAllRows();
+}
+
+void TVQueryPanel::RowsChanged() {
+    PlaceRowsAnew();
     QueryChanged();
+}
+
+void TVQueryPanel::RowHidden(TFilterRow&) {
+    PlaceRowsAnew();
 }
 
 void TVQueryPanel::RowChanged(TFilterRow& row) {
@@ -177,6 +232,7 @@ void TVQueryPanel::RowDeleting(TFilterRow& row) {
 
 void TVQueryPanel::RowDestroyed(TFilterRow& row) {
     rowNumbersStale_ = true;
+    ++rowsVersion_;
     if (currentRow_ == &row) {
         currentRow_ = nullptr;
         view_->Repaint();
@@ -298,7 +354,7 @@ void TVQueryPanel::ModelReplaced() {
     for (TFilterCond* const row : lost)
         row->GetParent()->DeleteRow(row->GetIndex());
     InitStructureRelatedProperties();
-    view_->UpdateMenus();
+    UpdateMenus();
     view_->PlaceAllRows();
     view_->Repaint();
 }
