@@ -83,8 +83,9 @@ public:
 
 private:
     void ItemsChanged();
+    void Filter();
+    const std::string& TypedText() const;
     bool TypedTextCounts() const;
-    std::optional<TDropDownResult> AcceptItem();
     std::optional<TDropDownResult> AcceptText(const std::string& text);
 
     TDropDownContent content_;
@@ -96,6 +97,7 @@ private:
     std::vector<bool> wasChecked_;
     int current_ = -1;
     bool loaded_ = false;
+    bool searched_ = false; // something was typed, if only to be taken away again
 };
 
 } // namespace lumora

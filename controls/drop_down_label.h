@@ -36,8 +36,8 @@ public:
     // Something can be opened: an editor, or a window of the host's.
     bool CanOpen() const { return enabled_ && content_.Kind != ddNone; }
     bool IsOpen() const { return editor_ != nullptr; }
-    // The open editor; none when nothing opens (a dialog is the host's affair).
-    TDropDownEditor* Open();
+    // The open editor, which a popup may share; none when nothing opens (a dialog is the host's affair).
+    std::shared_ptr<TDropDownEditor> Open();
     TDropDownEditor* GetEditor() { return editor_.get(); }
     // Takes what the editor gives and closes it; false, and the editor stays, when it gives nothing. The
     // caption and the content's text, current item and checks become those of the answer.
@@ -53,6 +53,7 @@ public:
 
 private:
     void Invalidate() const;
+    void Close();
     template <typename T>
     void Set(T& member, T value) {
         if (member == value)
@@ -67,7 +68,7 @@ private:
     bool enabled_ = true;
     bool hovered_ = false;
     bool focused_ = false;
-    std::unique_ptr<TDropDownEditor> editor_;
+    std::shared_ptr<TDropDownEditor> editor_;
 };
 
 } // namespace lumora

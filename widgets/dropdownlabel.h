@@ -24,6 +24,7 @@ public:
 
     QString text() const;
     void setText(const QString& text);
+    QString shownText() const; // the text, or what stands in its place
     // Shown faintly while there is no text; a content with a prompt of its own goes before.
     QString prompt() const { return prompt_; }
     void setPrompt(const QString& prompt);
@@ -65,6 +66,8 @@ protected:
 
 private:
     QRect textRect() const;
+    QColor textColor() const;
+    void textHasChanged();
     void take(const TDropDownResult& result);
 
     TDropDownLabel label_;

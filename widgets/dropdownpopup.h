@@ -7,6 +7,8 @@
 #include <QIcon>
 #include <QList>
 
+#include <memory>
+
 class QLabel;
 class QVBoxLayout;
 
@@ -27,11 +29,14 @@ public:
     // the items' ImageIndex refers to.
     static DropDownPopup* open(QWidget* anchor, const QRect& globalRect, TDropDownContent content,
                                const QList<QIcon>& images = {});
+    // The same for an editor that someone else knows, too.
+    static DropDownPopup* open(QWidget* anchor, const QRect& globalRect,
+                               std::shared_ptr<TDropDownEditor> editor, const QList<QIcon>& images = {});
     ~DropDownPopup() override;
 
     // Also in the slots: the items that the indexes refer to, when they were read only now.
-    const TDropDownContent& content() const { return editor_.GetContent(); }
-    TDropDownEditor& editor() { return editor_; }
+    const TDropDownContent& content() const { return editor_->GetContent(); }
+    TDropDownEditor& editor() { return *editor_; }
 
     // As the keys do. Nothing is accepted while what is there will not do.
     bool accept();
@@ -40,7 +45,7 @@ public:
     void dismiss();
 
 signals:
-    // One of the first four ends it; `finished` follows whichever it was.
+    // One of the first four ends it; `finished` follows, whichever it was.
     void acceptedText(const QString& text);
     void acceptedItem(int index);
     void acceptedChecks(const QList<int>& indexes);
@@ -56,29 +61,26 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-    void showEvent(QShowEvent* event) override;
 
 private:
-    DropDownPopup(QWidget* anchor, const QRect& globalRect, TDropDownContent content,
+    DropDownPopup(QWidget* anchor, const QRect& globalRect, std::shared_ptr<TDropDownEditor> editor,
                   const QList<QIcon>& images);
     void showPage();
-    void showBusy();
-    void startLoading();
     void load();
+    void showMessage(const QString& text, bool isError);
     void place();
-    void showError();
-    void finish(const TDropDownResult* result, bool isTabbed, bool forward);
     bool acceptAnd(bool isTabbed, bool forward);
-    bool handleKey(QKeyEvent* event);
+    void finish(const TDropDownResult* result, bool isTabbed, bool forward);
+    bool handleKey(QWidget* receiver, QKeyEvent* event);
 
-    TDropDownEditor editor_;
+    std::shared_ptr<TDropDownEditor> editor_;
     QList<QIcon> images_;
     QRect anchorRect_;
     QVBoxLayout* layout_ = nullptr;
     QLabel* message_ = nullptr;
     DropDownPage* page_ = nullptr;
-    bool loading_ = false;
-    bool finished_ = false;
+    bool isLoading_ = false; // the items are about to be read
+    bool isFinished_ = false;
 };
 
 } // namespace lumora
