@@ -74,18 +74,19 @@ public:
     // The height of all lines, and the width of those that have been placed so far.
     TSize GetContentSize();
 
-    // Where a dragged row would go when it were dropped at a point. Between two lines the height decides;
-    // where brackets end, x decides how far out.
-    TDropTarget DropTargetAt(const TFilterRow& dragged, int x, int y);
+    // Where a dragged row would go if it were dropped at a point; MoveRow takes it there. Between two lines
+    // the height decides; where brackets end, x decides how far out.
+    TDropTarget DropTargetAt(TFilterRow& dragged, int x, int y);
 
 private:
     void EnsureLines();
+    int RowLineCount();
     bool HasAddLine() const;
-    int LineLeft(const TFilterRow* row) const;
-    int WordWidth(const TScreenWord& word) const;
-    int LevelOf(const TFilterRow& row) const;
+    int Stride() const; // from line to line
+    int LineOfNumber(int number);
     int XOfLevel(int level) const;
-    const TFilterRow* LastVisibleRow(const TFilterBracket& bracket);
+    int LevelAt(int x) const;
+    int WordWidth(const TScreenWord& word) const;
     void AddGuideLine(std::vector<TGuideLine>& guides, const TFilterBracket& bracket, int top, int bottom);
 
     TVQueryPanel& panel_;
@@ -95,6 +96,7 @@ private:
     int contentWidth_ = 0;
     std::vector<TFilterRow*> rows_; // of the lines, as long as the version is the panel's
     unsigned version_ = 0;
+    bool active_ = false;
     bool hasHeader_ = false;
 };
 

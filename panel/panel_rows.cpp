@@ -1,5 +1,6 @@
 // The panel's rows: adding, numbering, the current row, and what happens to them when the model changes.
 #include "panel/Vquerpnl.h"
+#include "panel/condition_changes.h"
 #include "panel/screen_words.h"
 
 #include <algorithm>
@@ -40,8 +41,10 @@ TFilterBracket* TVQueryPanel::AddBracketNum(TFilterBracket& bracket, int number)
 
 // A new condition begins with the model's first field and the first operator of that.
 void TVQueryPanel::InitializeNewRow(TFilterRow& row) {
-    if (row.GetRowType() == frtSimpleCondition && dbStruct_->GetFieldCount() > 0)
+    if (row.GetRowType() == frtSimpleCondition && dbStruct_->GetFieldCount() > 0) {
         static_cast<TSimpleCond&>(row).SetField(dbStruct_->GetField(0));
+        TakeDefaultValue(static_cast<TSimpleCond&>(row));
+    }
     view_->ShowRow(row);
     SetCurrentRow(&row);
     view_->ScrollToEnd();

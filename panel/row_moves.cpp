@@ -1,6 +1,6 @@
 #include "panel/row_moves.h"
 
-#include "panel/Vquerpnl.h"
+#include "panel/one_change.h"
 #include "query/errors.h"
 
 #include <algorithm>
@@ -27,24 +27,20 @@ int DepthOf(const TFilterRow& row) {
 
 } // namespace
 
-// Takes the row out and puts it in again; the panel says nothing meanwhile and leaves empty brackets alone.
+// Takes rows out and puts them in again; the panel leaves empty brackets alone meanwhile.
 class TRowMover {
 public:
-    explicit TRowMover(TVQueryPanel& panel) : panel_(panel) {
-        panel_.BeginUpdate();
-        panel_.keepsEmptyBrackets_ = true;
-    }
-    ~TRowMover() {
-        panel_.keepsEmptyBrackets_ = false;
-        panel_.EndUpdate();
-    }
+    explicit TRowMover(TVQueryPanel& panel) : panel_(panel) {}
+    ~TRowMover() { panel_.keepsEmptyBrackets_ = false; }
     TRowMover(const TRowMover&) = delete;
     TRowMover& operator=(const TRowMover&) = delete;
 
     void Move(TFilterRow& row, TFilterBracket& to, int index) {
         TFilterBracket& from = *row.GetParent();
         const bool wasEnabled = to.GetEnabled();
+        panel_.keepsEmptyBrackets_ = true;
         to.InsertRow(index, from.ExtractRow(row.GetIndex()));
+        panel_.keepsEmptyBrackets_ = false;
         if (&from == &to) {
             to.SetEnabled(wasEnabled); // the order of its rows is no reason to enable a bracket
             return;
@@ -52,8 +48,7 @@ public:
         to.CheckIfAllDisabled();
         if (from.GetRowCount() > 0)
             from.CheckIfAllDisabled();
-        panel_.keepsEmptyBrackets_ = false;
-        if (from.GetRowCount() == 0 && from.GetParent() && panel_.RemovesEmptyBrackets())
+        else if (from.GetParent() && panel_.RemovesEmptyBrackets())
             from.GetParent()->DeleteRow(from.GetIndex());
     }
 
@@ -71,7 +66,7 @@ bool MoveRow(TVQueryPanel& panel, TFilterRow& row, TRowTarget target) {
         return false;
     if (target.Bracket->GetRowLevel() + 1 + DepthOf(row) > MaxRowLevel)
         throw EVQueryPanelError(qpeTooDeep, {std::to_string(MaxRowLevel)});
-    TRowMover(panel).Move(row, *target.Bracket, index);
+    AsOneChange(panel, [&] { TRowMover(panel).Move(row, *target.Bracket, index); });
     return true;
 }
 

@@ -34,7 +34,12 @@ public:
 private:
     bool RowIsThere() const;
     TDropDownContent ValueContent() const;
+    TDropDownContent ListContent(const TFilterCond& condition) const;
+    TDropDownContent LineContent(const TFilterCond& condition) const;
+    std::string Refusal(std::string_view text) const;
+    std::vector<TDropDownItem> LoadItems() const;
     std::string AcceptValueText(TFilterCond& condition, std::string_view text);
+    std::string AcceptValueItem(TFilterCond& condition, const TDropDownItem& item);
 
     TVQueryPanel& panel_;
     TFilterRow* row_;
