@@ -87,10 +87,11 @@ bool TPanelKeyboard::Insert(TShiftState shift) {
         FirstCurControl();
         return DropDown();
     }
-    TFilterBracket* const bracket = panel_.GetCurrentBracket();
-    if (!bracket || bracket->GetRowLevel() >= MaxRowLevel || !(shift.Empty() || shift.Contains(ssCtrl)))
+    const bool isOnRow = panel_.GetCurrentRow() != nullptr; // no row is current once all are deleted
+    TFilterBracket* const bracket = isOnRow ? panel_.GetCurrentBracket() : panel_.GetRootBracket();
+    if (bracket->GetRowLevel() >= MaxRowLevel || !(shift.Empty() || shift.Contains(ssCtrl)))
         return false;
-    panel_.AddConditionNum(*bracket, panel_.GetCurrentRowNum() + 1);
+    panel_.AddConditionNum(*bracket, 1 + (isOnRow ? panel_.GetCurrentRowNum() : bracket->GetLastRowNum()));
     return true;
 }
 

@@ -183,9 +183,13 @@ void TVQueryPanel::MoveCurRowRight() {
         MoveCurRow(TargetRight(*currentRow_));
 }
 
+// The row that was to become current may have been a bracket that went as well, being empty.
 void TVQueryPanel::DeleteCurRow() {
-    if (currentRow_ && currentRow_->GetParent())
-        currentRow_->GetParent()->DeleteRow(currentRow_->GetIndex());
+    if (!currentRow_ || !currentRow_->GetParent())
+        return;
+    currentRow_->GetParent()->DeleteRow(currentRow_->GetIndex());
+    if (!currentRow_ && !GetEmpty())
+        SetCurrentRow(GetLastRow());
 }
 
 bool TVQueryPanel::HasRow(const TFilterRow* row) {

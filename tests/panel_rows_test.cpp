@@ -273,14 +273,26 @@ TEST_F(PanelRows, ObeyTheKeyboard) {
     EXPECT_FALSE(Key('A'));
     EXPECT_TRUE(Key(keyDelete, {ssCtrl}));
     EXPECT_EQ(Tree(), "(an())");
+    Option(aoNonEmptyBrackets);
+    panel.SetCurrentRow(bracket);
+    Key(keyInsert);
+    Key(keyDelete, {ssCtrl}); // takes the bracket along
+    EXPECT_EQ(Tree(), "(an)");
+    EXPECT_EQ(panel.GetCurrentRow(), added);
+    Key(keyDelete, {ssCtrl});
+    Key(keyDelete, {ssCtrl});
+    EXPECT_EQ(panel.GetCurrentRow(), nullptr);
+    EXPECT_TRUE(Key(keyInsert)); // one can go on
+    EXPECT_TRUE(Key(keyInsert));
+    TFilterRow* const first = Shop.Root().GetRow(0);
     panel.SetCurrentRow(&Shop.Root());
     Key(keyDelete, {ssCtrl});
-    EXPECT_EQ(Tree(), "(an())");
+    EXPECT_EQ(Shop.Root().GetRowCount(), 2);
     Option(aoAllowKeyboard, false);
     EXPECT_FALSE(Key(keyInsert));
     Option(aoAllowKeyboard);
-    a->SetHidden(true);
-    panel.SetCurrentRow(a);
+    first->SetHidden(true);
+    panel.SetCurrentRow(first);
     EXPECT_FALSE(Key(keyDelete, {ssCtrl}));
     panel.Deactivate();
     EXPECT_FALSE(Key(keyInsert));
