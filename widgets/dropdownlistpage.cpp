@@ -1,6 +1,7 @@
 #include "widgets/dropdownlistpage.h"
 
 #include "widgets/dropdownitems.h"
+#include "widgets/linkcolor.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
@@ -10,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
@@ -35,6 +37,12 @@ public:
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
         return QStyledItemDelegate::sizeHint(option, index) + QSize(rowPadding, rowPadding);
     }
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyledItemDelegate::paint(painter, option, index);
+        if ((index.flags() & Qt::ItemIsUserCheckable) && isDark(option.palette))
+            outlineCheckBox(painter, option, index);
+    }
     bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override {
         if (event->type() != QEvent::ToolTip || !index.isValid())
@@ -54,6 +62,18 @@ protected:
                    QStyledItemDelegate::editorEvent(event, model, option, index);
         const bool isChecked = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
         return model->setData(index, isChecked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+    }
+
+private:
+    // Styles draw boxes darker than the ground, which on a dark one cannot be seen.
+    void outlineCheckBox(QPainter* painter, QStyleOptionViewItem option, const QModelIndex& index) const {
+        initStyleOption(&option, index);
+        const QStyle* const style = option.widget->style();
+        const QRect box =
+            style->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, option.widget);
+        painter->setPen(option.palette.color(QPalette::PlaceholderText));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5));
     }
 };
 
@@ -93,7 +113,6 @@ DropDownListPage::DropDownListPage(TDropDownEditor& editor, const QList<QIcon>& 
         addCheckButtons();
     showItems();
     fitView();
-    showCurrent();
 }
 
 QWidget* DropDownListPage::input() const {
@@ -102,6 +121,12 @@ QWidget* DropDownListPage::input() const {
 
 bool DropDownListPage::handleKey(QWidget* receiver, QKeyEvent* event) {
     return receiver == search_ ? handleSearchKey(event) : receiver == view_ && handleViewKey(event);
+}
+
+// Not before: an item can be scrolled to only in a view that has its size.
+void DropDownListPage::showEvent(QShowEvent* event) {
+    DropDownPage::showEvent(event);
+    showCurrent();
 }
 
 void DropDownListPage::addSearchBox() {
@@ -171,12 +196,15 @@ void DropDownListPage::fitView() {
         rows += items_->rowCount(items_->index(i, 0));
     const bool scrolls = rows > rowsInView;
     const int bar = scrolls ? style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, view_) : 0;
-    const int widest = fontMetrics().averageCharWidth() * 60;
+    const int onScreen = screen() ? screen()->availableSize().width() - 60 : 400;
+    const int widest = std::min(fontMetrics().averageCharWidth() * 60, onScreen);
+    view_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     view_->setMinimumWidth(std::min(item.width(), widest) + bar + 4);
     view_->setFixedHeight(item.height() * static_cast<int>(std::clamp<qsizetype>(rows, 1, rowsInView)) + 2);
 }
 
-void DropDownListPage::fitMenu(const QSize& item) {
+void DropDownListPage::fitMenu(const QSize& longest) {
+    const QSize item(std::min(longest.width(), fontMetrics().averageCharWidth() * 40), longest.height());
     const QScreen* const onScreen = screen();
     const QSize available = onScreen ? onScreen->availableSize() - QSize(40, 40) : QSize(800, 600);
     const int fitting = std::max(1, available.height() / item.height());

@@ -23,13 +23,16 @@ public:
     QWidget* input() const override;
     bool handleKey(QWidget* receiver, QKeyEvent* event) override;
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     bool isCheckList() const { return editor_.GetKind() == ddCheckList; }
     void addSearchBox();
     void addView();
     void addCheckButtons();
     void fitView();
-    void fitMenu(const QSize& item);
+    void fitMenu(const QSize& longest);
     QSize itemSize() const;
     void search(const QString& text);
     void showCurrent();
