@@ -4,6 +4,7 @@
 #include "widgets/linkcolor.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QHelpEvent>
@@ -126,6 +127,7 @@ bool DropDownListPage::handleKey(QWidget* receiver, QKeyEvent* event) {
 // Not before: an item can be scrolled to only in a view that has its size.
 void DropDownListPage::showEvent(QShowEvent* event) {
     DropDownPage::showEvent(event);
+    pointerAtStart_ = QCursor::pos();
     showCurrent();
 }
 
@@ -161,8 +163,8 @@ void DropDownListPage::addView() {
     nothing_ = new QLabel(view_);
     nothing_->setForegroundRole(QPalette::PlaceholderText);
     nothing_->move(rowPadding, rowPadding);
-    connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            &DropDownListPage::currentChanged);
+    connect(view_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &DropDownListPage::selectionChanged);
     connect(view_, &QAbstractItemView::entered, this, &DropDownListPage::hover);
     connect(view_, &QAbstractItemView::clicked, this, &DropDownListPage::click);
     connect(items_, &DropDownItems::checked, this, &DropDownPage::edited);
@@ -209,6 +211,7 @@ void DropDownListPage::fitMenu(const QSize& longest) {
     const QSize available = onScreen ? onScreen->availableSize() - QSize(40, 40) : QSize(800, 600);
     const int fitting = std::max(1, available.height() / item.height());
     const int rows = std::min(std::max(1, editor_.GetItemsInColumn()), fitting);
+    itemsInColumn_ = rows;
     const auto count = static_cast<int>(editor_.GetShown().size());
     // Without a bound of the host's a long menu scrolls rather than to run over the screen.
     auto* const list = static_cast<QListView*>(view_);
@@ -270,7 +273,9 @@ void DropDownListPage::showItems() {
 }
 
 void DropDownListPage::showCurrent() {
-    const QModelIndex index = items_->indexOf(editor_.GetCurrentItem());
+    QModelIndex index = items_->indexOf(editor_.GetCurrentItem());
+    if (!index.isValid() && isCheckList())
+        index = items_->index(0, 0);
     if (!index.isValid()) {
         view_->selectionModel()->clear();
         view_->scrollToTop();
@@ -280,13 +285,15 @@ void DropDownListPage::showCurrent() {
     view_->scrollTo(index, QAbstractItemView::EnsureVisible);
 }
 
-void DropDownListPage::currentChanged(const QModelIndex& index) {
-    if (index.isValid())
-        editor_.SetCurrentItem(items_->itemOf(index));
+// What is selected counts: a view that gets the keyboard makes an item current without showing it.
+void DropDownListPage::selectionChanged() {
+    const QModelIndexList selected = view_->selectionModel()->selectedIndexes();
+    editor_.SetCurrentItem(selected.isEmpty() ? -1 : items_->itemOf(selected.front()));
 }
 
+// A popup that opens under a pointer at rest is not pointed at.
 void DropDownListPage::hover(const QModelIndex& index) {
-    if (items_->itemOf(index) >= 0)
+    if (items_->itemOf(index) >= 0 && QCursor::pos() != pointerAtStart_)
         view_->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
 }
 
@@ -299,6 +306,16 @@ void DropDownListPage::click(const QModelIndex& index) {
     editor_.SetCurrentItem(items_->itemOf(index));
     if (!isCheckList())
         emit chosen();
+}
+
+// A last column that is shorter is entered at its end.
+void DropDownListPage::moveToColumn(bool next) {
+    const int row = std::max(0, view_->currentIndex().row());
+    const int last = items_->rowCount() - 1;
+    const bool isAtEdge = next ? row / itemsInColumn_ == last / itemsInColumn_ : row < itemsInColumn_;
+    if (!isAtEdge)
+        view_->setCurrentIndex(
+            items_->index(std::min(last, next ? row + itemsInColumn_ : row - itemsInColumn_), 0));
 }
 
 void DropDownListPage::check(bool checked) {
@@ -333,6 +350,16 @@ bool DropDownListPage::handleSearchKey(QKeyEvent* event) {
 bool DropDownListPage::handleViewKey(QKeyEvent* event) {
     if (isCheckList() && event->key() == Qt::Key_A && event->modifiers() == Qt::ControlModifier) {
         check(editor_.GetChecks().size() < editor_.GetContent().Items.size());
+        return true;
+    }
+    const QModelIndex current = view_->currentIndex();
+    if (event->key() == Qt::Key_Down && items_->itemOf(current) >= 0 &&
+        !view_->selectionModel()->isSelected(current)) {
+        view_->setCurrentIndex(current); // from nowhere to the first
+        return true;
+    }
+    if (editor_.GetKind() == ddMenu && (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right)) {
+        moveToColumn((event->key() == Qt::Key_Right) != (layoutDirection() == Qt::RightToLeft));
         return true;
     }
     if (event->key() == Qt::Key_Space && !isCheckList() && !search_) {

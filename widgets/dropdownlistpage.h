@@ -4,6 +4,8 @@
 
 #include "widgets/dropdownpage.h"
 
+#include <QPoint>
+
 class QAbstractItemView;
 class QHBoxLayout;
 class QLabel;
@@ -37,9 +39,10 @@ private:
     void search(const QString& text);
     void showCurrent();
     void showItems();
-    void currentChanged(const QModelIndex& index);
+    void selectionChanged();
     void hover(const QModelIndex& index);
     void click(const QModelIndex& index);
+    void moveToColumn(bool next);
     void check(bool checked);
     bool handleSearchKey(QKeyEvent* event);
     bool handleViewKey(QKeyEvent* event);
@@ -48,6 +51,8 @@ private:
     QLineEdit* search_ = nullptr;
     QAbstractItemView* view_ = nullptr;
     QLabel* nothing_ = nullptr; // says that no item matches
+    QPoint pointerAtStart_;
+    int itemsInColumn_ = 1; // of a menu
 };
 
 } // namespace lumora

@@ -246,7 +246,8 @@ void DropDownPopup::finish(const TDropDownResult* result, bool isTabbed, bool fo
         return;
     isFinished_ = true;
     hide();
-    deleteLater();
+    // Not at once: where a popup is the window with the keyboard, its end would close one that opens now.
+    QTimer::singleShot(0, this, &QObject::deleteLater);
     // A slot may free the anchor, and this with it.
     const QPointer<DropDownPopup> self(this);
     const auto editor = editor_;
