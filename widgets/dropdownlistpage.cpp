@@ -103,7 +103,9 @@ bool isTyping(const QKeyEvent& event) {
 } // namespace
 
 DropDownListPage::DropDownListPage(TDropDownEditor& editor, const QList<QIcon>& images, QWidget* parent)
-    : DropDownPage(editor, parent), items_(new DropDownItems(editor, images, this)) {
+    : DropDownPage(editor, parent),
+      items_(new DropDownItems(editor, images, this)),
+      pointerAtStart_(QCursor::pos()) {
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);
@@ -127,7 +129,6 @@ bool DropDownListPage::handleKey(QWidget* receiver, QKeyEvent* event) {
 // Not before: an item can be scrolled to only in a view that has its size.
 void DropDownListPage::showEvent(QShowEvent* event) {
     DropDownPage::showEvent(event);
-    pointerAtStart_ = QCursor::pos();
     showCurrent();
 }
 
