@@ -171,7 +171,9 @@ void DropDownLabel::paintEvent(QPaintEvent*) {
     painter.setFont(underlined);
     painter.setPen(textColor());
     const QRect inside = textRect().adjusted(sidePadding, 0, -sidePadding, 0);
-    const QString text = fontMetrics().elidedText(shownText(), Qt::ElideRight, inside.width());
+    const bool fits = width() >= sizeHint().width();
+    const QString text =
+        fits ? shownText() : fontMetrics().elidedText(shownText(), Qt::ElideRight, inside.width());
     painter.drawText(inside, Qt::AlignVCenter | Qt::AlignLeading | Qt::TextSingleLine, text);
 }
 

@@ -1,8 +1,10 @@
 #include "widgets/dropdownlistpage.h"
 
 #include "widgets/dropdownitems.h"
+#include "widgets/linkcolor.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QHelpEvent>
@@ -10,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
@@ -35,6 +38,12 @@ public:
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
         return QStyledItemDelegate::sizeHint(option, index) + QSize(rowPadding, rowPadding);
     }
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyledItemDelegate::paint(painter, option, index);
+        if ((index.flags() & Qt::ItemIsUserCheckable) && isDark(option.palette))
+            outlineCheckBox(painter, option, index);
+    }
     bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override {
         if (event->type() != QEvent::ToolTip || !index.isValid())
@@ -54,6 +63,18 @@ protected:
                    QStyledItemDelegate::editorEvent(event, model, option, index);
         const bool isChecked = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
         return model->setData(index, isChecked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
+    }
+
+private:
+    // Styles draw boxes darker than the ground, which on a dark one cannot be seen.
+    void outlineCheckBox(QPainter* painter, QStyleOptionViewItem option, const QModelIndex& index) const {
+        initStyleOption(&option, index);
+        const QStyle* const style = option.widget->style();
+        const QRect box =
+            style->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, option.widget);
+        painter->setPen(option.palette.color(QPalette::PlaceholderText));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(QRectF(box).adjusted(0.5, 0.5, -0.5, -0.5));
     }
 };
 
@@ -82,7 +103,9 @@ bool isTyping(const QKeyEvent& event) {
 } // namespace
 
 DropDownListPage::DropDownListPage(TDropDownEditor& editor, const QList<QIcon>& images, QWidget* parent)
-    : DropDownPage(editor, parent), items_(new DropDownItems(editor, images, this)) {
+    : DropDownPage(editor, parent),
+      items_(new DropDownItems(editor, images, this)),
+      pointerAtStart_(QCursor::pos()) {
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);
@@ -93,7 +116,6 @@ DropDownListPage::DropDownListPage(TDropDownEditor& editor, const QList<QIcon>& 
         addCheckButtons();
     showItems();
     fitView();
-    showCurrent();
 }
 
 QWidget* DropDownListPage::input() const {
@@ -102,6 +124,12 @@ QWidget* DropDownListPage::input() const {
 
 bool DropDownListPage::handleKey(QWidget* receiver, QKeyEvent* event) {
     return receiver == search_ ? handleSearchKey(event) : receiver == view_ && handleViewKey(event);
+}
+
+// Not before: an item can be scrolled to only in a view that has its size.
+void DropDownListPage::showEvent(QShowEvent* event) {
+    DropDownPage::showEvent(event);
+    showCurrent();
 }
 
 void DropDownListPage::addSearchBox() {
@@ -136,8 +164,8 @@ void DropDownListPage::addView() {
     nothing_ = new QLabel(view_);
     nothing_->setForegroundRole(QPalette::PlaceholderText);
     nothing_->move(rowPadding, rowPadding);
-    connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            &DropDownListPage::currentChanged);
+    connect(view_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &DropDownListPage::selectionChanged);
     connect(view_, &QAbstractItemView::entered, this, &DropDownListPage::hover);
     connect(view_, &QAbstractItemView::clicked, this, &DropDownListPage::click);
     connect(items_, &DropDownItems::checked, this, &DropDownPage::edited);
@@ -171,16 +199,20 @@ void DropDownListPage::fitView() {
         rows += items_->rowCount(items_->index(i, 0));
     const bool scrolls = rows > rowsInView;
     const int bar = scrolls ? style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, view_) : 0;
-    const int widest = fontMetrics().averageCharWidth() * 60;
+    const int onScreen = screen() ? screen()->availableSize().width() - 60 : 400;
+    const int widest = std::min(fontMetrics().averageCharWidth() * 60, onScreen);
+    view_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     view_->setMinimumWidth(std::min(item.width(), widest) + bar + 4);
     view_->setFixedHeight(item.height() * static_cast<int>(std::clamp<qsizetype>(rows, 1, rowsInView)) + 2);
 }
 
-void DropDownListPage::fitMenu(const QSize& item) {
+void DropDownListPage::fitMenu(const QSize& longest) {
+    const QSize item(std::min(longest.width(), fontMetrics().averageCharWidth() * 40), longest.height());
     const QScreen* const onScreen = screen();
     const QSize available = onScreen ? onScreen->availableSize() - QSize(40, 40) : QSize(800, 600);
     const int fitting = std::max(1, available.height() / item.height());
     const int rows = std::min(std::max(1, editor_.GetItemsInColumn()), fitting);
+    itemsInColumn_ = rows;
     const auto count = static_cast<int>(editor_.GetShown().size());
     // Without a bound of the host's a long menu scrolls rather than to run over the screen.
     auto* const list = static_cast<QListView*>(view_);
@@ -242,7 +274,9 @@ void DropDownListPage::showItems() {
 }
 
 void DropDownListPage::showCurrent() {
-    const QModelIndex index = items_->indexOf(editor_.GetCurrentItem());
+    QModelIndex index = items_->indexOf(editor_.GetCurrentItem());
+    if (!index.isValid() && isCheckList())
+        index = items_->index(0, 0);
     if (!index.isValid()) {
         view_->selectionModel()->clear();
         view_->scrollToTop();
@@ -252,13 +286,15 @@ void DropDownListPage::showCurrent() {
     view_->scrollTo(index, QAbstractItemView::EnsureVisible);
 }
 
-void DropDownListPage::currentChanged(const QModelIndex& index) {
-    if (index.isValid())
-        editor_.SetCurrentItem(items_->itemOf(index));
+// What is selected counts: a view that gets the keyboard makes an item current without showing it.
+void DropDownListPage::selectionChanged() {
+    const QModelIndexList selected = view_->selectionModel()->selectedIndexes();
+    editor_.SetCurrentItem(selected.isEmpty() ? -1 : items_->itemOf(selected.front()));
 }
 
+// A popup that opens under a pointer at rest is not pointed at.
 void DropDownListPage::hover(const QModelIndex& index) {
-    if (items_->itemOf(index) >= 0)
+    if (items_->itemOf(index) >= 0 && QCursor::pos() != pointerAtStart_)
         view_->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
 }
 
@@ -271,6 +307,16 @@ void DropDownListPage::click(const QModelIndex& index) {
     editor_.SetCurrentItem(items_->itemOf(index));
     if (!isCheckList())
         emit chosen();
+}
+
+// A last column that is shorter is entered at its end.
+void DropDownListPage::moveToColumn(bool next) {
+    const int row = std::max(0, view_->currentIndex().row());
+    const int last = items_->rowCount() - 1;
+    const bool isAtEdge = next ? row / itemsInColumn_ == last / itemsInColumn_ : row < itemsInColumn_;
+    if (!isAtEdge)
+        view_->setCurrentIndex(
+            items_->index(std::min(last, next ? row + itemsInColumn_ : row - itemsInColumn_), 0));
 }
 
 void DropDownListPage::check(bool checked) {
@@ -305,6 +351,16 @@ bool DropDownListPage::handleSearchKey(QKeyEvent* event) {
 bool DropDownListPage::handleViewKey(QKeyEvent* event) {
     if (isCheckList() && event->key() == Qt::Key_A && event->modifiers() == Qt::ControlModifier) {
         check(editor_.GetChecks().size() < editor_.GetContent().Items.size());
+        return true;
+    }
+    const QModelIndex current = view_->currentIndex();
+    if (event->key() == Qt::Key_Down && items_->itemOf(current) >= 0 &&
+        !view_->selectionModel()->isSelected(current)) {
+        view_->setCurrentIndex(current); // from nowhere to the first
+        return true;
+    }
+    if (editor_.GetKind() == ddMenu && (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right)) {
+        moveToColumn((event->key() == Qt::Key_Right) != (layoutDirection() == Qt::RightToLeft));
         return true;
     }
     if (event->key() == Qt::Key_Space && !isCheckList() && !search_) {

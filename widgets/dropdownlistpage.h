@@ -4,6 +4,8 @@
 
 #include "widgets/dropdownpage.h"
 
+#include <QPoint>
+
 class QAbstractItemView;
 class QHBoxLayout;
 class QLabel;
@@ -23,20 +25,24 @@ public:
     QWidget* input() const override;
     bool handleKey(QWidget* receiver, QKeyEvent* event) override;
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     bool isCheckList() const { return editor_.GetKind() == ddCheckList; }
     void addSearchBox();
     void addView();
     void addCheckButtons();
     void fitView();
-    void fitMenu(const QSize& item);
+    void fitMenu(const QSize& longest);
     QSize itemSize() const;
     void search(const QString& text);
     void showCurrent();
     void showItems();
-    void currentChanged(const QModelIndex& index);
+    void selectionChanged();
     void hover(const QModelIndex& index);
     void click(const QModelIndex& index);
+    void moveToColumn(bool next);
     void check(bool checked);
     bool handleSearchKey(QKeyEvent* event);
     bool handleViewKey(QKeyEvent* event);
@@ -45,6 +51,8 @@ private:
     QLineEdit* search_ = nullptr;
     QAbstractItemView* view_ = nullptr;
     QLabel* nothing_ = nullptr; // says that no item matches
+    QPoint pointerAtStart_;
+    int itemsInColumn_ = 1; // of a menu
 };
 
 } // namespace lumora

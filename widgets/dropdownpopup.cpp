@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QPointer>
 #include <QScreen>
 #include <QTimer>
@@ -21,8 +22,7 @@ namespace {
 
 constexpr int padding = 6;
 
-// A popup is pinned to its screen, so a long reason must not make it wider.
-constexpr int messageWidth = 360;
+constexpr int messageWidth = 320; // a longer reason takes several lines
 
 bool opensEditor(TDropDownKind kind) {
     return kind != ddNone && kind != ddDialog;
@@ -50,22 +50,24 @@ DropDownPopup* DropDownPopup::open(QWidget* anchor, const QRect& globalRect,
 
 DropDownPopup::DropDownPopup(QWidget* anchor, const QRect& globalRect,
                              std::shared_ptr<TDropDownEditor> editor, const QList<QIcon>& images)
-    : QFrame(anchor, Qt::Popup),
+    : QWidget(anchor, Qt::Popup),
       editor_(std::move(editor)),
       images_(images),
       anchorRect_(globalRect),
       layout_(new QVBoxLayout(this)),
       message_(new QLabel(this)) {
-    setFrameStyle(QFrame::StyledPanel | QFrame::Plain);
+    setContentsMargins(1, 1, 1, 1);
     setAttribute(Qt::WA_WindowPropagation);
+    setBackgroundRole(QPalette::Base);
+    setAutoFillBackground(true);
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(tr("Choose a value"));
     layout_->setContentsMargins(padding, padding, padding, padding);
     layout_->setSpacing(padding);
     layout_->addWidget(message_);
     message_->setWordWrap(true);
+    message_->setForegroundRole(QPalette::Text);
     message_->setTextFormat(Qt::PlainText);
-    message_->setMaximumWidth(std::max(messageWidth, anchorRect_.width()));
     message_->hide();
     if (editor_->NeedsLoading()) {
         isLoading_ = true;
@@ -100,7 +102,7 @@ bool DropDownPopup::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress &&
         handleKey(qobject_cast<QWidget*>(watched), static_cast<QKeyEvent*>(event)))
         return true;
-    return QFrame::eventFilter(watched, event);
+    return QWidget::eventFilter(watched, event);
 }
 
 bool DropDownPopup::focusNextPrevChild(bool next) {
@@ -110,7 +112,7 @@ bool DropDownPopup::focusNextPrevChild(bool next) {
 
 void DropDownPopup::keyPressEvent(QKeyEvent* event) {
     if (!handleKey(this, event))
-        QFrame::keyPressEvent(event);
+        QWidget::keyPressEvent(event);
 }
 
 void DropDownPopup::mousePressEvent(QMouseEvent* event) {
@@ -125,12 +127,17 @@ void DropDownPopup::mousePressEvent(QMouseEvent* event) {
 void DropDownPopup::closeEvent(QCloseEvent* event) {
     if (!isFinished_)
         dismiss();
-    QFrame::closeEvent(event);
+    QWidget::closeEvent(event);
 }
 
 // Reading the items holds up everything, so what says that they are being read must be on the screen first.
-void DropDownPopup::paintEvent(QPaintEvent* event) {
-    QFrame::paintEvent(event);
+void DropDownPopup::paintEvent(QPaintEvent*) {
+    // Frames of styles are darker than the ground, which on a dark one cannot be seen.
+    QPainter painter(this);
+    QColor frame = palette().color(QPalette::Text);
+    frame.setAlpha(90);
+    painter.setPen(frame);
+    painter.drawRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5));
     if (isLoading_) {
         isLoading_ = false;
         QTimer::singleShot(0, this, &DropDownPopup::load);
@@ -173,9 +180,12 @@ void DropDownPopup::load() {
 void DropDownPopup::showMessage(const QString& text, bool isError) {
     QPalette colors = palette();
     if (isError)
-        colors.setColor(QPalette::WindowText, errorColor(colors));
+        colors.setColor(QPalette::Text, errorColor(colors));
     message_->setPalette(colors);
     message_->setText(text);
+    // A label that may wrap is narrow unless it is told otherwise.
+    const int length = message_->fontMetrics().horizontalAdvance(text) + 2;
+    message_->setMinimumWidth(std::min(length, messageWidth));
     message_->setVisible(!text.isEmpty());
     if (isError && !text.isEmpty()) {
         QAccessibleEvent alert(message_, QAccessible::Alert);
@@ -186,13 +196,14 @@ void DropDownPopup::showMessage(const QString& text, bool isError) {
 
 // Below the anchor, above it where there is more room, and always on its screen.
 void DropDownPopup::place() {
-    setMinimumWidth(anchorRect_.width());
-    adjustSize();
     const QScreen* screen = QGuiApplication::screenAt(anchorRect_.center());
     if (!screen)
         screen = this->screen();
     const QRect area = screen->availableGeometry();
-    const QSize size = this->size().boundedTo(area.size());
+    layout_->activate();
+    QSize size = layout_->totalSizeHint().expandedTo(QSize(anchorRect_.width(), 0)).boundedTo(area.size());
+    if (layout_->hasHeightForWidth())
+        size.setHeight(std::min(layout_->totalHeightForWidth(size.width()), area.height()));
     const bool isRightToLeft = layoutDirection() == Qt::RightToLeft;
     int x = isRightToLeft ? anchorRect_.right() + 1 - size.width() : anchorRect_.left();
     int y = anchorRect_.bottom() + 1;
@@ -231,7 +242,8 @@ void DropDownPopup::finish(const TDropDownResult* result, bool isTabbed, bool fo
         return;
     isFinished_ = true;
     hide();
-    deleteLater();
+    // Not at once: where a popup is the window with the keyboard, its end would close one that opens now.
+    QTimer::singleShot(0, this, &QObject::deleteLater);
     // A slot may free the anchor, and this with it.
     const QPointer<DropDownPopup> self(this);
     const auto editor = editor_;

@@ -3,9 +3,9 @@
 
 #include "controls/drop_down_editor.h"
 
-#include <QFrame>
 #include <QIcon>
 #include <QList>
+#include <QWidget>
 
 #include <memory>
 
@@ -19,7 +19,7 @@ class DropDownPage;
 // Enter accepts, Escape cancels, Tab and Shift+Tab accept and go on. A click elsewhere keeps what was changed
 // in a text, a date or the checks when it will do, as people expect of a field that they leave; a list that
 // nothing was chosen from is cancelled. What will not do is refused in place, with the reason.
-class DropDownPopup : public QFrame {
+class DropDownPopup : public QWidget {
     Q_OBJECT
 
 public:

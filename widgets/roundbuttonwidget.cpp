@@ -17,7 +17,7 @@ namespace {
 class AccessibleRoundButton : public QAccessibleWidget {
 public:
     explicit AccessibleRoundButton(RoundButtonWidget* button)
-        : QAccessibleWidget(button, QAccessible::PushButton, button->shownText()), button_(button) {}
+        : QAccessibleWidget(button, QAccessible::PushButton), button_(button) {}
 
     QString text(QAccessible::Text kind) const override {
         const bool isNamed = kind != QAccessible::Name || !button_->accessibleName().isEmpty();
