@@ -279,24 +279,18 @@ void QueryPanelWidget::openEditor(TFilterRow& row, int word) {
     if (!popup_)
         return;
     openRow_ = &row;
-    TFilterRow* const target = &row;
     connect(popup_, &DropDownPopup::accepted, this,
-            [this, target, role, value](const TDropDownResult& answer) {
-                acceptAnswer(*target, role, value, answer);
-            });
+            [this, editor](const TDropDownResult& answer) { acceptAnswer(editor, answer); });
     connect(popup_, &DropDownPopup::tabbed, this, &QueryPanelWidget::goToNextWord);
     viewport()->update();
 }
 
-// The row is told by its address until TWordEditor has found it among the panel's.
-void QueryPanelWidget::acceptAnswer(TFilterRow& row, TWordRole role, int value,
-                                    const TDropDownResult& answer) {
+void QueryPanelWidget::acceptAnswer(TWordEditor editor, const TDropDownResult& answer) {
     if (!panel() || !popup_)
         return;
     std::vector<TDropDownItem> items = popup_->content().Items;
     openRow_ = nullptr;
     attempt([&] {
-        TWordEditor editor(*panel(), row, role, value);
         std::string reason;
         if (answer.Answer == daText) {
             reason = editor.AcceptText(answer.Text);

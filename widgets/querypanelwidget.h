@@ -18,6 +18,7 @@
 
 namespace lumora {
 
+class TWordEditor;
 struct TDropDownResult;
 
 // The host's own windows; each is true when it was confirmed. Those that are not given do not open.
@@ -110,7 +111,7 @@ private:
     QPoint scrolled() const; // the content's point in the viewport's corner
     QRect toViewport(const TRect& rect) const;
 
-    void acceptAnswer(TFilterRow& row, TWordRole role, int value, const TDropDownResult& answer);
+    void acceptAnswer(TWordEditor editor, const TDropDownResult& answer);
     void goToNextWord(bool forward);
     void openMenu(const TPopupMenu& menu, const TFilterRow& row, int word,
                   const std::function<void(const TMenuItem&)>& choose);
