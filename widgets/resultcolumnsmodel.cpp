@@ -47,21 +47,18 @@ void ResultColumnsModel::setPanel(TVQueryPanel* panel) {
 
 void ResultColumnsModel::refresh() {
     const int count = panel() ? fields().Count() : 0;
-    if (count == rows_) {
-        if (count > 0)
-            emit dataChanged(index(0, 0), index(count - 1, ColumnCount - 1));
-    } else if (count > rows_) {
+    if (count > rows_) {
         beginInsertRows({}, rows_, count - 1);
         rows_ = count;
         endInsertRows();
-        emit dataChanged(index(0, 0), index(count - 1, ColumnCount - 1));
-    } else {
+    } else if (count < rows_) {
         beginRemoveRows({}, count, rows_ - 1);
         rows_ = count;
         endRemoveRows();
-        if (count > 0)
-            emit dataChanged(index(0, 0), index(count - 1, ColumnCount - 1));
     }
+    if (count > 0)
+        emit dataChanged(index(0, 0), index(count - 1, ColumnCount - 1));
+    emit queryChanged();
 }
 
 // --- Changes.

@@ -87,9 +87,7 @@ ResultColumnsWidget::ResultColumnsWidget(QWidget* parent)
             view_->edit(index);
     });
     connect(chooser_, &FieldChooser::fieldChosen, this, &ResultColumnsWidget::addField);
-    for (const auto change : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
-        connect(model_, change, this, &ResultColumnsWidget::updateState);
-    connect(model_, &QAbstractItemModel::dataChanged, this, &ResultColumnsWidget::updateState);
+    connect(model_, &ResultColumnsModel::queryChanged, this, &ResultColumnsWidget::updateState);
     connect(view_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ResultColumnsWidget::updateState);
     updateState();

@@ -1,6 +1,7 @@
 #include "apps/lumora-desk/deskdocument.h"
 
 #include "apps/lumora-desk/querybases.h"
+#include "panel/row_problems.h"
 #include "platform/ascii.h"
 #include "qtsql/engine.h"
 #include "qtsql/placeholders.h"
@@ -13,6 +14,15 @@
 #include <algorithm>
 
 namespace lumora::desk {
+
+namespace {
+
+QString asSentence(const QString& text) {
+    const bool isEnded = text.isEmpty() || text.endsWith(u'.') || text.endsWith(u'!') || text.endsWith(u'?');
+    return isEnded ? text : text + u'.';
+}
+
+} // namespace
 
 struct DeskDocument::Source {
     explicit Source(OpenedDatabase opened)
@@ -373,7 +383,25 @@ void DeskDocument::readSql(const QString& sql) {
 
 // --- The statement.
 
+namespace {
+
+QString problemSentences(const std::vector<TRowProblem>& problems) {
+    constexpr std::size_t most = 3;
+    QStringList texts;
+    for (std::size_t i = 0; i < problems.size() && i < most; ++i)
+        texts.append(asSentence(QString::fromStdString(problems[i].Text)));
+    if (problems.size() > most)
+        texts.append(DeskDocument::tr("%n more rows are not finished.", nullptr,
+                                      static_cast<int>(problems.size() - most)));
+    texts.removeDuplicates();
+    return texts.join(u'\n');
+}
+
+} // namespace
+
 BuiltStatement DeskDocument::build() {
+    if (const std::vector<TRowProblem> problems = PanelProblems(*panel_); !problems.empty())
+        return {{}, problemSentences(problems)};
     try {
         panel_->BuildQuery();
         const std::string sql(Trim(panel_->GetQResult().GetSQL().GetText()));
@@ -451,9 +479,7 @@ QString sentence(const std::exception& error) {
     static const QString badValue = QStringLiteral("Invalid value ");
     if (code == qpeInvalidValue && text.startsWith(badValue))
         return DeskDocument::tr("This value will not do: %1.").arg(text.mid(badValue.size()));
-    if (!text.isEmpty() && !text.endsWith(u'.') && !text.endsWith(u'!') && !text.endsWith(u'?'))
-        text += u'.';
-    return text;
+    return asSentence(text);
 }
 
 } // namespace lumora::desk

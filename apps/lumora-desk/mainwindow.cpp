@@ -1,5 +1,6 @@
 #include "apps/lumora-desk/mainwindow.h"
 
+#include "apps/lumora-desk/icons.h"
 #include "apps/lumora-desk/opendatabasedialog.h"
 #include "apps/lumora-desk/parametersdialog.h"
 #include "apps/lumora-desk/querylistpane.h"
@@ -97,8 +98,8 @@ void MainWindow::makeActions() {
     new_->setIcon(style()->standardIcon(QStyle::SP_FileIcon));
     save_->setIcon(style()->standardIcon(QStyle::SP_DialogSaveButton));
     open_->setIcon(style()->standardIcon(QStyle::SP_DialogOpenButton));
-    run_->setIcon(style()->standardIcon(QStyle::SP_MediaPlay));
-    cancel_->setIcon(style()->standardIcon(QStyle::SP_MediaStop));
+    run_->setIcon(runIcon());
+    cancel_->setIcon(stopIcon());
     new_->setToolTip(tr("Make a new query"));
     save_->setToolTip(tr("Save the query"));
     run_->setToolTip(tr("Run the query and show its rows (F5)"));

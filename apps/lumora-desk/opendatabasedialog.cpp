@@ -202,6 +202,7 @@ QWidget* OpenDatabaseDialog::makeQueriesPart() {
     part->setFocusProxy(place_);
     const auto showFolder = [this] {
         folderRow_->setVisible(place_->currentIndex() > 0);
+        folderRow_->findChild<QToolButton*>()->setVisible(place_->currentIndex() == 1);
         folder_->setPlaceholderText(place_->currentIndex() == 1 ? tr("path of the folder")
                                                                 : tr("lumora_queries"));
         updateState();

@@ -22,7 +22,7 @@ QWidget* withTitle(const QString& title, QWidget* content, QWidget* parent) {
 
 QueryPane::QueryPane(DeskDocument& document, QWidget* parent)
     : QSplitter(Qt::Horizontal, parent),
-      conditions_(new QueryPanelPlaceholder),
+      conditions_(new QueryPanelWidget),
       columns_(new ResultColumnsWidget) {
     setChildrenCollapsible(false);
     addWidget(withTitle(tr("Which records"), conditions_, this));
