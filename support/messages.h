@@ -61,7 +61,8 @@ enum TMessageId : int {
     msgQueryNameTooLong,
     msgNewQueryName,
     msgNoDataSet,
-    msgDataSetNotOpened
+    msgDataSetNotOpened,
+    msgCantSortDistinct
 };
 
 // The text of a message; a reference that is valid until the message is set.
