@@ -326,6 +326,7 @@ void TVQueryPanel::LoadCurBaseQuery() {
         SetQueryName(query->GetQueryName());
         SetDescription(TStringList(query->GetDescription()));
     } catch (...) {
+        query->ContentRefused();
         EndUpdate();
         throw;
     }

@@ -101,13 +101,14 @@ void TQueryBuilder::CheckResultField(const TResultField& field) const {
 }
 
 std::string TQueryBuilder::SortItem(TResultField& field) const {
+    const bool justSorting = result_.GetResultFields().JustSorting;
+    const bool constant = field.GetFields().empty(); // its text might be taken for a position
     const bool byName =
-        result_.GetResultFields().JustSorting || panel_.GetSQLOptions().Contains(soSortByNames);
+        justSorting || (panel_.GetSQLOptions().Contains(soSortByNames) && !(strict_ && constant));
     std::string item;
     if (!byName)
         item = std::to_string(field.GetNumber());
-    else if (field.GetFields().empty() ||
-             strict_) // strict: what the column shows, not only the first field in it
+    else if (constant || strict_) // strict: what the column shows, not only the first field in it
         item = field.GetSQLExpr();
     else
         item = field.GetFields().front()->GetSQLExpr();

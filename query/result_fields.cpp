@@ -115,6 +115,8 @@ std::string TResultField::GetOrderName() const {
 
 bool TResultField::GetAgregate() const {
     const std::string sql = LowerAscii(GetSQLExpr());
+    if (const TQueryHost* const panel = GetQueryPanel(); panel && panel->GetStrict())
+        return CallsAggregate(sql);
     for (const char* const function : {"sum(", "count(", "max(", "min(", "avg("})
         if (sql.find(function) != std::string::npos)
             return true;

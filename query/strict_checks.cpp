@@ -7,6 +7,7 @@
 #include "sqlparse/Vscanner.h"
 #include "sqlparse/sql_words.h"
 
+#include <algorithm>
 #include <unordered_set>
 
 namespace lumora {
@@ -145,6 +146,20 @@ void CheckExpression(std::string_view text, std::string_view caption) {
 void CheckSubQuery(std::string_view text, std::string_view caption) {
     if (SQLWordOf(TVScanner(text).Token().Text) != swSelect || !HoldsTogether(text, false))
         RaiseInvalidValue(text, caption);
+}
+
+bool CallsAggregate(std::string_view expression) {
+    static constexpr std::string_view functions[] = {"sum", "count", "max", "min", "avg"};
+    bool afterFunction = false;
+    for (TVScanner scanner(expression); !scanner.AtEnd(); scanner.Next()) {
+        const TToken& token = scanner.Token();
+        if (afterFunction && token.IsSymbol('('))
+            return true;
+        afterFunction = token.Kind == tkIdentifier &&
+                        std::any_of(std::begin(functions), std::end(functions),
+                                    [&](std::string_view name) { return SameText(token.Text, name); });
+    }
+    return false;
 }
 
 } // namespace lumora

@@ -23,6 +23,8 @@ bool IsValidValue(TFieldType type, std::string_view text);
 // sub-query begins with SELECT.
 void CheckExpression(std::string_view text, std::string_view caption);
 void CheckSubQuery(std::string_view text, std::string_view caption);
+// Whether an expression calls an aggregate function; what stands in quotes is none.
+bool CallsAggregate(std::string_view expression);
 [[noreturn]] void RaiseInvalidValue(std::string_view text, std::string_view caption);
 
 } // namespace lumora

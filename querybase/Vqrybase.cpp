@@ -29,7 +29,7 @@ void TVQueryItem::Changed() {
 
 TVQueryBase& TVQueryItem::CheckBase() const {
     if (!base_)
-        throw EVQueryBaseError(1, Message(msgNoQueryBase), {queryName_});
+        throw EVQueryBaseError(qbeNoQueryBase, Message(msgNoQueryBase), {queryName_});
     return *base_;
 }
 

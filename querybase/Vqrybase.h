@@ -16,6 +16,14 @@ namespace lumora {
 
 class TVQueryBase;
 
+enum TQueryBaseErrorCode : int {
+    qbeNoQueryBase = 1,
+    qbeConflict,    // what is stored is not what was read: someone else changed, deleted or made it
+    qbeNoSuchQuery, // it is not stored any more
+    qbeNoText,      // no panel gives one
+    qbeBadName      // none, or one that the storage cannot take
+};
+
 class EVQueryBaseError : public EVLumoraError {
 public:
     using EVLumoraError::EVLumoraError;
@@ -47,7 +55,9 @@ public:
     bool TakeContent(TStringList& content);
     bool GiveContent(TStringList& content);
     void Load();
-    void Save();
+    virtual void Save();
+    // A panel could not read the text that LoadContent gave, and does not show this query.
+    virtual void ContentRefused() {}
 
 private:
     friend class TVQueryBase;

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds the program, makes the sample database, and shows three saved queries: their words, their SQL, their rows.
+# Builds the program, makes the sample database, fills a data model from it and asks it a question, and shows three
+# saved queries: their words, their SQL, their rows.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 # shellcheck source=scripts/packages.sh
@@ -35,12 +36,29 @@ show() {
     "$lumora" run "$database" "$model" "$query" "$@"
 }
 
+# A model straight from the database, a statement turned into rows of words over it, and the answer.
+ask_filled_model() {
+    local filled=$build/filled.model query=$build/large-orders.qry statement=samples/large-orders.sql
+    printf '\n== A data model filled from the database (lumora fill)\n\n'
+    "$lumora" fill "$database" >"$filled"
+    printf '%s tables, %s fields, links found by the foreign keys:\n\n' \
+        "$(sed -n 's/^TableCount=//p' "$filled")" "$(sed -n 's/^FieldCount=//p' "$filled")"
+    sed -n 's/^\[Link:\(.*\)-\(.*\)\]$/    \1 -> \2/p' "$filled"
+    printf '\n== A question to it, written as SQL (%s) and turned into words\n\n' "$statement"
+    "$lumora" visual --strict "$filled" "$statement" >"$query"
+    "$lumora" words "$filled" "$query"
+    printf '\n'
+    "$lumora" run "$database" "$filled" "$query" --limit 5
+}
+
 mkdir -p "$build"
 echo "== Building $lumora"
 quietly cmake --preset release -B "$build" -DLUMORA_TESTS=OFF -DLUMORA_BENCH=OFF -DLUMORA_WERROR=OFF
 quietly cmake --build "$build" --target lumora
 echo "== Making $database, a shop for tents, tools and walking boots"
 python3 samples/make_orders_db.py "$database"
+
+ask_filled_model
 
 show 1 01-customers-in-norway --limit 8
 show 2 05-nested-brackets --limit 8

@@ -79,6 +79,12 @@ TEST(Cli, BadUsageIsToldWithAUsageLine) {
         {{"sql", "m", "q", "--syntax=sql2"},
          "Option --syntax does not know \"sql2\", only ssSQL1, ssSQL2, ssOracle\n" + sql},
         {{"sql", "-", "-"}, "Only one argument can be \"-\"\n" + sql},
+        {{"queries"}, "Missing command after \"queries\"\n" + anyCommand},
+        {{"queries list", "b"}, "Unknown command \"queries list\"\n" + anyCommand},
+        {{"queries", "copy"}, "Unknown command \"queries copy\"\n" + anyCommand},
+        {{"queries", "show", "b"}, "Missing argument NAME\nusage: lumora queries show BASE NAME\n"},
+        {{"queries", "show", "-", "n"},
+         "A query base cannot be read from standard input\nusage: lumora queries show BASE NAME\n"},
         {{"run", "-", "m", "q"}, "A database cannot be read from standard input\n" + run},
         {{"run", "d", "m", "q", "--format", "xml"},
          "Option --format does not know \"xml\", only table, csv, json\n" + run},
@@ -109,18 +115,30 @@ TEST(Cli, HelpTellsEveryCommandAndOption) {
     std::map<std::string, Words> options = {{"model", {}},   {"path", {}},     {"sql", query},
                                             {"text", query}, {"words", query}, {"run", query},
                                             {"parse", {}},   {"visual", query}};
+    options["queries list"] = {"--format"};
+    options["queries save"] = {"--replace"};
     options["text"].push_back("--no-titles");
     options["visual"].push_back("--no-titles");
     options["run"].insert(options["run"].end(), {"--param", "--limit", "--format"});
     const std::string help = outputOf({"--help"});
     for (const auto& [command, names] : options) {
         EXPECT_NE(help.find("\n  " + command + " "), std::string::npos) << help;
-        const std::string own = outputOf({command, "one", "--help", "--whatever"});
+        const std::size_t blank = std::min(command.find(' '), command.size());
+        Words words = {command.substr(0, blank)};
+        if (blank < command.size())
+            words.push_back(command.substr(blank + 1));
+        Words asked = words;
+        asked.insert(asked.end(), {"one", "--help", "--whatever"});
+        const std::string own = outputOf(asked);
         EXPECT_EQ(own.rfind("usage: lumora " + command + " ", 0), 0U) << own;
         for (const std::string& name : names)
             EXPECT_NE(own.find("\n  " + name + " "), std::string::npos) << own;
-        EXPECT_EQ(lumora({command, "--", "--help"}).out, "") << "no option behind --";
+        words.insert(words.end(), {"--", "--help"});
+        EXPECT_EQ(lumora(words).out, "") << "no option behind --";
     }
+    const std::string group = outputOf({"queries", "--help"});
+    EXPECT_NE(group.find("\n  queries list "), std::string::npos) << group;
+    EXPECT_EQ(group.find("\n  run "), std::string::npos) << group;
 }
 
 TEST(Cli, StatementsBecomeTreesAndQueries) {
@@ -247,6 +265,38 @@ TEST(Cli, StrictIsAskedFor) {
               "Invalid value \"0 or 1=1\" for \"Order total\"");
     EXPECT_EQ(errorOf({"run", "nowhere.sqlite", sampleModel, "-"}, {.text = query}),
               "Invalid value \"0 or 1=1\" for \"Order total\"");
+}
+
+// --- Query bases.
+
+TEST(CliQueries, AreKeptInFoldersAndFiles) {
+    const TemporaryFolder folder;
+    const std::string query = sampleQuery("05-nested-brackets");
+    const std::string other = "[Main]\nVersion=3.5\n[Description]\ntwo\nlines\n";
+    for (const std::string& base : {folder / "queries", folder / "queries.sqlite"}) {
+        EXPECT_EQ(errorOf({"queries", "list", base}),
+                  "Cannot open query base \"" + base + "\": No such file or directory");
+        EXPECT_EQ(outputOf({"queries", "save", base, "Größe: a/b", query}), "");
+        EXPECT_EQ(outputOf({"queries", "save", base, "-", "-"}, {.text = other}), "");
+        EXPECT_EQ(outputOf({"queries", "show", base, "Größe: a/b"}), readFile(query));
+        EXPECT_EQ(errorOf({"queries", "save", base, "-", query}),
+                  "There is a query \"-\" already (use --replace)");
+        EXPECT_EQ(errorOf({"queries", "delete", base, "b"}), "There is no query \"b\"");
+        EXPECT_EQ(errorOf({"queries", "save", base, "b", "-"}, {.text = "select 1"}),
+                  "Standard input is no query text: it has no section [Main]");
+        EXPECT_EQ(errorOf({"queries", "save", base, "", query}), "A query needs a name");
+        outputOf({"queries", "save", "--replace", base, "GRößE: A/B", "-"}, {.text = other});
+        EXPECT_EQ(outputOf({"queries", "list", base}), "name       | description\n"
+                                                       "-----------+------------\n"
+                                                       "-          | two lines\n"
+                                                       "Größe: a/b | two lines\n(2 rows)\n");
+        outputOf({"queries", "delete", base, "-"});
+        EXPECT_EQ(outputOf({"queries", "list", base, "--format=csv"}),
+                  "name,description\nGröße: a/b,\"two\nlines\"\n");
+    }
+    EXPECT_TRUE(std::filesystem::exists(folder / "queries/Größe%3A a%2Fb.qry"));
+    EXPECT_EQ(errorOf({"queries", "list", query}),
+              "Cannot open database \"" + query + "\": file is not a database");
 }
 
 // --- Running the samples.

@@ -99,6 +99,31 @@ TEST_F(Strict, KeepsSubQueriesAndFormulasInTheirPlace) {
     EXPECT_EQ(MessageOf<Exception>([&] { shop_.SQL(); }), "");
 }
 
+TEST_F(Strict, KnowsAggregatesByTheirCall) {
+    shop_.Select("customers.company");
+    TRFieldList& fields = shop_.Panel.GetQResult().GetResultFields();
+    fields.Add("count (@1)", {shop_.Field("customers.custno")}, "n");
+    fields.Add("@1 || ' sum('", {shop_.Field("customers.company")}, "text");
+    fields.Add("checksum(@1)", {shop_.Field("customers.since")}, "check");
+    shop_.SQL();
+    EXPECT_EQ(shop_.Panel.GetQResult().GroupBy, "customers.company, customers.company, customers.since");
+    shop_.Panel.SetStrict(false);
+    shop_.SQL();
+    EXPECT_EQ(shop_.Panel.GetQResult().GroupBy, "customers.company, customers.custno");
+}
+
+// As a number in ORDER BY it would be a position.
+TEST_F(Strict, SortsConstantsByTheirPosition) {
+    shop_.Panel.SetSQLOptions({soSortByNames});
+    shop_.Select("customers.company")->SetSorting(stAscending);
+    shop_.Panel.GetQResult().GetResultFields().Add("7", {}, "seven")->SetSorting(stDescending);
+    shop_.SQL();
+    EXPECT_EQ(shop_.Panel.GetQResult().OrderBy, "customers.company ASC, 2 DESC");
+    shop_.Panel.SetStrict(false);
+    shop_.SQL();
+    EXPECT_EQ(shop_.Panel.GetQResult().OrderBy, "customers.company ASC, 7 DESC");
+}
+
 TEST_F(Strict, RefusesWhatIsUnrecognizedOrWouldBeCut) {
     shop_.Where("orders.amount", "Equal", "1")->SetOperator(shop_.Model.GetUnrecognizedOperator());
     EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }), "Unrecognized operator \"row 1.\"");

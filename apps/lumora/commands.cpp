@@ -75,7 +75,7 @@ std::vector<OptionSpec> textOptionSpecs() {
 }
 
 std::vector<Command> makeCommands() {
-    return {
+    std::vector<Command> all = {
         {"model",
          {"MODEL"},
          "write a data model in the current version of its format",
@@ -122,6 +122,18 @@ std::vector<Command> makeCommands() {
          textOptionSpecs(),
          printVisual},
     };
+    const std::vector<Command> queries = queriesCommands();
+    all.insert(all.end(), queries.begin(), queries.end());
+    return all;
+}
+
+// What "-" may stand for.
+bool isTextFile(std::string_view argument) {
+    return argument == "MODEL" || argument == "QUERY" || argument == "SQLFILE";
+}
+
+std::string_view firstWord(std::string_view name) {
+    return name.substr(0, name.find(' '));
 }
 
 // The options' names in one column, their help in the next.
@@ -165,11 +177,22 @@ std::span<const Command> commands() {
     return all;
 }
 
-const Command* findCommand(std::string_view name) {
+const Command* findCommand(std::span<const std::string> words) {
     for (const Command& command : commands())
-        if (command.name == name)
+        if (const std::size_t length = nameLength(command);
+            length <= words.size() && command.name == (length == 1 ? words[0] : words[0] + ' ' + words[1]))
             return &command;
     return nullptr;
+}
+
+std::size_t nameLength(const Command& command) {
+    return firstWord(command.name) == command.name ? 1 : 2;
+}
+
+bool isGroup(std::string_view word) {
+    return std::any_of(commands().begin(), commands().end(), [&](const Command& command) {
+        return nameLength(command) == 2 && firstWord(command.name) == word;
+    });
 }
 
 std::string usageLine(const Command& command) {
@@ -190,19 +213,23 @@ std::string helpText(const Command& command) {
     std::string summary(command.summary);
     summary[0] = static_cast<char>(summary[0] - 'a' + 'A');
     text.append(summary).append(".\n").append(command.details).append("\n");
-    if (std::any_of(command.arguments.begin(), command.arguments.end(),
-                    [](std::string_view name) { return name == "MODEL" || name == "SQLFILE"; }))
+    if (std::any_of(command.arguments.begin(), command.arguments.end(), isTextFile))
         text += "\"-\" in the place of one text file stands for standard input.\n";
     return text + "\nOptions:\n" + optionLines(command.options);
 }
 
-std::string helpText() {
-    std::string text = "usage: lumora COMMAND [OPTIONS] ARGUMENTS\n\n"
-                       "Turns saved queries over a data model into SQL, into words, or into rows, and SQL "
-                       "into queries.\n\nCommands:\n";
+std::string helpText(std::string_view group) {
+    std::string text = group.empty()
+                           ? "usage: lumora COMMAND [OPTIONS] ARGUMENTS\n\n"
+                             "Turns saved queries over a data model into SQL, into words, or into "
+                             "rows, and SQL into queries.\n"
+                           : "usage: lumora " + std::string(group) + " COMMAND [OPTIONS] ARGUMENTS\n";
+    text += "\nCommands:\n";
     for (const Command& command : commands()) {
+        if (!group.empty() && (nameLength(command) == 1 || firstWord(command.name) != group))
+            continue;
         std::string line = "  " + std::string(command.name);
-        line.resize(10, ' ');
+        line.resize(18, ' ');
         text.append(line).append(command.summary).append("\n");
     }
     return text + "\n\"lumora COMMAND --help\" tells more about a command.\n"
@@ -213,10 +240,14 @@ void checkStandardInput(const Command& command, const Arguments& arguments) {
     bool taken = false;
     for (std::size_t i = 0; i < command.arguments.size(); ++i) {
         const std::string_view name = command.arguments[i];
-        if (arguments[i] != "-" || name == "FROM" || name == "TO")
+        if (arguments[i] != "-")
             continue;
         if (name == "DATABASE")
             throw UsageError("A database cannot be read from standard input");
+        if (name == "BASE")
+            throw UsageError("A query base cannot be read from standard input");
+        if (!isTextFile(name))
+            continue;
         if (taken)
             throw UsageError("Only one argument can be \"-\"");
         taken = true;

@@ -1,6 +1,7 @@
 // lumora: data models and queries on the command line.
 
 #include "apps/lumora/commands.h"
+#include "apps/lumora/interruption.h"
 
 #include <cstdio>
 #include <exception>
@@ -39,15 +40,24 @@ void runCommandLine(const Command& command, std::span<const std::string> words, 
     command.run(arguments, output);
 }
 
-// The command that the first word names; none when it asks for help.
+[[noreturn]] void refuseCommand(std::span<const std::string> words) {
+    const bool inGroup = isGroup(words[0]);
+    if (inGroup && words.size() == 1)
+        throw UsageError("Missing command after \"" + words[0] + '"');
+    const std::string& last = words[inGroup ? 1 : 0];
+    throw UsageError((last[0] == '-' ? "Unknown option \"" : "Unknown command \"") +
+                     (inGroup ? words[0] + ' ' + last : last) + '"');
+}
+
+// The command that the words begin with; none when they ask for help about several.
 const Command* chooseCommand(std::span<const std::string> words) {
     if (words.empty())
         throw UsageError("Missing command");
-    if (words[0] == helpOption)
+    if (words[0] == helpOption || (words.size() > 1 && words[1] == helpOption && isGroup(words[0])))
         return nullptr;
-    if (const Command* const command = findCommand(words[0]))
+    if (const Command* const command = findCommand(words))
         return command;
-    throw UsageError((words[0][0] == '-' ? "Unknown option \"" : "Unknown command \"") + words[0] + '"');
+    refuseCommand(words);
 }
 
 int run(std::span<const std::string> words) {
@@ -57,14 +67,17 @@ int run(std::span<const std::string> words) {
         Output output;
         if (const Command* const command = chooseCommand(words)) {
             usage = usageLine(*command);
-            runCommandLine(*command, words.subspan(1), output);
+            runCommandLine(*command, words.subspan(nameLength(*command)), output);
         } else {
-            output.write(helpText());
+            output.write(words[0] == helpOption ? helpText() : helpText(words[0]));
         }
         output.finish();
         return Success;
     } catch (const UsageError& error) {
         return refuse(error, usage);
+    } catch (const Interrupted& error) {
+        printError(error.what());
+        return Interrupted::exitStatus;
     } catch (const std::exception& error) {
         printError(error.what());
         return Failure;

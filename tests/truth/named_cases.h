@@ -1,0 +1,26 @@
+// Queries that an engine is known to refuse, or to understand otherwise than their rows say.
+#pragma once
+
+#include "tests/truth/reference.h"
+
+namespace lumora::truth {
+
+enum class Effect { none, differs, refused }; // differs: may be refused too, and may be right by chance
+
+struct NamedCase {
+    const char* name;
+    const char* reason;
+    Effect sqlite;
+    Effect postgres;
+    bool strictToo;
+    bool (*applies)(const TVQueryPanel& panel, const Engine& engine);
+
+    Effect effect(const Engine& engine) const { return engine.quotesBooleans ? postgres : sqlite; }
+};
+
+extern const std::vector<NamedCase> namedCases;
+
+// Whether a strict panel is to refuse the query for one of its values.
+bool hasRefusedValue(const TVQueryPanel& panel);
+
+} // namespace lumora::truth
