@@ -34,8 +34,7 @@ public:
     void SaveInfo(TStringList& settings) override;
     void LoadInfo(TStringList& settings) override;
 
-    // What ended the last GetSQLValues before its time; empty when nothing did.
-    const std::string& GetLastError() const { return lastError_; }
+    std::string GetLastError() const override { return lastError_; }
 
 private:
     void ReadValues(TQuery& query, TStringList& first, TStringList& second) const;

@@ -61,6 +61,8 @@ public:
     virtual void GetDatabaseNames(TStringList& names);
     // Runs a query; line i of the lists is the text of row i's first and second column.
     virtual void GetSQLValues(std::string_view sql, TStringList& first, TStringList& second);
+    // What ended the last GetSQLValues before its time; empty when nothing did.
+    virtual std::string GetLastError() const { return {}; }
 
     void GetTableNames(TStringList& tables) { TablesByDatabase(tables); }
     // The fields of a table; the list belongs to the provider and holds until the next call. Only a table

@@ -3,8 +3,11 @@
 
 #include "model/Vdbstruc.h"
 #include "panel/appearance.h"
+#include "panel/panel_keyboard.h"
 #include "panel/panel_links.h"
+#include "panel/panel_menus.h"
 #include "panel/panel_view.h"
+#include "panel/row_moves.h"
 #include "platform/component.h"
 #include "query/errors.h"
 #include "query/filter_rows.h"
@@ -89,10 +92,22 @@ public:
     void SetCurrentRowNum(int number) { SetCurrentRow(GetRowByNum(number)); }
     TFilterRow* GetRowByNum(int number); // none when no row has the number
     TFilterRow* GetLastRow() { return root_ ? root_->GetLastRow() : nullptr; }
-    // To the row after or before the current one; such moves come from the keyboard.
+    // To the visible row after or before the current one; such moves come from the keyboard.
     void IncCurRow();
     void DecCurRow();
     bool GetMovedByKeyboard() const { return movedByKeyboard_; }
+    // Move the current row: before or behind its neighbour, out of its bracket, into the bracket before it.
+    // Nothing happens when it cannot go there.
+    void MoveCurRowUp();
+    void MoveCurRowDown();
+    void MoveCurRowLeft();
+    void MoveCurRowRight();
+    // Deletes the current row, but never the root bracket.
+    void DeleteCurRow();
+    // Whether the row is one of the panel's; the pointer may be one to a row that is gone.
+    bool HasRow(const TFilterRow* row);
+    // Another number than the last time when rows have come, gone, moved, been hidden or shown.
+    unsigned GetRowsVersion() const { return rowsVersion_; }
 
     // --- Activity. An inactive panel shows no rows and builds no conditions.
     bool GetActive() const { return active_; }
@@ -125,12 +140,39 @@ public:
     // Lines name=value of the simple conditions, from which lists from SQL take their parameters.
     const TStringList& GetSQLParams();
 
+    // --- Keyboard, mouse and menus. Without a model they do nothing.
+    // True when the key was handled. Needs an active panel and aoAllowKeyboard.
+    bool KeyDown(int key, TShiftState shift) { return keyboard_.KeyDown(key, shift); }
+    // The current row's current word, for drawing it and for stepping through its words.
+    TPanelKeyboard& GetKeyboard() { return keyboard_; }
+    // A click on a word, given by its index in ScreenWords of the row (-1: beside the words): the row becomes
+    // current and the word does what it is there for. The screen shows the rest through the view.
+    void ClickWord(TFilterRow& row, int word);
+    void AddRowLabelMouseDown(); // a click on the line that adds a condition
+    // A double click; tells the host of one on a value.
+    void DblClickWord(TFilterRow& row, int word);
+    // The menu that a right click on a word or the menu key asks for (-1: beside the words).
+    void ContextMenu(TFilterRow& row, int word);
+    void CreateMenus() { menus_.CreateMenus(); }
+    void UpdateMenus();
+    void VPopup(TPopupMenu& menu) { menus_.VPopup(menu); }
+    void MenuItemClick(const TMenuItem& item) { menus_.MenuItemClick(item); }
+    // The model's condition of that index, at the end of the current bracket.
+    void AddCustomConditionClick(int condition) { menus_.AddCustomConditionClick(condition); }
+    void ValueMenuItemClick(const TMenuItem& item, TFilterCond& condition, int value) {
+        menus_.ValueMenuItemClick(item, condition, value);
+    }
+    TPanelMenus& GetMenus() { return menus_; }
+    // Whether a value may be made a parameter: aoAllowParams is on, and it is no sub-query.
+    bool AllowsParam(const TFilterCond& condition, int value) const;
+
     // --- Dialogs, which the view shows.
     void SetView(TQueryPanelView* view); // not owned; none: no screen
     TQueryPanelView& View() const { return *view_; }
     bool EditQResult() { return ShowResultFieldsDlg(rfeHelpContext_, 0); }
     bool ShowResultFieldsDlg(int helpContext, int options);
     bool EditTitles();
+    // True when the sub-query was confirmed; the arguments are then its query text, SQL and options.
     bool EditSubQuery(TStringList& lines, std::string& sql, TSQLOptions& options);
 
     // --- Text.
@@ -222,15 +264,17 @@ private:
     friend class TQueryTextReader;
     friend class TSQLJoins;
     friend class TSQLReader;
+    friend class TRowMover;
 
     // TQueryHost.
     bool RemovesEmptyBrackets() const override {
-        return appearance_.GetOptions().Contains(aoNonEmptyBrackets);
+        return !keepsEmptyBrackets_ && appearance_.GetOptions().Contains(aoNonEmptyBrackets);
     }
     bool IsLoadingQuery() const override { return state_ == stLoading; }
     void RowsChanged() override;
     void EnsureRowNumbers() override;
     void RowChanged(TFilterRow& row) override;
+    void RowHidden(TFilterRow& row) override;
     void RowDeleting(TFilterRow& row) override;
     void RowDestroyed(TFilterRow& row) override;
     void ValueChanged(TFilterCond& condition, int value) override;
@@ -256,6 +300,9 @@ private:
     void AppearanceChanged();
     void ReadOldOptions(const TFormValue& value);
     void CheckHeaderTitle() const;
+    void MoveCurRow(TRowTarget target);
+    void StepCurRow(int by);
+    void PlaceRowsAnew();
     void NumberRows(TFilterRow& row);
     template <typename TVisit>
     void ForEachCondition(TVisit visit);
@@ -303,6 +350,10 @@ private:
     bool movedByKeyboard_ = false;
     std::vector<TFilterRow*> rowOrder_; // all rows by number, while the numbers are right
     bool rowNumbersStale_ = true;
+    unsigned rowsVersion_ = 1;
+    bool keepsEmptyBrackets_ = false; // while a row moves
+    TPanelKeyboard keyboard_{*this};
+    TPanelMenus menus_{*this};
 
     int rowSpace_ = 3;
     int tabSpace_ = 20;

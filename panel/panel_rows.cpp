@@ -1,5 +1,9 @@
 // The panel's rows: adding, numbering, the current row, and what happens to them when the model changes.
 #include "panel/Vquerpnl.h"
+#include "panel/condition_changes.h"
+#include "panel/screen_words.h"
+
+#include <algorithm>
 
 namespace lumora {
 
@@ -37,8 +41,10 @@ TFilterBracket* TVQueryPanel::AddBracketNum(TFilterBracket& bracket, int number)
 
 // A new condition begins with the model's first field and the first operator of that.
 void TVQueryPanel::InitializeNewRow(TFilterRow& row) {
-    if (row.GetRowType() == frtSimpleCondition && dbStruct_->GetFieldCount() > 0)
+    if (row.GetRowType() == frtSimpleCondition && dbStruct_->GetFieldCount() > 0) {
         static_cast<TSimpleCond&>(row).SetField(dbStruct_->GetField(0));
+        TakeDefaultValue(static_cast<TSimpleCond&>(row));
+    }
     view_->ShowRow(row);
     SetCurrentRow(&row);
     view_->ScrollToEnd();
@@ -117,6 +123,7 @@ void TVQueryPanel::SetCurrentRow(TFilterRow* row) {
         return;
     TFilterRow* const old = currentRow_;
     currentRow_ = row;
+    keyboard_.RowChanged();
     if (old && row && !old->IsDestroying() && !row->IsDestroying()) {
         view_->RepaintRow(*old);
         view_->RepaintRow(*row);
@@ -131,25 +138,80 @@ TFilterBracket* TVQueryPanel::GetCurrentBracket() const {
     return currentRow_ ? currentRow_->GetParent() : nullptr;
 }
 
-void TVQueryPanel::IncCurRow() {
-    TFilterRow* const last = GetLastRow();
-    if (last && GetCurrentRowNum() < last->GetRowNum())
-        SetCurrentRowNum(GetCurrentRowNum() + 1);
+void TVQueryPanel::StepCurRow(int by) {
+    TFilterRow* row = currentRow_;
+    if (row) {
+        do
+            row = GetRowByNum(row->GetRowNum() + by);
+        while (row && !IsRowVisible(*this, *row));
+    }
+    if (row)
+        SetCurrentRow(row);
     movedByKeyboard_ = true;
 }
 
+void TVQueryPanel::IncCurRow() {
+    StepCurRow(1);
+}
+
 void TVQueryPanel::DecCurRow() {
-    if (GetCurrentRowNum() >= 1)
-        SetCurrentRowNum(GetCurrentRowNum() - 1);
-    movedByKeyboard_ = true;
+    StepCurRow(-1);
+}
+
+void TVQueryPanel::MoveCurRow(TRowTarget target) {
+    if (currentRow_ && MoveRow(*this, *currentRow_, target))
+        view_->RepaintRow(*currentRow_);
+}
+
+void TVQueryPanel::MoveCurRowUp() {
+    if (currentRow_)
+        MoveCurRow(TargetUp(*currentRow_));
+}
+
+void TVQueryPanel::MoveCurRowDown() {
+    if (currentRow_)
+        MoveCurRow(TargetDown(*currentRow_));
+}
+
+void TVQueryPanel::MoveCurRowLeft() {
+    if (currentRow_)
+        MoveCurRow(TargetLeft(*currentRow_));
+}
+
+void TVQueryPanel::MoveCurRowRight() {
+    if (currentRow_)
+        MoveCurRow(TargetRight(*currentRow_));
+}
+
+// The row that was to become current may have been a bracket that went as well, being empty.
+void TVQueryPanel::DeleteCurRow() {
+    if (!currentRow_ || !currentRow_->GetParent())
+        return;
+    currentRow_->GetParent()->DeleteRow(currentRow_->GetIndex());
+    if (!currentRow_ && !GetEmpty())
+        SetCurrentRow(GetLastRow());
+}
+
+bool TVQueryPanel::HasRow(const TFilterRow* row) {
+    EnsureRowNumbers();
+    return std::find(rowOrder_.begin(), rowOrder_.end(), row) != rowOrder_.end();
 }
 
 // --- Told by the rows.
 
-void TVQueryPanel::RowsChanged() {
+void TVQueryPanel::PlaceRowsAnew() {
     rowNumbersStale_ = true;
+    ++rowsVersion_;
     view_->PlaceAllRows();
+}
+
+void TVQueryPanel::RowsChanged() {
+    PlaceRowsAnew();
     QueryChanged();
+}
+
+void TVQueryPanel::RowHidden(TFilterRow&) {
+    PlaceRowsAnew();
 }
 
 void TVQueryPanel::RowChanged(TFilterRow& row) {
@@ -177,6 +239,7 @@ void TVQueryPanel::RowDeleting(TFilterRow& row) {
 
 void TVQueryPanel::RowDestroyed(TFilterRow& row) {
     rowNumbersStale_ = true;
+    ++rowsVersion_;
     if (currentRow_ == &row) {
         currentRow_ = nullptr;
         view_->Repaint();
@@ -298,7 +361,7 @@ void TVQueryPanel::ModelReplaced() {
     for (TFilterCond* const row : lost)
         row->GetParent()->DeleteRow(row->GetIndex());
     InitStructureRelatedProperties();
-    view_->UpdateMenus();
+    UpdateMenus();
     view_->PlaceAllRows();
     view_->Repaint();
 }

@@ -2,15 +2,12 @@
 // windows.
 #pragma once
 
-#include "query/sql_options.h"
-
-#include <string>
-
 namespace lumora {
 
+class TdlgSubQuery;
 class TFilterRow;
-class TStringList;
 class TVQueryPanel;
+struct TPopupMenu;
 
 class TQueryPanelView {
 public:
@@ -26,12 +23,18 @@ public:
     virtual void ScrollToEnd() {}
     virtual void UpdateMenus() {}
 
+    // Drops down the editor of a word, given by its index in ScreenWords of the row: a TWordEditor gives what
+    // is in it. `word` may be one whose editor is a dialog (ddDialog), which TWordEditor runs.
+    virtual void DropDownWord(TFilterRow&, int /*word*/) {}
+    // Shows a menu at a word, or where the pointer is when `word` is -1. TVQueryPanel::MenuItemClick and
+    // ValueMenuItemClick carry out what is chosen.
+    virtual void ShowRowMenu(TFilterRow&, int /*word*/, TPopupMenu&) {}
+    virtual void ShowValueMenu(TFilterRow&, int /*word*/, TPopupMenu&) {}
+
     // Dialogs; true when they were confirmed.
     virtual bool EditResultFields(TVQueryPanel&, int /*helpContext*/, int /*options*/) { return false; }
     virtual bool EditTitles(TVQueryPanel&) { return false; }
-    virtual bool EditSubQuery(TVQueryPanel&, TStringList& /*lines*/, std::string& /*sql*/, TSQLOptions&) {
-        return false;
-    }
+    virtual bool RunSubQueryDialog(TdlgSubQuery&) { return false; }
 };
 
 } // namespace lumora

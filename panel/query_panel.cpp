@@ -67,6 +67,7 @@ void TVQueryPanel::SetDbStruct(TVCustomDBStructure* structure) {
         currentRow_ = nullptr;
         root_.reset();
         rowNumbersStale_ = true;
+        ++rowsVersion_;
         result_.DbStructChanged(nullptr);
         return;
     }
@@ -112,8 +113,7 @@ void TVQueryPanel::RecreateRootBracket() {
     currentRow_ = nullptr;
     root_.reset();
     root_ = std::make_unique<TFilterBracket>(static_cast<TQueryHost&>(*this));
-    rowNumbersStale_ = true;
-    view_->PlaceAllRows();
+    PlaceRowsAnew();
 }
 
 // --- The query.
@@ -173,7 +173,7 @@ void TVQueryPanel::SetActive(bool active) {
         CheckHeaderTitle();
     active_ = active;
     if (active) {
-        view_->UpdateMenus();
+        UpdateMenus();
         view_->ShowHeader(appearance_.GetStyle() != psAndOr);
         SetCurrentRow(GetRowByNum(root_->GetRowCount() > 0 ? 1 : 0));
         view_->PlaceAllRows();
@@ -270,10 +270,6 @@ bool TVQueryPanel::ShowResultFieldsDlg(int helpContext, int options) {
 
 bool TVQueryPanel::EditTitles() {
     return view_->EditTitles(*this);
-}
-
-bool TVQueryPanel::EditSubQuery(TStringList& lines, std::string& sql, TSQLOptions& options) {
-    return view_->EditSubQuery(*this, lines, sql, options);
 }
 
 // --- Notices.

@@ -1,6 +1,7 @@
 #include "panel/row_words.h"
 
 #include "panel/Vquerpnl.h"
+#include "support/messages.h"
 
 namespace lumora {
 
@@ -8,7 +9,7 @@ namespace {
 
 class TWordMaker {
 public:
-    explicit TWordMaker(const TVQueryPanel& panel) : panel_(panel) {}
+    TWordMaker(const TVQueryPanel& panel, bool prompts) : panel_(panel), prompts_(prompts) {}
 
     std::vector<TRowWord> Make(const TFilterRow& row) {
         if (panel_.GetAppearance().GetStyle() == psAndOr)
@@ -31,7 +32,16 @@ private:
     void Add(TWordRole role, std::string_view caption, int value = 0) {
         caption = Trim(caption);
         if (!caption.empty() && words_.size() < MaxRowWords)
-            words_.push_back({role, std::string(caption), value});
+            words_.push_back({role, std::string(caption), value, false});
+    }
+
+    // A word that may still have nothing to say.
+    void AddOrPrompt(TWordRole role, std::string_view caption, TMessageId prompt, int value = 0) {
+        const bool isPrompt = prompts_ && Trim(caption).empty();
+        const std::size_t count = words_.size();
+        Add(role, isPrompt ? std::string_view(Message(prompt)) : caption, value);
+        if (words_.size() > count)
+            words_.back().IsPrompt = isPrompt;
     }
 
     // The word stands before all rows of a bracket but the first.
@@ -54,23 +64,25 @@ private:
     }
 
     void AddValue(const TFilterCond& condition, int value) {
+        const TMessageId prompt =
+            condition.GetValueKind(value) == vkSubQuery ? msgSubQueryPrompt : msgValuePrompt;
         if (const TSQLParam* const param = condition.GetParam(value))
-            Add(wrValue, param->Caption, value);
+            AddOrPrompt(wrValue, param->Caption, prompt, value);
         else
-            Add(wrValue,
-                condition.GetCaption(value).empty() ? condition.GetValue(value) : condition.GetCaption(value),
-                value);
+            AddOrPrompt(wrValue,
+                        condition.GetCaption(value).empty() ? condition.GetValue(value)
+                                                            : condition.GetCaption(value),
+                        prompt, value);
     }
 
     void AddSimple(const TSimpleCond& condition) {
-        if (condition.GetField())
-            Add(wrField, condition.GetField()->GetDisplayName());
-        if (!condition.GetOperator())
-            return;
-        Add(wrOperator, condition.GetOperator()->DisplayName);
+        const TDSField* const field = condition.GetField();
+        const TDSOperator* const op = condition.GetOperator();
+        AddOrPrompt(wrField, field ? field->GetDisplayName() : std::string(), msgFieldPrompt);
+        AddOrPrompt(wrOperator, op ? op->DisplayName : std::string(), msgOperatorPrompt);
         for (int value = 1; value <= condition.GetValueCount(); ++value) {
             if (value > 1)
-                Add(wrText, condition.GetOperator()->ValFormat);
+                Add(wrText, op->ValFormat);
             AddValue(condition, value);
         }
     }
@@ -91,13 +103,14 @@ private:
     }
 
     const TVQueryPanel& panel_;
+    bool prompts_;
     std::vector<TRowWord> words_;
 };
 
 } // namespace
 
-std::vector<TRowWord> RowWords(const TVQueryPanel& panel, const TFilterRow& row) {
-    return TWordMaker(panel).Make(row);
+std::vector<TRowWord> RowWords(const TVQueryPanel& panel, const TFilterRow& row, bool prompts) {
+    return TWordMaker(panel, prompts).Make(row);
 }
 
 std::string RowText(const TVQueryPanel& panel, const TFilterRow& row) {

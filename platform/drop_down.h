@@ -38,6 +38,7 @@ struct TDropDownItem {
     std::string Group; // empty: none
     int ImageIndex = -1;
     bool Checked = false;
+    int GroupImageIndex = -1;
 };
 
 struct TDropDownContent {

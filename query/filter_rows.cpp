@@ -46,7 +46,7 @@ void TFilterRow::SetHidden(bool hidden) {
     if (hidden == hidden_)
         return;
     hidden_ = hidden;
-    host_.RowChanged(*this);
+    host_.RowHidden(*this);
 }
 
 // --- Brackets.

@@ -40,6 +40,8 @@ public:
     virtual void EnsureRowNumbers() = 0;
     // A row looks different now.
     virtual void RowChanged(TFilterRow& row) = 0;
+    // A row is hidden or shown now: the others are to be placed again.
+    virtual void RowHidden(TFilterRow& row) = 0;
     // A row is about to be deleted; it still stands in the tree.
     virtual void RowDeleting(TFilterRow& row) = 0;
     // A row is being freed: nothing may refer to it any longer.

@@ -62,7 +62,28 @@ enum TMessageId : int {
     msgNewQueryName,
     msgNoDataSet,
     msgDataSetNotOpened,
-    msgCantSortDistinct
+    msgCantSortDistinct,
+    // On screen.
+    msgYes,
+    msgNo,
+    msgFieldPrompt,
+    msgOperatorPrompt,
+    msgValuePrompt,
+    msgSubQueryPrompt,
+    msgFieldUnknown,
+    msgOperatorUnknown,
+    msgFieldMissing,
+    msgOperatorMissing,
+    msgValueMissing,
+    msgSubQueryMissing,
+    msgNotInList,
+    msgRowDisabled,
+    msgRowMenuName,
+    msgRowCheckBoxName,
+    msgFieldName,
+    msgOperatorName,
+    msgValueName,
+    msgLinkName
 };
 
 // The text of a message; a reference that is valid until the message is set.
