@@ -281,6 +281,11 @@ void QueryPanelWidget::openEditor(TFilterRow& row, int word) {
     openRow_ = &row;
     connect(popup_, &DropDownPopup::accepted, this,
             [this, editor](const TDropDownResult& answer) { acceptAnswer(editor, answer); });
+    connect(popup_, &DropDownPopup::cancelled, this, [this] {
+        popup_.clear();
+        openRow_ = nullptr;
+        viewport()->update();
+    });
     connect(popup_, &DropDownPopup::tabbed, this, &QueryPanelWidget::goToNextWord);
     viewport()->update();
 }
@@ -289,7 +294,9 @@ void QueryPanelWidget::acceptAnswer(TWordEditor editor, const TDropDownResult& a
     if (!panel() || !popup_)
         return;
     std::vector<TDropDownItem> items = popup_->content().Items;
+    popup_.clear();
     openRow_ = nullptr;
+    viewport()->update();
     attempt([&] {
         std::string reason;
         if (answer.Answer == daText) {
@@ -323,10 +330,15 @@ void QueryPanelWidget::openMenu(const TPopupMenu& menu, const TFilterRow& row, i
     closeWindows();
     updateNow();
     menu_ = new QMenu(this);
-    menu_->setAttribute(Qt::WA_DeleteOnClose);
+    // It goes after the answer that follows.
+    connect(menu_, &QMenu::aboutToHide, this, [this, menu = menu_.data()] {
+        menu->deleteLater();
+        if (menu_ == menu)
+            menu_.clear();
+        viewport()->update();
+    });
     const TFilterRow* const target = &row;
     fillMenu(*menu_, menu.Items, [this, target, choose](const TMenuItem& item) {
-        openRow_ = nullptr;
         if (panel() && panel()->HasRow(target))
             attempt([&] { choose(item); });
     });
