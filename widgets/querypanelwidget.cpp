@@ -236,6 +236,7 @@ void QueryPanelWidget::tellCurrent() {
 
 bool QueryPanelWidget::attempt(const std::function<void()>& action) {
     const QPointer<QueryPanelWidget> self(this);
+    refusal_.clear();
     try {
         action();
         return !self.isNull();
@@ -252,7 +253,8 @@ void QueryPanelWidget::refuse(const QString& reason) {
     if (where.isEmpty())
         where = lineRect(place.Line);
     QToolTip::showText(viewport()->mapToGlobal(where.bottomLeft()), Qt::convertFromPlainText(reason), this);
-    tellAlert(*this, reason);
+    refusal_ = reason;
+    tellAlert(*this);
     emit refused(reason);
 }
 
@@ -423,6 +425,7 @@ void QueryPanelWidget::paintEvent(QPaintEvent* event) {
     highlights.Pressed = pressed_;
     highlights.FocusedWord = current.Word;
     highlights.HasFocus = hasFocus() || popup_ || menu_;
+    highlights.IsEnabled = isEnabled();
     highlights.DropMark = drag_.mark();
     highlights.Dragged = drag_.row();
     QueryPanelPainter panelPainter(painter, palette(), panel()->GetAppearance(), highlights);
@@ -714,8 +717,8 @@ void QueryPanelWidget::endDrag(bool drop) {
     dragTimer_ = 0;
     viewport()->unsetCursor();
     viewport()->update();
-    if (drop && panel())
-        attempt([this] { drag_.drop(*panel()); });
+    if (drop && panel() && !attempt([this] { drag_.drop(*panel()); }))
+        return;
     drag_.cancel();
     scrollToCurrentSoon();
 }
