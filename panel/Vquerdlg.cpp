@@ -43,11 +43,15 @@ void TdlgSubQuery::LoadQuery(const TStringList& lines) {
     QPanel.LoadFromStrings(lines);
     TRFieldList& fields = QPanel.GetQResult().GetResultFields();
     if (TVCustomDBStructure* const model = QPanel.GetDbStruct();
-        fields.Count() == 0 && model->GetFieldCount() > 0) {
-        TDSField* const first = model->GetField(0);
-        fields.Add("@1", {first}, first->GetDisplayName())->SetAlias("");
-    }
+        fields.Count() == 0 && model->GetFieldCount() > 0)
+        SetResultField(*model->GetField(0));
     ShowResultFields();
+}
+
+void TdlgSubQuery::SetResultField(TDSField& field) {
+    TRFieldList& fields = QPanel.GetQResult().GetResultFields();
+    fields.Clear();
+    fields.Add("@1", {&field}, field.GetDisplayName())->SetAlias("");
 }
 
 void TdlgSubQuery::SaveQuery(TStringList& lines, std::string& sql) {
@@ -60,6 +64,33 @@ void TdlgSubQuery::ddlResultFieldCustomDropDown() {
     if (QPanel.EditQResult())
         if (TRFieldList& fields = QPanel.GetQResult().GetResultFields(); fields.Count() > 0)
             fields.GetRField(0)->SetAlias("");
+    ShowResultFields();
+}
+
+TDropDownContent TdlgSubQuery::ResultFieldContent() const {
+    TDropDownContent content;
+    const TVCustomDBStructure* const model = QPanel.GetDbStruct();
+    if (!model)
+        return content;
+    const TRFieldList& fields = QPanel.GetQResult().GetResultFields();
+    const bool isPlain = fields.Count() == 1 && fields.GetRField(0)->GetFields().size() == 1;
+    content.Kind = ddList;
+    for (int i = 0; i < model->GetFieldCount(); ++i) {
+        const TDSField& field = *model->GetField(i);
+        TDropDownItem& item = content.Items.emplace_back();
+        item.Caption = field.GetDisplayName();
+        item.Value = std::to_string(field.GetID());
+        if (isPlain && fields.GetRField(0)->GetFields().front() == &field)
+            content.CurrentItem = i;
+    }
+    return content;
+}
+
+void TdlgSubQuery::AcceptResultField(const TDropDownItem& item) {
+    const TVCustomDBStructure* const model = QPanel.GetDbStruct();
+    for (int i = 0; model && i < model->GetFieldCount(); ++i)
+        if (std::to_string(model->GetField(i)->GetID()) == item.Value)
+            SetResultField(*model->GetField(i));
     ShowResultFields();
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "panel/Vquerpnl.h"
+#include "platform/drop_down.h"
 
 #include <string>
 
@@ -40,6 +41,10 @@ public:
     void SaveQuery(TStringList& lines, std::string& sql);
     // The result field's word was clicked: opens the result fields editor.
     void ddlResultFieldCustomDropDown();
+    // What the result field's word drops down where there is no such editor: the model's fields.
+    TDropDownContent ResultFieldContent() const;
+    // One of those was chosen, and becomes the only result field.
+    void AcceptResultField(const TDropDownItem& item);
     // The check box was clicked; `checked` is what it is now.
     void cbDistinctClick(bool checked);
     // The reason why the query cannot be built, for the OK button to show instead of closing the window;
@@ -47,6 +52,7 @@ public:
     std::string CheckQuery();
 
 private:
+    void SetResultField(TDSField& field);
     void ShowResultFields();
 
     TVQueryPanel* parent_ = nullptr;

@@ -24,10 +24,6 @@ constexpr int padding = 6;
 
 constexpr int messageWidth = 320; // a longer reason takes several lines
 
-QColor errorColor(const QPalette& palette) {
-    return isDark(palette) ? QColor(0xFF, 0x8A, 0x80) : QColor(0xB0, 0x00, 0x20);
-}
-
 bool opensEditor(TDropDownKind kind) {
     return kind != ddNone && kind != ddDialog;
 }

@@ -19,6 +19,10 @@ inline bool isDark(const QPalette& palette) {
     return palette.color(QPalette::Window).lightness() < 128;
 }
 
+inline QColor errorColor(const QPalette& palette) {
+    return isDark(palette) ? QColor(0xFF, 0x8A, 0x80) : QColor(0xB0, 0x00, 0x20);
+}
+
 // The colour that a word is drawn in. The default blue cannot be read on a dark ground, where it gives way to
 // the palette's link colour (or a light blue, where that is as dark); colours that were chosen stay.
 inline QColor linkColor(TColor color, const QPalette& palette) {
