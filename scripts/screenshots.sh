@@ -6,8 +6,8 @@ cd "$(dirname "$0")/.."
 . scripts/packages.sh
 install_packages "${BUILD_PACKAGES[@]}" fonts-dejavu-core
 
-build=build/screenshots
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DLUMORA_TESTS=ON >/dev/null
+build=build/release
+cmake --preset release >/dev/null
 cmake --build "$build" --target lumora_screenshots
 
 XDG_RUNTIME_DIR=$(mktemp -d)

@@ -19,6 +19,8 @@ void PanelView::setPanel(TVQueryPanel* panel) {
     }
     panel_ = panel;
     if (panel_) {
+        if (auto* const other = dynamic_cast<PanelView*>(&panel_->View()))
+            other->widget_.setPanel(nullptr);
         panel_->SetView(this);
         WatchRemovalOf(panel_);
     }

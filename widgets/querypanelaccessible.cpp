@@ -239,6 +239,10 @@ public:
     explicit AccessibleQueryPanel(QueryPanelWidget* widget)
         : QAccessibleWidget(widget, QAccessible::List), widget_(widget) {}
 
+    QString text(QAccessible::Text kind) const override {
+        const bool isRefused = kind == QAccessible::Description && !widget_->refusal().isEmpty();
+        return isRefused ? widget_->refusal() : QAccessibleWidget::text(kind);
+    }
     int childCount() const override { return widget_->lineCount(); }
     QAccessibleInterface* child(int index) const override {
         if (index < 0 || index >= childCount())
@@ -298,10 +302,9 @@ void tellLinesChanged(QueryPanelWidget& widget) {
     QAccessible::updateAccessibility(&event);
 }
 
-void tellAlert(QueryPanelWidget& widget, const QString& text) {
+void tellAlert(QueryPanelWidget& widget) {
     if (!QAccessible::isActive())
         return;
-    widget.setAccessibleDescription(text);
     QAccessibleEvent event(&widget, QAccessible::Alert);
     QAccessible::updateAccessibility(&event);
 }

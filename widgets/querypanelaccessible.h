@@ -1,8 +1,6 @@
 // What assistive technology sees of a query panel: its lines, and in them their words.
 #pragma once
 
-#include <QString>
-
 namespace lumora {
 
 class QueryPanelWidget;
@@ -13,6 +11,6 @@ void installQueryPanelAccessibility();
 // Tell assistive technology, when there is any.
 void tellFocus(QueryPanelWidget& widget); // the current word has the keyboard
 void tellLinesChanged(QueryPanelWidget& widget);
-void tellAlert(QueryPanelWidget& widget, const QString& text);
+void tellAlert(QueryPanelWidget& widget); // something was refused
 
 } // namespace lumora

@@ -85,8 +85,10 @@ void QueryPanelPainter::paintLine(const TPlacedLine& line, int left, int right) 
             return place.Line == line.Line && place.Word == static_cast<int>(i);
         };
         paintWord(line.Words[i], palette, isAt(highlights_.Hovered), isAt(highlights_.Pressed));
-        if (line.IsCurrent && highlights_.HasFocus && highlights_.FocusedWord == static_cast<int>(i))
-            paintFocus(toQRect(line.Words[i].Bounds), palette);
+    }
+    if (line.IsCurrent && highlights_.HasFocus) {
+        const auto focused = static_cast<std::size_t>(highlights_.FocusedWord); // -1: the whole row
+        paintFocus(toQRect(focused < line.Words.size() ? line.Words[focused].Bounds : line.Bounds), palette);
     }
     painter_.setOpacity(1);
 }
@@ -126,7 +128,8 @@ void QueryPanelPainter::paintWord(const TPlacedWord& placed, const QPalette& pal
 
 void QueryPanelPainter::paintText(const TScreenWord& word, const QRect& bounds, const QPalette& palette,
                                   bool isHovered) {
-    const QColor color = textColor(word, palette);
+    const QColor color =
+        highlights_.IsEnabled ? textColor(word, palette) : palette_.color(QPalette::Disabled, QPalette::Text);
     if (isHovered && word.IsClickable()) {
         QColor tint = palette.color(QPalette::Highlight);
         tint.setAlpha(36);

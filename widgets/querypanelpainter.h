@@ -19,6 +19,7 @@ struct PanelHighlights {
     TWordPlace Pressed;
     int FocusedWord = -1; // of the current line
     bool HasFocus = false;
+    bool IsEnabled = true; // the whole widget
     TRect DropMark;
     const TFilterRow* Dragged = nullptr;
 };

@@ -236,6 +236,7 @@ void QueryPanelWidget::tellCurrent() {
 
 bool QueryPanelWidget::attempt(const std::function<void()>& action) {
     const QPointer<QueryPanelWidget> self(this);
+    refusal_.clear();
     try {
         action();
         return !self.isNull();
@@ -252,7 +253,8 @@ void QueryPanelWidget::refuse(const QString& reason) {
     if (where.isEmpty())
         where = lineRect(place.Line);
     QToolTip::showText(viewport()->mapToGlobal(where.bottomLeft()), Qt::convertFromPlainText(reason), this);
-    tellAlert(*this, reason);
+    refusal_ = reason;
+    tellAlert(*this);
     emit refused(reason);
 }
 
@@ -281,6 +283,11 @@ void QueryPanelWidget::openEditor(TFilterRow& row, int word) {
     openRow_ = &row;
     connect(popup_, &DropDownPopup::accepted, this,
             [this, editor](const TDropDownResult& answer) { acceptAnswer(editor, answer); });
+    connect(popup_, &DropDownPopup::cancelled, this, [this] {
+        popup_.clear();
+        openRow_ = nullptr;
+        viewport()->update();
+    });
     connect(popup_, &DropDownPopup::tabbed, this, &QueryPanelWidget::goToNextWord);
     viewport()->update();
 }
@@ -289,7 +296,9 @@ void QueryPanelWidget::acceptAnswer(TWordEditor editor, const TDropDownResult& a
     if (!panel() || !popup_)
         return;
     std::vector<TDropDownItem> items = popup_->content().Items;
+    popup_.clear();
     openRow_ = nullptr;
+    viewport()->update();
     attempt([&] {
         std::string reason;
         if (answer.Answer == daText) {
@@ -323,10 +332,15 @@ void QueryPanelWidget::openMenu(const TPopupMenu& menu, const TFilterRow& row, i
     closeWindows();
     updateNow();
     menu_ = new QMenu(this);
-    menu_->setAttribute(Qt::WA_DeleteOnClose);
+    // It goes after the answer that follows.
+    connect(menu_, &QMenu::aboutToHide, this, [this, menu = menu_.data()] {
+        menu->deleteLater();
+        if (menu_ == menu)
+            menu_.clear();
+        viewport()->update();
+    });
     const TFilterRow* const target = &row;
     fillMenu(*menu_, menu.Items, [this, target, choose](const TMenuItem& item) {
-        openRow_ = nullptr;
         if (panel() && panel()->HasRow(target))
             attempt([&] { choose(item); });
     });
@@ -411,6 +425,7 @@ void QueryPanelWidget::paintEvent(QPaintEvent* event) {
     highlights.Pressed = pressed_;
     highlights.FocusedWord = current.Word;
     highlights.HasFocus = hasFocus() || popup_ || menu_;
+    highlights.IsEnabled = isEnabled();
     highlights.DropMark = drag_.mark();
     highlights.Dragged = drag_.row();
     QueryPanelPainter panelPainter(painter, palette(), panel()->GetAppearance(), highlights);
@@ -702,8 +717,8 @@ void QueryPanelWidget::endDrag(bool drop) {
     dragTimer_ = 0;
     viewport()->unsetCursor();
     viewport()->update();
-    if (drop && panel())
-        attempt([this] { drag_.drop(*panel()); });
+    if (drop && panel() && !attempt([this] { drag_.drop(*panel()); }))
+        return;
     drag_.cancel();
     scrollToCurrentSoon();
 }

@@ -58,6 +58,9 @@ public:
     void showMenu(int line, int word);
     void makeCurrent(int line, int word = -1);
 
+    // Why what was asked for last cannot be done; empty when it was done.
+    const QString& refusal() const { return refusal_; }
+
     DropDownPopup* popup() const { return popup_; }
     QMenu* menu() const { return menu_; }
     bool isDragging() const { return drag_.isActive(); }
@@ -137,6 +140,7 @@ private:
     QPointer<DropDownPopup> popup_;
     QPointer<QMenu> menu_;
     const TFilterRow* openRow_ = nullptr; // what the popup or the menu is for; only compared
+    QString refusal_;
     TWordPlace hovered_;
     TWordPlace pressed_;
     QPoint pressPosition_;

@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QStyle>
 
@@ -46,6 +47,20 @@ void openFirstField(QueryPanelWidget& widget) {
     widget.clickWord(1, 1);
 }
 
+void sendMouse(QWidget& target, QEvent::Type type, const QPoint& position) {
+    const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, position, target.mapToGlobal(position), button, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&target, &event);
+}
+
+// The first condition, on its way behind the last one of the bracket.
+void dragARow(QueryPanelWidget& widget) {
+    const QPoint from = widget.wordRect(1, 0).center();
+    sendMouse(*widget.viewport(), QEvent::MouseButtonPress, from);
+    sendMouse(*widget.viewport(), QEvent::MouseMove,
+              {widget.wordRect(4, 0).center().x() + 4, widget.lineRect(5).bottom()});
+}
+
 std::vector<Picture> pictures() {
     const auto andOr = [](Scene& scene) {
         scene.addTwelve();
@@ -58,12 +73,13 @@ std::vector<Picture> pictures() {
         {"dark", {520, 322}, &Scene::addTwelve, true},
         {"and-or", {560, 302}, andOr},
         {"and-or-dark", {560, 302}, andOr, true},
-        {"scaled", {430, 170}, [](Scene& scene) { scene.addFew(); }},
+        {"scaled", {430, 166}, &Scene::addFew},
         {"nested", {480, 300}, &Scene::addNested},
         {"long", {520, 104}, &Scene::addLong},
         {"problems", {420, 146}, &Scene::addProblems},
-        {"editor", {520, 430}, [](Scene& scene) { scene.addFew(); }, false, openFirstField},
-        {"sub-query", {}, [](Scene& scene) { scene.addFew(); }},
+        {"editor", {520, 430}, &Scene::addFew, false, openFirstField},
+        {"drag", {430, 166}, &Scene::addFew, false, dragARow},
+        {"sub-query", {}, &Scene::addFew},
     };
 }
 
@@ -111,7 +127,9 @@ bool draw(const Picture& picture, const QString& model, const QDir& folder) {
     picture.fill(scene);
     const QPixmap pixmap = picture.size.isEmpty() ? grabSubQuery(scene) : grabWidget(scene, picture);
     const QString file = folder.filePath("panel-" + picture.name + ".png");
-    const QImage image = pixmap.toImage().convertToFormat(QImage::Format_RGB888);
+    const QImage image = pixmap.toImage()
+                             .convertToFormat(QImage::Format_RGB32)
+                             .convertToFormat(QImage::Format_Indexed8, Qt::AvoidDither);
     if (image.save(file, "png", 0))
         return true;
     std::fprintf(stderr, "Cannot write %s\n", qPrintable(file));

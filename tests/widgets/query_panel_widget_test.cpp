@@ -104,4 +104,292 @@ TEST_F(QueryPanelWidgetTest, MouseChoosesFieldOperatorAndValue) {
     EXPECT_TRUE(Widget.hasFocus());
 }
 
+TEST_F(QueryPanelWidgetTest, KeyboardBuildsAWholeCondition) {
+    Show();
+    Key(Qt::Key_Insert);
+    ASSERT_EQ(Shop.Root().GetRowCount(), 1);
+    auto& condition = static_cast<TSimpleCond&>(*Shop.Root().GetRow(0));
+    Key(Qt::Key_Return);
+    TypeInPopup("company");
+    KeyInPopup(Qt::Key_Tab); // accepts, and opens the operator
+    TypeInPopup("starts");
+    KeyInPopup(Qt::Key_Tab); // and the value
+    TypeInPopup("Ac");
+    KeyInPopup(Qt::Key_Tab); // there is no word behind it
+    EXPECT_EQ(condition.GetField(), Shop.Field("customers.company"));
+    EXPECT_EQ(condition.GetValue(1), "Ac");
+    EXPECT_FALSE(Widget.popup());
+    EXPECT_EQ(Widget.currentPlace().Word, WordOf(1, wrValue));
+    Key(Qt::Key_Left);
+    EXPECT_EQ(Widget.currentPlace().Word, WordOf(1, wrOperator));
+    Key(Qt::Key_Up);
+    EXPECT_EQ(Widget.currentPlace().Line, 0);
+    Key(Qt::Key_End);
+    Key(Qt::Key_Delete, Qt::ControlModifier);
+    EXPECT_TRUE(Shop.Panel.GetEmpty());
+}
+
+TEST_F(QueryPanelWidgetTest, EscapeGivesBackTheOldValue) {
+    TSimpleCond* const condition = Shop.Where("customers.custno", "EqualTo", "7");
+    Show();
+    Click(1, wrValue);
+    TypeInPopup("8");
+    KeyInPopup(Qt::Key_Escape);
+    EXPECT_FALSE(Widget.popup());
+    EXPECT_EQ(condition->GetValue(1), "7");
+    EXPECT_TRUE(Widget.hasFocus());
+}
+
+TEST_F(QueryPanelWidgetTest, ValueThatWillNotDoIsRefusedAndMarked) {
+    TSimpleCond* const condition = Shop.Where("customers.custno", "EqualTo", "7");
+    Show();
+    Click(1, wrValue);
+    TypeInPopup("x");
+    KeyInPopup(Qt::Key_Return);
+    EXPECT_TRUE(Widget.popup()) << "a number field takes no letters";
+    KeyInPopup(Qt::Key_Escape);
+    const QImage sound = Widget.grab().toImage();
+    condition->SetValue(1, "x");
+    EXPECT_NE(Widget.grab().toImage(), sound);
+    const TPlacedLine line = Widget.line(1);
+    EXPECT_EQ(line.Words[static_cast<std::size_t>(WordOf(1, wrValue))].Word.State, rsWrong);
+}
+
+TEST_F(QueryPanelWidgetTest, ValuesAreCheckedInAList) {
+    Shop.Field("customers.company")->SetEditType(etList);
+    auto& list = static_cast<TDSListEditor&>(*Shop.Field("customers.company")->GetValueEditor());
+    list.Items.SetText("Norway\nSweden\nFinland\n");
+    list.Values.SetText("N\nS\nF\n");
+    TSimpleCond* const condition = Shop.Where("customers.company", "InList", "S");
+    Show();
+    Click(1, wrValue);
+    ASSERT_TRUE(Widget.popup());
+    DropDownPopup& popup = *Widget.popup();
+    ASSERT_EQ(popup.content().Kind, ddCheckList);
+    popup.editor().SetChecked(0, true);
+    ASSERT_TRUE(popup.accept());
+    EXPECT_EQ(condition->GetValue(1), "N,S");
+    EXPECT_TRUE(Row(1).endsWith("Norway, Sweden")) << Row(1).toStdString();
+}
+
+TEST_F(QueryPanelWidgetTest, ContextMenusChangeRows) {
+    Shop.Where("customers.company", "EqualTo", "Acme");
+    Show();
+    const QPoint field = Widget.wordRect(1, WordOf(1, wrField)).center();
+    QContextMenuEvent right(QContextMenuEvent::Mouse, field, Widget.viewport()->mapToGlobal(field));
+    QCoreApplication::sendEvent(Widget.viewport(), &right);
+    Choose("Add Bracket");
+    ASSERT_EQ(Shop.Root().GetRowCount(), 2);
+    EXPECT_EQ(Shop.Root().GetRow(1)->GetRowType(), frtBracket);
+    QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, {}, {});
+    QCoreApplication::sendEvent(&Widget, &menuKey);
+    Choose("Enable");
+    EXPECT_FALSE(Shop.Root().GetRow(1)->GetEnabled());
+    // A value may become a parameter; the word then shows its menu rather than an editor.
+    Widget.showMenu(1, WordOf(1, wrValue));
+    Choose("Parameter");
+    EXPECT_TRUE(static_cast<TSimpleCond*>(Shop.Root().GetRow(0))->GetValueIsParam(1));
+    // A menu whose row has gone changes nothing.
+    Widget.showMenu(1, -1);
+    const QPointer<QMenu> menu = Widget.menu();
+    Shop.Root().DeleteRow(0);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(Widget.menu());
+}
+
+TEST_F(QueryPanelWidgetTest, SpaceTogglesTheCheckBoxOrOpensTheMenu) {
+    TSimpleCond* const condition = Shop.Where("customers.company", "EqualTo", "Acme");
+    Show();
+    Key(Qt::Key_End);
+    Key(Qt::Key_Space);
+    ASSERT_TRUE(Widget.menu());
+    Widget.menu()->close();
+    Shop.Panel.GetAppearance().SetOptions(Shop.Panel.GetAppearance().GetOptions() +
+                                          TQPAppearanceOptions{aoShowCheckBoxes});
+    Key(Qt::Key_Space);
+    EXPECT_FALSE(condition->GetEnabled());
+    Click(1, wrCheckBox);
+    EXPECT_TRUE(condition->GetEnabled());
+    // Without the keyboard map the keys are the window's.
+    Shop.Panel.GetAppearance().SetOptions({});
+    Key(Qt::Key_Space);
+    Key(Qt::Key_Insert);
+    EXPECT_FALSE(Widget.menu());
+    EXPECT_EQ(Shop.Root().GetRowCount(), 1);
+}
+
+TEST_F(QueryPanelWidgetTest, RowsAreDraggedIntoBrackets) {
+    TFilterBracket* const bracket = Shop.Panel.AddBracket(Shop.Root());
+    Shop.Where("customers.company", "EqualTo", "in it", {}, bracket);
+    TFilterRow* const dragged = Shop.Where("customers.company", "EqualTo", "moved");
+    Show();
+    const QPoint from = Widget.wordRect(3, WordOf(3, wrButton)).center();
+    const QPoint to(Widget.wordRect(2, WordOf(2, wrButton)).center().x(), Widget.lineRect(3).top());
+    const auto press = [&] {
+        QTest::mousePress(Widget.viewport(), Qt::LeftButton, Qt::NoModifier, from);
+        QTest::mouseMove(Widget.viewport(), from + QPoint(0, QApplication::startDragDistance()));
+        QMouseEvent move(QEvent::MouseMove, to, Widget.viewport()->mapToGlobal(to), Qt::NoButton,
+                         Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(Widget.viewport(), &move);
+        QCoreApplication::sendEvent(Widget.viewport(), &move);
+        ASSERT_TRUE(Widget.isDragging());
+    };
+    press();
+    Key(Qt::Key_Escape);
+    EXPECT_FALSE(Widget.isDragging());
+    QTest::mouseRelease(Widget.viewport(), Qt::LeftButton, Qt::NoModifier, to);
+    EXPECT_EQ(dragged->GetParent(), &Shop.Root());
+    press();
+    QTest::mouseRelease(Widget.viewport(), Qt::LeftButton, Qt::NoModifier, to);
+    EXPECT_EQ(dragged->GetParent(), bracket);
+    EXPECT_EQ(Shop.Panel.GetCurrentRow(), dragged);
+    EXPECT_FALSE(Widget.menu()) << "the button was dragged, not clicked";
+}
+
+TEST_F(QueryPanelWidgetTest, DragEndsWhenItsRowGoes) {
+    Shop.Where("customers.company", "EqualTo", "a");
+    Shop.Where("customers.company", "EqualTo", "b");
+    Show();
+    const QPoint from = Widget.wordRect(1, WordOf(1, wrButton)).center();
+    const QPoint to = from + QPoint(0, 60);
+    QTest::mousePress(Widget.viewport(), Qt::LeftButton, Qt::NoModifier, from);
+    QMouseEvent move(QEvent::MouseMove, to, Widget.viewport()->mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
+    QCoreApplication::sendEvent(Widget.viewport(), &move);
+    ASSERT_TRUE(Widget.isDragging());
+    Shop.Root().DeleteRow(0);
+    Widget.grab();
+    QTest::mouseRelease(Widget.viewport(), Qt::LeftButton, Qt::NoModifier, to);
+    EXPECT_FALSE(Widget.isDragging());
+    EXPECT_EQ(Shop.Root().GetRowCount(), 1);
+}
+
+TEST_F(QueryPanelWidgetTest, SubQueryWindowChangesTheConditionOnlyWithOk) {
+    Shop.Operator("InList")->ValueKind = vkSubQuery;
+    TSimpleCond* const condition = Shop.Where("customers.custno", "InList", "");
+    Show();
+    bool isConfirmed = false;
+    const auto inWindow = [&] {
+        auto* const window = qobject_cast<SubQueryDialog*>(QApplication::activeModalWidget());
+        ASSERT_TRUE(window);
+        EXPECT_EQ(window->size(), QSize(450, 293));
+        window->resultField()->openEditor();
+        ASSERT_TRUE(window->resultField()->popup());
+        QTest::keyClicks(window->resultField()->popup()->focusWidget(), "amount");
+        QTest::keyClick(window->resultField()->popup()->focusWidget(), Qt::Key_Return);
+        window->findChild<QCheckBox*>()->setChecked(true);
+        const auto buttons = window->findChildren<QPushButton*>();
+        ASSERT_EQ(buttons.size(), 2);
+        for (QPushButton* const button : buttons)
+            if ((button->text() == "OK") == isConfirmed)
+                button->click();
+    };
+    QTimer::singleShot(0, &Widget, inWindow);
+    Click(1, wrValue);
+    EXPECT_TRUE(condition->GetSubQuery().Empty());
+    isConfirmed = true;
+    QTimer::singleShot(0, &Widget, inWindow);
+    Click(1, wrValue);
+    EXPECT_NE(condition->GetSubQuery().GetText().find("amount"), std::string::npos);
+    EXPECT_TRUE(condition->GetSubQueryOptions().Contains(soSelectDistinct));
+    EXPECT_FALSE(Shop.Panel.GetSQLOptions().Contains(soSelectDistinct));
+}
+
+TEST_F(QueryPanelWidgetTest, AssistiveTechnologyReadsAndWorksRows) {
+    Shop.Where("customers.custno", "EqualTo", "x");
+    Shop.Where("customers.company", "EqualTo", "Acme")->SetEnabled(false);
+    Show();
+    QAccessibleInterface* const panel = QAccessible::queryAccessibleInterface(&Widget);
+    ASSERT_TRUE(panel);
+    ASSERT_EQ(panel->childCount(), 4);
+    QAccessibleInterface* const row = panel->child(1);
+    EXPECT_EQ(row->role(), QAccessible::ListItem);
+    EXPECT_EQ(panel->indexOfChild(row), 1);
+    EXPECT_EQ(row->parent(), panel);
+    EXPECT_TRUE(row->state().invalid);
+    EXPECT_FALSE(row->text(QAccessible::Description).isEmpty());
+    EXPECT_TRUE(panel->child(2)->state().disabled);
+    EXPECT_FALSE(panel->child(2)->state().invalid);
+    QAccessibleInterface* const value = row->child(WordOf(1, wrValue));
+    EXPECT_EQ(value->role(), QAccessible::ButtonMenu);
+    EXPECT_TRUE(value->text(QAccessible::Name).contains("x"));
+    EXPECT_TRUE(value->state().invalid);
+    EXPECT_EQ(value->parent(), row);
+    const QPoint centre = value->rect().center();
+    EXPECT_EQ(panel->childAt(centre.x(), centre.y())->childAt(centre.x(), centre.y()), value);
+    value->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    ASSERT_TRUE(Widget.popup());
+    Widget.popup()->cancel();
+    EXPECT_EQ(panel->focusChild(), value);
+    EXPECT_TRUE(value->state().focused);
+    Key(Qt::Key_Left);
+    EXPECT_EQ(panel->focusChild(), row->child(WordOf(1, wrOperator)));
+    panel->child(3)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(Shop.Root().GetRowCount(), 3);
+    Shop.Panel.ClearRows();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(row->isValid() && row->childCount() > 1)
+        << "the line that adds a condition stands there now";
+}
+
+TEST_F(QueryPanelWidgetTest, WhatItShowsMayGoAtAnyTime) {
+    auto model = std::make_unique<TVDBStructure>();
+    model->SetDatabaseInfo(&Shop.Info);
+    model->RetriveDataModelInfo();
+    auto panel = std::make_unique<TVQueryPanel>();
+    panel->SetDbStruct(model.get());
+    panel->Activate();
+    panel->AddCondition(*panel->GetRootBracket());
+    Widget.setPanel(panel.get());
+    Show();
+    Click(1, wrField);
+    ASSERT_TRUE(Widget.popup());
+    const QPointer<DropDownPopup> popup = Widget.popup();
+    model.reset();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(!popup || !popup->isVisible());
+    EXPECT_EQ(Widget.lineCount(), 0);
+    Widget.grab();
+    panel.reset();
+    EXPECT_EQ(Widget.panel(), nullptr);
+    Key(Qt::Key_Insert);
+    Widget.grab();
+    // And the other way round: a panel does without its widget.
+    {
+        QueryPanelWidget other;
+        other.setPanel(&Shop.Panel);
+    }
+    Shop.Panel.AddCondition(Shop.Root());
+    EXPECT_EQ(Shop.Root().GetRowCount(), 1);
+}
+
+TEST_F(QueryPanelWidgetTest, TenThousandRowsScroll) {
+    for (int i = 0; i < 10000; ++i)
+        Shop.Where("customers.company", "EqualTo", std::to_string(i));
+    Show();
+    EXPECT_GT(Widget.verticalScrollBar()->maximum(), 100000);
+    Key(Qt::Key_End);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(Widget.viewport()->rect().contains(Widget.lineRect(10000)));
+    EXPECT_EQ(Widget.currentPlace().Line, 10000);
+    Key(Qt::Key_PageUp);
+    QCoreApplication::processEvents();
+    const int line = Widget.currentPlace().Line;
+    EXPECT_LT(line, 10000);
+    EXPECT_GT(line, 9900);
+    QTest::mouseClick(Widget.viewport(), Qt::LeftButton, Qt::NoModifier,
+                      Widget.wordRect(line, WordOf(line, wrValue)).center());
+    EXPECT_TRUE(Widget.popup());
+    Widget.popup()->cancel();
+    Key(Qt::Key_Home);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(Widget.verticalScrollBar()->value(), 0);
+    QWheelEvent wheel({50, 50}, Widget.mapToGlobal(QPointF(50, 50)), {0, -35}, {0, -120}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(Widget.viewport(), &wheel);
+    EXPECT_EQ(Widget.verticalScrollBar()->value(), 35);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&Widget)->child(9000)->text(QAccessible::Name),
+              Row(9000));
+}
+
 } // namespace lumora::tests
