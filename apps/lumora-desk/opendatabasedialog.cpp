@@ -14,6 +14,7 @@
 #include <QSpinBox>
 #include <QStackedWidget>
 #include <QToolButton>
+#include <QUrl>
 #include <QVBoxLayout>
 
 namespace lumora::desk {
@@ -29,6 +30,21 @@ QFormLayout* makeForm(QWidget* widget) {
     form->setContentsMargins(0, 0, 0, 0);
     form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
     return form;
+}
+
+// The address of a database that is neither a file nor a PostgreSQL server; without the password.
+QString addressOf(const DatabaseParameters& database) {
+    if (database.driver == "QSQLITE"_L1)
+        return {};
+    if (database.driver == "QODBC"_L1)
+        return "odbc:"_L1 + database.databaseName;
+    QUrl url;
+    url.setScheme(u"mysql"_s);
+    url.setHost(database.hostName);
+    url.setPort(database.port);
+    url.setUserName(database.userName);
+    url.setPath(u'/' + database.databaseName);
+    return url.toString(QUrl::FullyEncoded);
 }
 
 } // namespace
@@ -47,6 +63,7 @@ OpenDatabaseDialog::OpenDatabaseDialog(const QList<OpenRequest>& recent, QWidget
     pages_->addWidget(makeServerPage());
     pages_->addWidget(makeUrlPage());
     pages_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
+    showPage(File);
 
     fields_ = new QWidget(this);
     auto* const form = makeForm(fields_);
@@ -56,6 +73,8 @@ OpenDatabaseDialog::OpenDatabaseDialog(const QList<OpenRequest>& recent, QWidget
     form->addRow(pages_);
     form->addRow(tr("Data &model:"), makeModelPart());
     form->addRow(tr("Queries are &kept:"), makeQueriesPart());
+    for (QLabel* const label : pages_->findChildren<QLabel*>()) // in line with those around the pages
+        label->setMinimumWidth(fontMetrics().horizontalAdvance(tr("Queries are &kept:").remove(u'&')));
 
     problem_->setWordWrap(true);
     problem_->setTextFormat(Qt::PlainText);
@@ -83,7 +102,7 @@ OpenDatabaseDialog::OpenDatabaseDialog(const QList<OpenRequest>& recent, QWidget
     resize(fontMetrics().averageCharWidth() * 80, sizeHint().height());
 
     connect(kind_, &QComboBox::currentIndexChanged, this, [this](int kind) {
-        pages_->setCurrentIndex(kind);
+        showPage(kind);
         updateState();
     });
     for (QLineEdit* const line : {file_, database_, url_})
@@ -99,6 +118,14 @@ OpenDatabaseDialog::OpenDatabaseDialog(const QList<OpenRequest>& recent, QWidget
 }
 
 // --- The fields.
+
+// The hidden pages take no room.
+void OpenDatabaseDialog::showPage(int kind) {
+    for (int i = 0; i < pages_->count(); ++i)
+        pages_->widget(i)->setSizePolicy(QSizePolicy::Preferred,
+                                         i == kind ? QSizePolicy::Preferred : QSizePolicy::Ignored);
+    pages_->setCurrentIndex(kind);
+}
 
 QWidget* OpenDatabaseDialog::makeRecentRow(const QList<OpenRequest>& recent) {
     auto* const box = new QComboBox(this);
@@ -226,7 +253,7 @@ void OpenDatabaseDialog::setRequest(const OpenRequest& request) {
         password_->setFocus();
     } else {
         file_->setText(base_.databaseName);
-        url_->setText(base_.label());
+        url_->setText(addressOf(base_));
     }
     model_->setText(request.modelFile);
     const bool inTable = request.queries.kind == QueryPlace::Kind::Table;

@@ -46,6 +46,7 @@ private:
     QWidget* makeQueriesPart();
     QWidget* withBrowseButton(QLineEdit* line, const QString& name, std::function<QString()> browse);
     DatabaseParameters parameters() const;
+    void showPage(int kind);
     void updateState();
     void setBusy(bool busy);
     void finish();

@@ -225,6 +225,23 @@ TEST_F(Windows, TheListPutsItsSelectionRightWhenTheQueryIsKept) {
     EXPECT_TRUE(readFile(queryFolder + "/B.qry").find("Oslo") != std::string::npos);
 }
 
+TEST(OpenDialog, GivesBackTheRequestThatItWasGiven) {
+    for (const char* const url : {"/data/a b.sqlite", "postgresql://ann@db.example:5433/shop",
+                                  "mysql://ann@db.example:3307/shop", "odbc:Driver=X;Database=shop"}) {
+        OpenDatabaseDialog dialog({});
+        const OpenRequest given{parseDatabase(url), "my.model", {QueryPlace::Kind::Table, "saved"}};
+        dialog.setRequest(given);
+        const OpenRequest back = dialog.request();
+        EXPECT_EQ(back.database.driver, given.database.driver) << url;
+        EXPECT_EQ(back.database.databaseName, given.database.databaseName) << url;
+        EXPECT_EQ(back.database.hostName, given.database.hostName) << url;
+        EXPECT_EQ(back.database.port, given.database.port) << url;
+        EXPECT_EQ(back.database.userName, given.database.userName) << url;
+        EXPECT_EQ(back.modelFile, given.modelFile);
+        EXPECT_EQ(back.queries, given.queries);
+    }
+}
+
 TEST(Sample, IsMadeOnceAndOpensWithItsQueries) {
     const TemporaryFolder home;
     const QString to = QString::fromStdString(home / "sample");
