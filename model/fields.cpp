@@ -141,6 +141,11 @@ void TDSField::SetEditType(TDSEditType type) {
     editor_ = MakeValueEditor(type, structure_);
 }
 
+void TDSField::SetListEditor(std::unique_ptr<TDSListEditor> editor) {
+    editType_ = etList;
+    editor_ = std::move(editor);
+}
+
 TDSFieldGroup* TDSFieldGroupList::Add(std::string name) {
     groups_.push_back(std::make_unique<TDSFieldGroup>());
     groups_.back()->GroupName = std::move(name);

@@ -215,6 +215,7 @@ void TVCustomDBStructure::UpdateExOperators() {
         if (op.Group == xoInList)
             GetOperator(index)->ValueKind = vkList;
     }
+    ExOperatorsUpdated();
 }
 
 // NotInList and NotBetween are neither refreshed nor deleted here, and nothing of xoStartsWith is deleted:

@@ -369,23 +369,42 @@ void TVCustomDBStructure::ClearItems() {
     ConditionKeysChanged();
 }
 
+void TVCustomDBStructure::AnnounceReplacing() {
+    if (replacing_++ == 0)
+        for (TModelListener* const listener : listeners_)
+            listener->ModelReplacing();
+}
+
+void TVCustomDBStructure::AnnounceReplaced() {
+    if (--replacing_ == 0)
+        for (TModelListener* const listener : listeners_)
+            listener->ModelReplaced();
+}
+
+void TVCustomDBStructure::ReplaceModel(const std::function<void()>& change) {
+    AnnounceReplacing();
+    try {
+        change();
+    } catch (...) {
+        AnnounceReplaced();
+        throw;
+    }
+    AnnounceReplaced();
+}
+
 void TVCustomDBStructure::ClearStructure() {
-    for (TModelListener* const listener : listeners_)
-        listener->ModelReplacing();
-    ClearItems();
-    UpdateDefOperators();
-    for (TModelListener* const listener : listeners_)
-        listener->ModelReplaced();
+    ReplaceModel([this] {
+        ClearItems();
+        UpdateDefOperators();
+    });
 }
 
 void TVCustomDBStructure::ClearTables() {
-    for (TModelListener* const listener : listeners_)
-        listener->ModelReplacing();
-    ClearTableItems();
-    for (const auto& condition : conditions_)
-        condition->UpdateTables();
-    for (TModelListener* const listener : listeners_)
-        listener->ModelReplaced();
+    ReplaceModel([this] {
+        ClearTableItems();
+        for (const auto& condition : conditions_)
+            condition->UpdateTables();
+    });
 }
 
 // --- Metadata.
@@ -418,12 +437,10 @@ void TVCustomDBStructure::RetriveDataModelInfo() {
     TStringList lines;
     provider.GetTableNames(lines);
     BeginUpdate();
-    for (TModelListener* const listener : listeners_)
-        listener->ModelReplacing();
+    AnnounceReplacing();
     const auto finish = [this] {
         EndUpdate();
-        for (TModelListener* const listener : listeners_)
-            listener->ModelReplaced();
+        AnnounceReplaced();
     };
     try {
         ClearItems();
@@ -479,37 +496,11 @@ void TVCustomDBStructure::Loaded() {
     if (!storedStruct_.Empty())
         LoadFromStrings(storedStruct_);
     storedStruct_.Clear();
-    for (TModelListener* const listener : listeners_)
-        listener->ModelReplaced(); // whoever waits for the model of a form can go on
+    ++replacing_; // whoever waits for the model of a form can go on
+    AnnounceReplaced();
 }
 
-std::span<const TPropertyInfo> TVDBStructure::PublishedProperties() const {
-    static const std::vector<TPropertyInfo> properties = [this] {
-        std::string defaultCaptions;
-        for (const TDefaultOperator& op : DefaultOperators())
-            defaultCaptions.append(op.Name).append("=").append(op.Caption).append("\n");
-        using TThis = TVDBStructure;
-        return ExtendProperties(
-            TComponent::PublishedProperties(),
-            {Property<TThis>("StoreStruct", &TThis::GetStoreStruct, &TThis::SetStoreStruct, true),
-             Property<TVCustomDBStructure>("AutoAddFields", &TThis::GetAutoAddFields,
-                                           &TThis::SetAutoAddFields, true),
-             ObjectProperty<TVCustomDBStructure, TSQLFormats>("SQLFormats", &TThis::GetSQLFormats),
-             ComponentProperty<TVCustomDBStructure, TVDBInfo>("DatabaseInfo", &TThis::GetDatabaseInfo,
-                                                              &TThis::SetDatabaseInfo),
-             StringsProperty<TVCustomDBStructure>("DefOperators", &TThis::GetDefOperators,
-                                                  &TThis::SetDefOperators, defaultCaptions),
-             Property<TVCustomDBStructure>("ExOperators", &TThis::GetExOperators, &TThis::SetExOperators,
-                                           AllExOperators),
-             Property<TThis>("HelpFileName", &TThis::GetHelpFileName, &TThis::SetHelpFileName, ""),
-             Property<TThis>("SEHelpContext", &TThis::GetSEHelpContext, &TThis::SetSEHelpContext, 0),
-             Property<TThis>("InitialSEPath", &TThis::GetInitialSEPath, &TThis::SetInitialSEPath, ""),
-             EventProperty("OnSEHelpClick"), EventProperty("OnChange")});
-    }();
-    return properties;
-}
-
-void TVDBStructure::DefineProperties(TFiler& filer) {
+void TVCustomDBStructure::DefineProperties(TFiler& filer) {
     TComponent::DefineProperties(filer);
     filer.DefineProperty(
         "Struct", [this](const TFormValue& value) { storedStruct_ = value.ToStrings(); },
@@ -519,6 +510,37 @@ void TVDBStructure::DefineProperties(TFiler& filer) {
             return TFormValue::FromStrings(lines);
         },
         storeStruct_);
+}
+
+std::string TVCustomDBStructure::DefaultCaptionLines() {
+    std::string lines;
+    for (const TDefaultOperator& op : DefaultOperators())
+        lines.append(op.Name).append("=").append(op.Caption).append("\n");
+    return lines;
+}
+
+std::span<const TPropertyInfo> TVDBStructure::PublishedProperties() const {
+    static const std::vector<TPropertyInfo> properties = [this] {
+        using TThis = TVDBStructure;
+        return ExtendProperties(
+            TComponent::PublishedProperties(),
+            {Property<TVCustomDBStructure>("StoreStruct", &TThis::GetStoreStruct, &TThis::SetStoreStruct,
+                                           true),
+             Property<TVCustomDBStructure>("AutoAddFields", &TThis::GetAutoAddFields,
+                                           &TThis::SetAutoAddFields, true),
+             ObjectProperty<TVCustomDBStructure, TSQLFormats>("SQLFormats", &TThis::GetSQLFormats),
+             ComponentProperty<TVCustomDBStructure, TVDBInfo>("DatabaseInfo", &TThis::GetDatabaseInfo,
+                                                              &TThis::SetDatabaseInfo),
+             StringsProperty<TVCustomDBStructure>("DefOperators", &TThis::GetDefOperators,
+                                                  &TThis::SetDefOperators, DefaultCaptionLines()),
+             Property<TVCustomDBStructure>("ExOperators", &TThis::GetExOperators, &TThis::SetExOperators,
+                                           AllExOperators),
+             Property<TThis>("HelpFileName", &TThis::GetHelpFileName, &TThis::SetHelpFileName, ""),
+             Property<TThis>("SEHelpContext", &TThis::GetSEHelpContext, &TThis::SetSEHelpContext, 0),
+             Property<TThis>("InitialSEPath", &TThis::GetInitialSEPath, &TThis::SetInitialSEPath, ""),
+             EventProperty("OnSEHelpClick"), EventProperty("OnChange")});
+    }();
+    return properties;
 }
 
 } // namespace lumora

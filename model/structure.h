@@ -198,10 +198,24 @@ public:
     bool GetAutoAddFields() const { return autoAddFields_; }
     void SetAutoAddFields(bool on) { autoAddFields_ = on; }
 
+    // Whether the model is kept in the form.
+    bool GetStoreStruct() const { return storeStruct_; }
+    void SetStoreStruct(bool on) { storeStruct_ = on; }
+
 protected:
     void AssignTo(TPersistent& dest) const override;
     void Notification(TComponent* component, TOperation operation) override;
     void Loaded() override;
+    void DefineProperties(TFiler& filer) override;
+
+    // The extended operators have their own templates again.
+    virtual void ExOperatorsUpdated() {}
+    // Runs `change` between the notices that all items go and that new ones are there; a replacement within
+    // another gives no notices of its own. What `change` raises is passed on.
+    void ReplaceModel(const std::function<void()>& change);
+    // A field for a column, in the root group and with the operators of its type, without telling of it.
+    TDSField& AddDataField(int id, const TDBFieldInfo& info, TDSTable& table);
+    static std::string DefaultCaptionLines(); // the default of the property DefOperators
 
     TStringList storedStruct_; // the model text of a form, until everything is loaded
 
@@ -221,13 +235,14 @@ private:
     void LinksChanged() { graph_.reset(); }
 
     TDSField* AppendField(int id, TVFieldKind kind);
-    TDSField& AddDataField(int id, const TDBFieldInfo& info, TDSTable& table);
     int NewFieldID();
     void FindLargestFieldID();
     void RemoveFromGroup(TDSField& field);
     void RemoveLink(std::size_t index);
     void ClearTableItems();
     void ClearItems();
+    void AnnounceReplacing();
+    void AnnounceReplaced();
 
     std::vector<std::unique_ptr<TDSTable>> tables_;
     std::vector<std::unique_ptr<TDSField>> fields_;
@@ -253,6 +268,8 @@ private:
     bool autoAddFields_ = true;
     double version_ = CurrentModelVersion;
     bool updating_ = false;
+    bool storeStruct_ = true;
+    int replacing_ = 0; // replacements that are going on, one within another
     std::vector<TModelListener*> listeners_;
 
     mutable TDSPath path_;
@@ -272,9 +289,6 @@ public:
     std::string_view ClassName() const override { return "TVDBStructure"; }
     std::span<const TPropertyInfo> PublishedProperties() const override;
 
-    // Whether the model is kept in the form.
-    bool GetStoreStruct() const { return storeStruct_; }
-    void SetStoreStruct(bool on) { storeStruct_ = on; }
     const std::string& GetHelpFileName() const { return helpFileName_; }
     void SetHelpFileName(const std::string& name) { helpFileName_ = name; }
     int GetSEHelpContext() const { return seHelpContext_; }
@@ -284,11 +298,7 @@ public:
 
     std::function<void(TVDBStructure& sender)> OnSEHelpClick;
 
-protected:
-    void DefineProperties(TFiler& filer) override;
-
 private:
-    bool storeStruct_ = true;
     std::string helpFileName_;
     int seHelpContext_ = 0;
     std::string initialSEPath_;

@@ -138,6 +138,8 @@ public:
     // Another type frees the editor and makes one of the new type.
     void SetEditType(TDSEditType type);
     TDSValueEditor* GetValueEditor() const { return editor_.get(); }
+    // The edit type becomes etList with this editor in place of a plain one.
+    void SetListEditor(std::unique_ptr<TDSListEditor> editor);
 
     TFieldType FieldType = ftString;
     std::uint8_t UIC = 0; // kept for the user interface, as UIR

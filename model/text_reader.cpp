@@ -438,8 +438,7 @@ void TVCustomDBStructure::LoadFromStrings(const TStringList& lines) {
     const double oldVersion = version_;
     TStringList old;
     SaveToStrings(old);
-    for (TModelListener* const listener : listeners_)
-        listener->ModelReplacing();
+    AnnounceReplacing();
     updating_ = true;
     const auto read = [this](const TStringList& text) {
         ClearItems();
@@ -448,8 +447,7 @@ void TVCustomDBStructure::LoadFromStrings(const TStringList& lines) {
     };
     const auto finish = [&] {
         updating_ = wasUpdating;
-        for (TModelListener* const listener : listeners_)
-            listener->ModelReplaced();
+        AnnounceReplaced();
     };
     try {
         read(lines);

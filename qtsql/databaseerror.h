@@ -13,10 +13,7 @@ public:
     explicit DatabaseError(const QString& message) : Exception(message.toStdString()) {}
 };
 
-// The engine's own words where it has any.
-inline QString reasonOf(const QSqlError& error) {
-    const QString text = error.databaseText().trimmed();
-    return text.isEmpty() ? error.driverText().trimmed() : text;
-}
+// The engine's own words where it has any, in one line, without its pointers into the statement; never empty.
+QString reasonOf(const QSqlError& error);
 
 } // namespace lumora

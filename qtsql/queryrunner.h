@@ -3,8 +3,8 @@
 
 #include <QList>
 #include <QSqlDatabase>
+#include <QSqlRecord>
 #include <QString>
-#include <QStringList>
 #include <QVariant>
 #include <QVariantMap>
 
@@ -18,16 +18,28 @@ void checkStatement(std::string_view sql);
 
 // What takes the rows of a query, one after the other; none is kept.
 struct RowReceiver {
-    std::function<void(const QStringList& names)> columns; // called once, before the first row
+    std::function<void(const QSqlRecord& columns)> columns; // called once, before the first row
     std::function<void(const QList<QVariant>& values)> row;
 };
 
-// Runs one statement and hands its columns and rows to the receiver. Each ":name" of the statement that has a
-// value in `parameters` (names without regard to case) becomes that value, bound, never pasted. Stops after
-// `limit` rows unless that is negative. Returns the number of rows. DatabaseError for a text that is not one
-// reading statement, for a placeholder without a value, and for whatever the engine refuses; rows may have
-// been received by then.
+class QueryCanceller;
+
+struct RunSettings {
+    qint64 limit = -1; // stop after so many rows, unless it is negative
+    // Dates and times that Qt's types would cut (PostgreSQL's microseconds, zones, infinity) come as the
+    // engine writes them.
+    bool timesAsText = false;
+    QueryCanceller* canceller = nullptr;
+};
+
+// Runs one statement and hands its columns and rows to the receiver as they come. Each ":name" of the
+// statement that has a value in `parameters` (names without regard to case) becomes that value, bound, never
+// pasted. Decimal numbers come as text, in columns of the type double, so that no digit is lost. Returns the
+// number of rows. QueryCancelled when the canceller was used; DatabaseError for a text that is not one
+// reading statement, for a placeholder without a value, and for whatever the engine refuses. Rows may have
+// been received by then. When the receiver raises, the query ends; on a server without the rows to come only
+// when there is a canceller.
 qint64 runQuery(const QSqlDatabase& database, const QString& statement, const QVariantMap& parameters,
-                const RowReceiver& receiver, qint64 limit = -1);
+                const RowReceiver& receiver, const RunSettings& settings = {});
 
 } // namespace lumora

@@ -14,7 +14,7 @@ cmake -S . -B build/fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_
 cmake --build build/fuzz
 
 corpus=build/fuzz/corpus
-rm -rf "$corpus" && mkdir -p "$corpus"/{parser,visual,model,query,titles} build/fuzz/findings
+rm -rf "$corpus" && mkdir -p "$corpus"/{parser,visual,model,query,titles,filter} build/fuzz/findings
 number=0
 while IFS= read -r statement; do
     number=$((number + 1))
@@ -23,12 +23,16 @@ while IFS= read -r statement; do
         printf '%s%s' "$start" "$statement" >"$corpus/visual/$number-$start"
     done
 done <fuzz/seeds/statements.txt
+while IFS= read -r filter; do
+    number=$((number + 1))
+    printf '0%s' "$filter" >"$corpus/filter/$number"
+done <fuzz/seeds/filters.txt
 cp samples/orders.model "$corpus/model/"
 cp samples/queries/*.qry "$corpus/query/"
 cp samples/queries/01-*.qry "$corpus/titles/"
 printf '[PanelTitles]\nttlAll=alle\n\n[RFETitles]\nttlFields=Felder\n' >"$corpus/titles/old"
 
-for target in parser visual model query titles; do
+for target in parser visual model query titles filter; do
     echo "== Fuzzing $target for $seconds s"
     build/fuzz/bin/fuzz_$target -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len=20000 \
         -print_final_stats=1 -artifact_prefix="build/fuzz/findings/$target-" "$corpus/$target" \

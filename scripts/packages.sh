@@ -3,7 +3,8 @@
 
 # What the programs need; the tests and benchmarks need more.
 # shellcheck disable=SC2034
-PROGRAM_PACKAGES=(cmake ninja-build g++ ccache pkg-config qt6-base-dev libqt6sql6-sqlite libqt6sql6-psql python3)
+PROGRAM_PACKAGES=(cmake ninja-build g++ ccache pkg-config qt6-base-dev libqt6sql6-sqlite libqt6sql6-psql libsqlite3-dev
+    python3)
 # shellcheck disable=SC2034
 BUILD_PACKAGES=("${PROGRAM_PACKAGES[@]}" libgtest-dev libgmock-dev libbenchmark-dev postgresql)
 # shellcheck disable=SC2034

@@ -65,6 +65,8 @@ std::vector<TMessageRecord>& Records() {
         {msgNoQueryName, "", "A query needs a name"},
         {msgQueryNameTooLong, "", "The name \"%s\" is too long for a query"},
         {msgNewQueryName, "", "Query %d"},
+        {msgNoDataSet, "", "DataSet is not specified"},
+        {msgDataSetNotOpened, "", "DataSet is not opened"},
         {msgYes, "", "Yes"},
         {msgNo, "", "No"},
         {msgFieldPrompt, "", "<field>"},

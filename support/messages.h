@@ -60,6 +60,8 @@ enum TMessageId : int {
     msgNoQueryName,
     msgQueryNameTooLong,
     msgNewQueryName,
+    msgNoDataSet,
+    msgDataSetNotOpened,
     // On screen.
     msgYes,
     msgNo,

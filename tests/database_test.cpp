@@ -136,7 +136,7 @@ protected:
         SCOPED_TRACE(sql);
         try {
             return runQuery(session_.open("shop").connection(), QString::fromStdString(sql), {},
-                            {[](const QStringList&) {}, [](const QList<QVariant>&) {}});
+                            {[](const QSqlRecord&) {}, [](const QList<QVariant>&) {}});
         } catch (const DatabaseError& error) {
             ADD_FAILURE() << error.what();
             return -1;

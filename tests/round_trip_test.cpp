@@ -128,7 +128,7 @@ private:
 std::vector<std::string> Rows(const DatabaseConnection& database, const std::string& sql) {
     std::vector<std::string> rows;
     runQuery(database.connection(), QString::fromStdString(sql), {},
-             {[](const QStringList&) {},
+             {[](const QSqlRecord&) {},
               [&](const QList<QVariant>& values) {
                   std::string row;
                   for (const QVariant& value : values)

@@ -1,6 +1,7 @@
 // lumora: data models and queries on the command line.
 
 #include "apps/lumora/commands.h"
+#include "apps/lumora/interruption.h"
 
 #include <cstdio>
 #include <exception>
@@ -74,6 +75,9 @@ int run(std::span<const std::string> words) {
         return Success;
     } catch (const UsageError& error) {
         return refuse(error, usage);
+    } catch (const Interrupted& error) {
+        printError(error.what());
+        return Interrupted::exitStatus;
     } catch (const std::exception& error) {
         printError(error.what());
         return Failure;

@@ -7,6 +7,8 @@
 #include "querybase/stored_text.h"
 #include "support/string_helpers.h"
 
+#include <QSqlField>
+
 namespace lumora::cli {
 
 namespace {
@@ -17,12 +19,19 @@ QVariant textCell(const std::string& text) {
     return QString::fromStdString(text);
 }
 
+QSqlRecord listColumns() {
+    QSqlRecord columns;
+    for (const char* const name : {"name", "description"})
+        columns.append(QSqlField(QString::fromLatin1(name), QMetaType(QMetaType::QString)));
+    return columns;
+}
+
 void listQueries(const Arguments& arguments, Output& output) {
     const std::string* const name = arguments.value("--format");
     const RowFormat format = name ? parseRowFormat(*name) : RowFormat::Table;
     const std::unique_ptr<RowWriter> writer = makeRowWriter(format, output);
     const QueryBase base(arguments[0], Access::ReadOnly);
-    writer->columns({QStringLiteral("name"), QStringLiteral("description")});
+    writer->columns(listColumns());
     for (int i = 0; i < base->GetCount(); ++i) {
         const std::string& description = base->GetQuery(i)->GetDescription();
         writer->row(

@@ -1,10 +1,11 @@
 #include "apps/lumora/row_output.h"
 
 #include "apps/lumora/arguments.h"
-#include "apps/lumora/cell_text.h"
+#include "qtsql/celltext.h"
 #include "apps/lumora/text_width.h"
 
 #include <QSet>
+#include <QSqlField>
 
 #include <algorithm>
 #include <string>
@@ -14,43 +15,49 @@ namespace lumora::cli {
 
 namespace {
 
+// Texts in columns of decimal numbers are such numbers.
+std::vector<bool> decimalColumns(const QSqlRecord& columns) {
+    std::vector<bool> decimal;
+    for (int i = 0; i < columns.count(); ++i)
+        decimal.push_back(columns.field(i).metaType().id() == QMetaType::Double);
+    return decimal;
+}
+
 class TableWriter : public RowWriter {
 public:
     explicit TableWriter(Output& output) : output_(output) {}
 
-    void columns(const QStringList& names) override {
-        for (const QString& name : names)
-            columns_.push_back({makeCell(name)});
-        for (Column& column : columns_)
+    void columns(const QSqlRecord& columns) override {
+        const std::vector<bool> decimal = decimalColumns(columns);
+        for (std::size_t i = 0; i < decimal.size(); ++i) {
+            Column& column = columns_.emplace_back();
+            column.header = makeCell(columns.fieldName(static_cast<int>(i)));
             column.width = column.header.width;
+            column.decimal = decimal[i];
+        }
     }
 
     void row(const QList<QVariant>& values) override {
-        std::vector<Cell>& cells = rows_.emplace_back();
-        for (std::size_t i = 0; i < columns_.size(); ++i) {
-            const QVariant& value = values[static_cast<qsizetype>(i)];
-            cells.push_back(makeCell(value.isNull() ? QStringLiteral("NULL") : cellText(value, false)));
-            Column& column = columns_[i];
-            column.width = std::max(column.width, cells.back().width);
-            column.hasNumbers = column.hasNumbers || isNumber(value);
-            column.hasText = column.hasText || !(value.isNull() || isNumber(value));
+        ++count_;
+        std::vector<Cell>& cells = isSettled_ ? cells_ : rows_.emplace_back();
+        cells.clear();
+        for (const QVariant& value : values)
+            cells.push_back(makeCell(value.isNull() ? QStringLiteral("NULL") : cellText(value)));
+        if (isSettled_) {
+            writeLine(cells, " | ");
+            return;
         }
+        for (std::size_t i = 0; i < columns_.size(); ++i)
+            measure(columns_[i], cells[i], values[static_cast<qsizetype>(i)]);
+        if (rows_.size() == rowsThatSetWidths)
+            settle();
     }
 
     void finish() override {
-        std::vector<Cell> headers;
-        std::vector<Cell> rules;
-        for (const Column& column : columns_) {
-            headers.push_back(column.header);
-            rules.push_back({std::string(static_cast<std::size_t>(column.width), '-'), column.width});
-        }
-        writeLine(headers, " | ");
-        writeLine(rules, "-+-");
-        for (const std::vector<Cell>& cells : rows_)
-            writeLine(cells, " | ");
+        if (!isSettled_)
+            settle();
         std::string count(1, '(');
-        count.append(std::to_string(rows_.size())).append(rows_.size() == 1 ? " row)\n" : " rows)\n");
-        output_.write(count);
+        output_.write(count.append(std::to_string(count_)).append(count_ == 1 ? " row)\n" : " rows)\n"));
     }
 
 private:
@@ -61,6 +68,7 @@ private:
     struct Column {
         Cell header;
         int width = 0;
+        bool decimal = false;
         bool hasNumbers = false;
         bool hasText = false;
     };
@@ -70,65 +78,77 @@ private:
         return {line.toStdString(), displayWidth(line)};
     }
 
-    // Columns of numbers stand to the right. No blanks end a line.
+    static void measure(Column& column, const Cell& cell, const QVariant& value) {
+        const bool number = isNumber(value) || (column.decimal && isDecimal(value));
+        column.width = std::max(column.width, cell.width);
+        column.hasNumbers = column.hasNumbers || number;
+        column.hasText = column.hasText || !(value.isNull() || number);
+    }
+
+    // Writes what was kept; from now on the widths stay.
+    void settle() {
+        isSettled_ = true;
+        std::vector<Cell> headers;
+        std::vector<Cell> rules;
+        for (const Column& column : columns_) {
+            headers.push_back(column.header);
+            rules.push_back({std::string(static_cast<std::size_t>(column.width), '-'), column.width});
+        }
+        writeLine(headers, " | ");
+        writeLine(rules, "-+-");
+        for (const std::vector<Cell>& cells : rows_)
+            writeLine(cells, " | ");
+        rows_ = {};
+    }
+
+    // Columns of numbers stand to the right. What is too long sticks out. No blanks end a line.
     void writeLine(const std::vector<Cell>& cells, std::string_view separator) {
-        std::string line;
+        line_.clear();
         for (std::size_t i = 0; i < cells.size(); ++i) {
             const Column& column = columns_[i];
-            const std::string fill(static_cast<std::size_t>(column.width - cells[i].width), ' ');
+            const auto fill = static_cast<std::size_t>(std::max(column.width - cells[i].width, 0));
             const bool right = column.hasNumbers && !column.hasText;
             if (i > 0)
-                line += separator;
-            line += right ? fill + cells[i].text : cells[i].text + fill;
+                line_ += separator;
+            line_.append(right ? fill : 0, ' ').append(cells[i].text).append(right ? 0 : fill, ' ');
         }
-        line.erase(line.find_last_not_of(' ') + 1);
-        output_.write(line += '\n');
+        line_.erase(line_.find_last_not_of(' ') + 1);
+        output_.write(line_ += '\n');
     }
 
     Output& output_;
     std::vector<Column> columns_;
-    std::vector<std::vector<Cell>> rows_;
+    std::vector<std::vector<Cell>> rows_; // until the widths are settled
+    std::vector<Cell> cells_;             // of one row, after that
+    std::string line_;
+    std::int64_t count_ = 0;
+    bool isSettled_ = false;
 };
 
 class CsvWriter : public RowWriter {
 public:
     explicit CsvWriter(Output& output) : output_(output) {}
 
-    void columns(const QStringList& names) override {
-        std::string line;
-        for (qsizetype i = 0; i < names.size(); ++i)
-            append(line, names[i], i > 0);
-        output_.write(line += '\n');
+    void columns(const QSqlRecord& columns) override {
+        QList<QVariant> names;
+        for (int i = 0; i < columns.count(); ++i)
+            names.append(columns.fieldName(i));
+        row(names);
     }
 
-    // NULL is an empty field, an empty text an empty field in quotes.
     void row(const QList<QVariant>& values) override {
         line_.clear();
-        for (qsizetype i = 0; i < values.size(); ++i)
-            if (!values[i].isNull())
-                append(line_, cellText(values[i], true), i > 0);
-            else if (i > 0)
+        for (qsizetype i = 0; i < values.size(); ++i) {
+            if (i > 0)
                 line_ += ',';
+            appendCsvField(line_, values[i]);
+        }
         output_.write(line_ += '\n');
     }
 
     void finish() override {}
 
 private:
-    static void append(std::string& line, const QString& text, bool comma) {
-        if (comma)
-            line += ',';
-        const std::string field = text.toStdString();
-        if (!field.empty() && field.find_first_of(",\"\r\n") == std::string::npos) {
-            line += field;
-            return;
-        }
-        line += '"';
-        for (const char c : field)
-            line.append(c == '"' ? 2 : 1, c);
-        line += '"';
-    }
-
     Output& output_;
     std::string line_;
 };
@@ -138,15 +158,20 @@ public:
     explicit JsonWriter(Output& output) : output_(output) {}
 
     // An object keeps one value of a name only: the second column "a" becomes "a:2".
-    void columns(const QStringList& names) override {
-        QSet<QString> taken(names.begin(), names.end());
+    void columns(const QSqlRecord& columns) override {
+        decimal_ = decimalColumns(columns);
+        QSet<QString> taken;
+        for (int i = 0; i < columns.count(); ++i)
+            taken.insert(columns.fieldName(i));
         QSet<QString> used;
-        for (const QString& name : names) {
+        for (int i = 0; i < columns.count(); ++i) {
+            const QString name = columns.fieldName(i);
             QString key = name;
             for (int n = 2; used.contains(key) || (key != name && taken.contains(key)); ++n)
                 key = name + QStringLiteral(":%1").arg(n);
             used.insert(key);
-            keys_.push_back(jsonString(key) + ":");
+            appendJsonString(keys_.emplace_back(i > 0 ? "," : ""), key.toStdString());
+            keys_.back() += ':';
         }
         output_.write("[");
     }
@@ -155,9 +180,7 @@ public:
         line_ = first_ ? "\n{" : ",\n{";
         first_ = false;
         for (std::size_t i = 0; i < keys_.size(); ++i)
-            line_.append(i > 0 ? "," : "")
-                .append(keys_[i])
-                .append(jsonValue(values[static_cast<qsizetype>(i)]));
+            appendJson(line_ += keys_[i], values[static_cast<qsizetype>(i)], decimal_[i]);
         output_.write(line_ += '}');
     }
 
@@ -165,7 +188,8 @@ public:
 
 private:
     Output& output_;
-    std::vector<std::string> keys_;
+    std::vector<std::string> keys_; // as they stand in a row, with what is before and behind
+    std::vector<bool> decimal_;
     std::string line_;
     bool first_ = true;
 };

@@ -4,9 +4,10 @@
 #include "apps/lumora/standard_streams.h"
 
 #include <QList>
-#include <QStringList>
+#include <QSqlRecord>
 #include <QVariant>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -21,13 +22,15 @@ RowFormat parseRowFormat(std::string_view text);
 class RowWriter {
 public:
     virtual ~RowWriter() = default;
-    virtual void columns(const QStringList& names) = 0;
+    virtual void columns(const QSqlRecord& columns) = 0;
     virtual void row(const QList<QVariant>& values) = 0;
     virtual void finish() = 0; // after the last row
 };
 
-// Table: aligned columns for people; it needs all rows to know the widths, so it writes when it finishes.
-// CSV (RFC 4180 with LF) and JSON (an array, each row an object on a line of its own) write as rows come.
+// Table: aligned columns for people; the first rowsThatSetWidths rows are kept to know the widths and which
+// columns hold numbers, the rest is written as it comes. CSV (RFC 4180 with LF) and JSON (an array, each row
+// an object on a line of its own) write as rows come.
+inline constexpr std::size_t rowsThatSetWidths = 1000;
 std::unique_ptr<RowWriter> makeRowWriter(RowFormat format, Output& output);
 
 } // namespace lumora::cli

@@ -39,7 +39,14 @@ void check(bool written) {
 
 } // namespace
 
+// A failure has come before, or its message goes to standard error after this.
+Output::~Output() {
+    static_cast<void>(std::fflush(stdout));
+}
+
 void Output::write(std::string_view text) {
+    if (beforeNextWrite_)
+        std::exchange(beforeNextWrite_, nullptr)();
     check(std::fwrite(text.data(), 1, text.size(), stdout) == text.size());
 }
 

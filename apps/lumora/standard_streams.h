@@ -1,8 +1,10 @@
 // Standard input and output, with every failure reported.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace lumora::cli {
 
@@ -13,12 +15,22 @@ void protectStandardStreams();
 // Everything that standard input holds; EFileError when it cannot be read.
 std::string readStandardInput();
 
-// Standard output, buffered.
+// Standard output, buffered. What was written is on its way at the latest when this object goes.
 class Output {
 public:
+    Output() = default;
+    ~Output();
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+
     // Both raise EFileError when the output cannot be written.
     void write(std::string_view text);
     void finish();
+    // Called once, before what is written next; null takes it back.
+    void beforeNextWrite(std::function<void()> call) { beforeNextWrite_ = std::move(call); }
+
+private:
+    std::function<void()> beforeNextWrite_;
 };
 
 } // namespace lumora::cli

@@ -59,9 +59,17 @@ QString escaped(QChar c) {
     }
 }
 
+// Most text is, and is told so fast.
+bool isPlainAscii(const QString& text) {
+    const ushort* const end = text.utf16() + text.size();
+    return std::all_of(text.utf16(), end, [](ushort c) { return c >= ' ' && c <= '~'; });
+}
+
 } // namespace
 
 int displayWidth(const QString& text) {
+    if (isPlainAscii(text))
+        return static_cast<int>(text.size());
     int width = 0;
     for (const char32_t c : text.toUcs4())
         width += charWidth(c);
@@ -69,7 +77,7 @@ int displayWidth(const QString& text) {
 }
 
 QString visibleLine(const QString& text) {
-    if (std::none_of(text.begin(), text.end(), isUnruly))
+    if (isPlainAscii(text) || std::none_of(text.begin(), text.end(), isUnruly))
         return text;
     QString line;
     for (const QChar c : text)

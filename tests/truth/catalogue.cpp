@@ -68,8 +68,8 @@ Cell greatest(const std::vector<Cells>& rows) {
 }
 
 Truth hasOrdered(const Cells& customer, const Table& orders, const Cell& since) {
-    const auto id = static_cast<std::size_t>(orders.columnIndex("customer_id"));
-    const auto date = static_cast<std::size_t>(orders.columnIndex("order_date"));
+    const std::size_t id = orders.columnIndex("customer_id");
+    const std::size_t date = orders.columnIndex("order_date");
     return truthOf(std::any_of(orders.rows.begin(), orders.rows.end(), [&](const Cells& order) {
         return compare(order[id], "=", customer[0]) == Truth::yes &&
                (isNull(since) || compare(order[date], ">=", since) == Truth::yes);

@@ -29,48 +29,15 @@ bool isSortedByName(const TVQueryPanel& panel, const TResultField& field) {
                                               panel.GetSQLOptions().Contains(soSortByNames));
 }
 
-bool hasTableTwice(const TVQueryPanel& panel, const Reference& reference, const Engine&) {
+bool hasTableTwice(const TVQueryPanel& panel, const Engine&) {
     std::vector<std::string> names;
-    for (const FromTable& entry : reference.fromTables(panel))
+    for (const FromTable& entry : fromTables(panel))
         names.push_back(entry.table->GetName());
     std::sort(names.begin(), names.end());
     return std::adjacent_find(names.begin(), names.end()) != names.end();
 }
 
-bool hasUnquotedList(const TVQueryPanel& panel, const Reference&, const Engine& engine) {
-    return anyValue(panel, [&](const ConditionValue& value) {
-        return value.kind == vkList &&
-               (isNumberType(value.type) || (value.type == ftBoolean && !engine.quotesBooleans));
-    });
-}
-
-bool hasEmptyTextList(const TVQueryPanel& panel, const Reference&, const Engine&) {
-    return anyValue(panel, [](const ConditionValue& value) {
-        return value.kind == vkList && isTextType(value.type) && value.texts.empty();
-    });
-}
-
-bool hasEmptyDecimal(const TVQueryPanel& panel, const Reference&, const Engine&) {
-    return anyValue(panel, [](const ConditionValue& value) {
-        return value.kind == vkScalar && value.type == ftBCD && value.texts[0].empty();
-    });
-}
-
-bool hasEmptyDate(const TVQueryPanel& panel, const Reference&, const Engine&) {
-    return anyValue(panel, [](const ConditionValue& value) {
-        const bool empty = value.texts.empty() || std::count(value.texts.begin(), value.texts.end(), "") > 0;
-        return IsDateOrTime(value.type) && empty;
-    });
-}
-
-bool hasSQLForNumber(const TVQueryPanel& panel, const Reference&, const Engine&) {
-    return anyValue(panel, [](const ConditionValue& value) {
-        return value.kind == vkScalar && !value.texts[0].empty() &&
-               !meaningOf(value.type, value.texts[0], false);
-    });
-}
-
-bool hasBareOr(const TVQueryPanel& panel, const Reference&, const Engine&) {
+bool hasBareOr(const TVQueryPanel& panel, const Engine&) {
     if (panel.GetSQLOptions().Contains(soBracketConditions))
         return false;
     for (const LiveCondition& live : liveConditions(panel)) {
@@ -82,7 +49,7 @@ bool hasBareOr(const TVQueryPanel& panel, const Reference&, const Engine&) {
     return false;
 }
 
-bool hasOddAlias(const TVQueryPanel& panel, const Reference&, const Engine&) {
+bool hasOddAlias(const TVQueryPanel& panel, const Engine&) {
     const bool quoted = panel.GetSQLOptions().Contains(soQuoteAliases);
     const bool ascii = panel.GetSQLOptions().Contains(soASCIIRFields);
     return !panel.GetQResult().GetResultFields().JustSorting &&
@@ -98,26 +65,7 @@ bool hasOddAlias(const TVQueryPanel& panel, const Reference&, const Engine&) {
            });
 }
 
-bool hasReservedAlias(const TVQueryPanel& panel, const Reference&, const Engine&) {
-    return !panel.GetQResult().GetResultFields().JustSorting &&
-           !panel.GetSQLOptions().Contains(soQuoteAliases) &&
-           anyField(panel, [](const TResultField& field) { return field.GetAlias() == "order"; });
-}
-
-bool sortsByFirstField(const TVQueryPanel& panel, const Reference&, const Engine&) {
-    return anyField(panel, [&](const TResultField& field) {
-        return isSortedByName(panel, field) && field.GetFormula() != "@1";
-    });
-}
-
-bool countsAggregatesByText(const TVQueryPanel& panel, const Reference&, const Engine&) {
-    return anyField(panel, [](const TResultField& field) {
-        return field.GetFormula().find("sum('") != std::string::npos ||
-               field.GetFormula().find("count (") != std::string::npos;
-    });
-}
-
-bool sortsDistinctByExpression(const TVQueryPanel& panel, const Reference&, const Engine&) {
+bool sortsDistinctByExpression(const TVQueryPanel& panel, const Engine&) {
     return panel.GetQResult().GetResultFields().JustSorting &&
            panel.GetSQLOptions().Contains(soSelectDistinct) &&
            anyField(panel, [&](const TResultField& field) {
@@ -133,24 +81,66 @@ const std::vector<NamedCase> namedCases = {
     {"second alias of a table", "it counts as the first and is not joined", Effect::differs, Effect::differs,
      false, hasTableTwice},
     {"list of a type without quotes", "it swallows the whole condition", Effect::differs, Effect::refused,
-     false, hasUnquotedList},
+     false,
+     [](const TVQueryPanel& panel, const Engine& engine) {
+         return anyValue(panel, [&](const ConditionValue& value) {
+             return value.kind == vkList &&
+                    (isNumberType(value.type) || (value.type == ftBoolean && !engine.quotesBooleans));
+         });
+     }},
     {"empty list of texts", "in () is no SQL; SQLite takes it for a list of nothing", Effect::none,
-     Effect::refused, false, hasEmptyTextList},
+     Effect::refused, false,
+     [](const TVQueryPanel& panel, const Engine&) {
+         return anyValue(panel, [](const ConditionValue& value) {
+             return value.kind == vkList && isTextType(value.type) && value.texts.empty();
+         });
+     }},
     {"empty decimal", "nothing stands in its place", Effect::refused, Effect::refused, false,
-     hasEmptyDecimal},
+     [](const TVQueryPanel& panel, const Engine&) {
+         return anyValue(panel, [](const ConditionValue& value) {
+             return value.kind == vkScalar && value.type == ftBCD && value.texts[0].empty();
+         });
+     }},
     {"empty date or time", "00/00/00 is no date; SQLite compares texts", Effect::none, Effect::refused, false,
-     hasEmptyDate},
+     [](const TVQueryPanel& panel, const Engine&) {
+         return anyValue(panel, [](const ConditionValue& value) {
+             const bool empty =
+                 value.texts.empty() || std::count(value.texts.begin(), value.texts.end(), "") > 0;
+             return IsDateOrTime(value.type) && empty;
+         });
+     }},
     {"SQL for a number", "it goes in as it was typed", Effect::differs, Effect::differs, false,
-     hasSQLForNumber},
+     [](const TVQueryPanel& panel, const Engine&) {
+         return anyValue(panel, [](const ConditionValue& value) {
+             return value.kind == vkScalar && !value.texts[0].empty() &&
+                    !meaningOf(value.type, value.texts[0], false);
+         });
+     }},
     {"template with an or", "a joining AND binds closer", Effect::differs, Effect::differs, false, hasBareOr},
     {"alias that is no name", "it goes in as it stands", Effect::refused, Effect::refused, false,
      hasOddAlias},
     {"alias that is a reserved word", "PostgreSQL takes any word behind as", Effect::refused, Effect::none,
-     false, hasReservedAlias},
+     false,
+     [](const TVQueryPanel& panel, const Engine&) {
+         return !panel.GetQResult().GetResultFields().JustSorting &&
+                !panel.GetSQLOptions().Contains(soQuoteAliases) &&
+                anyField(panel, [](const TResultField& field) { return field.GetAlias() == "order"; });
+     }},
     {"formula sorted by name", "its first field is what it is sorted by", Effect::differs, Effect::differs,
-     false, sortsByFirstField},
+     false,
+     [](const TVQueryPanel& panel, const Engine&) {
+         return anyField(panel, [&](const TResultField& field) {
+             return isSortedByName(panel, field) && field.GetFormula() != "@1";
+         });
+     }},
     {"aggregate by its text", "\"sum(\" in a text counts, \"count (\" does not", Effect::differs,
-     Effect::differs, false, countsAggregatesByText},
+     Effect::differs, false,
+     [](const TVQueryPanel& panel, const Engine&) {
+         return anyField(panel, [](const TResultField& field) {
+             return field.GetFormula().find("sum('") != std::string::npos ||
+                    field.GetFormula().find("count (") != std::string::npos;
+         });
+     }},
     {"distinct rows sorted by an expression", "PostgreSQL wants it in the select list, and that is *",
      Effect::none, Effect::refused, true, sortsDistinctByExpression},
 };

@@ -13,7 +13,7 @@ struct NamedCase {
     Effect sqlite;
     Effect postgres;
     bool strictToo;
-    bool (*applies)(const TVQueryPanel& panel, const Reference& reference, const Engine& engine);
+    bool (*applies)(const TVQueryPanel& panel, const Engine& engine);
 
     Effect effect(const Engine& engine) const { return engine.quotesBooleans ? postgres : sqlite; }
 };

@@ -16,7 +16,7 @@ struct Column {
 };
 
 struct Table {
-    int columnIndex(const std::string& name) const; // std::out_of_range when there is none
+    std::size_t columnIndex(const std::string& name) const; // std::out_of_range when there is none
 
     std::string name;
     std::vector<Column> columns;

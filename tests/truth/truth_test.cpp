@@ -87,7 +87,6 @@ protected:
     TVDBStructure model_;
     std::vector<TDSLinkType> linkTypes_; // as the sample has them; a random query may turn some
     std::vector<Table> tables_;
-    Reference reference_{model_, tables_};
 };
 
 // The rows that only one side has, a few of them.
@@ -155,7 +154,7 @@ void TruthTest::ask(const QSqlDatabase& database, const Engine& engine, unsigned
     panel.SetDbStruct(&model_);
     panel.SetStrict(seed % 3 != 0);
     panel.Activate();
-    RandomQuery(panel, tables_, seed).make();
+    makeRandomQuery(panel, tables_, seed);
     ++tally.asked;
     SCOPED_TRACE(engine.name + ", " + (panel.GetStrict() ? "strict" : "plain") + ", seed " +
                  std::to_string(seed));
@@ -170,14 +169,14 @@ struct Outcome {
 };
 
 Outcome tryQuery(TVQueryPanel& panel, const QSqlDatabase& database, const Engine& engine,
-                 const Reference& reference, Tally& tally) {
+                 const std::vector<Table>& tables, Tally& tally) {
     Outcome outcome;
     try {
         panel.BuildQuery();
         outcome.sql = panel.GetQResult().GetSQL().GetText();
         const std::vector<Cells> given = runStatement(database, outcome.sql);
         tally.withRows += given.empty() ? 0 : 1;
-        outcome.fault = fault(reference.answer(panel, engine), given, engine);
+        outcome.fault = fault(answerOf(panel, tables, engine), given, engine);
     } catch (const EVQueryPanelError& error) {
         outcome.refusal = error.what();
     } catch (const std::bad_optional_access&) {
@@ -193,9 +192,9 @@ void TruthTest::compare(TVQueryPanel& panel, const QSqlDatabase& database, const
     std::vector<const NamedCase*> cases;
     for (const NamedCase& named : namedCases)
         if ((named.strictToo || !panel.GetStrict()) && named.effect(engine) != Effect::none &&
-            named.applies(panel, reference_, engine))
+            named.applies(panel, engine))
             cases.push_back(&named);
-    const Outcome outcome = tryQuery(panel, database, engine, reference_, tally);
+    const Outcome outcome = tryQuery(panel, database, engine, tables_, tally);
     const std::string report = panel.GetQueryText() + outcome.sql + outcome.refusal + "\n" + outcome.fault +
                                "The query text:\n" + queryText(panel);
     if (panel.GetStrict() && hasRefusedValue(panel)) {
@@ -227,10 +226,10 @@ void TruthTest::askAll(const QSqlDatabase& database, const Engine& engine) {
     for (const NamedCase& named : namedCases) {
         std::cout << "  " << tally.cases[named.name] << " with: " << named.name << "\n";
         const bool occurs = named.effect(engine) == Effect::none || tally.cases[named.name] > 0;
-        EXPECT_TRUE(occurs || count < defaultCount)
+        EXPECT_TRUE(occurs || count < defaultCount || HasFailure())
             << named.name << " does no harm any more: " << named.reason;
     }
-    EXPECT_TRUE(tally.withRows > tally.asked / 4 || count < defaultCount);
+    EXPECT_TRUE(tally.withRows > tally.asked / 4 || HasFailure());
 }
 
 TEST_F(TruthTest, SqliteGivesWhatTheRowsSay) {

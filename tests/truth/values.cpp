@@ -1,9 +1,10 @@
 #include "tests/truth/values.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <regex>
 
 namespace lumora::truth {
 
@@ -88,13 +89,16 @@ std::string trimmed(const std::string& text) {
     return first == text.npos ? "" : text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
+// The parts of the whole text; none when it is not of the form.
+QRegularExpressionMatch match(const char* form, const std::string& text) {
+    return QRegularExpression(QRegularExpression::anchoredPattern(form)).match(QString::fromStdString(text));
+}
+
 std::optional<Cell> numberOf(TFieldType type, const std::string& text, bool strict) {
-    static const std::regex integer("[+-]?[0-9]+");
-    static const std::regex decimal("[+-]?[0-9]+([.][0-9]+)?([eE][+-]?[0-9]+)?");
     if (text.empty() && !strict && type != ftBCD)
         return 0.0;
     const bool whole = strict && !TFieldTypes{ftFloat, ftCurrency, ftBCD}.Contains(type);
-    if (!std::regex_match(text, whole ? integer : decimal))
+    if (!match(whole ? "[+-]?[0-9]+" : "[+-]?[0-9]+([.][0-9]+)?([eE][+-]?[0-9]+)?", text).hasMatch())
         return std::nullopt;
     return std::strtod(text.c_str(), nullptr);
 }
@@ -111,23 +115,23 @@ std::optional<Cell> booleanOf(std::string text, bool strict) {
 
 // Dates are entered as 2024-07-01, times as 9:05, 09:05:30 or 2:30 pm.
 std::optional<Cell> dateOf(TFieldType type, const std::string& text, bool strict) {
-    static const std::regex form(
-        "([0-9]{4}-[0-9]{2}-[0-9]{2})?( ?([0-9]{1,2}):([0-9]{2})(:([0-9]{2}))?( pm)?)?");
     if (text.empty() && !strict)
         return "00/00/00";
-    std::smatch part;
-    if (text.empty() || !std::regex_match(text, part, form))
+    const QRegularExpressionMatch part =
+        match("([0-9]{4}-[0-9]{2}-[0-9]{2})?( ?([0-9]{1,2}):([0-9]{2})(:([0-9]{2}))?( pm)?)?", text);
+    if (text.empty() || !part.hasMatch())
         return std::nullopt;
     char time[16];
-    const int hour = std::atoi(part.str(3).c_str()) + (part.str(7).empty() ? 0 : 12);
-    std::snprintf(time, sizeof time, "%02d:%02d:%02d", hour % 24, std::atoi(part.str(4).c_str()),
-                  std::atoi(part.str(6).c_str()));
+    const int hour = part.captured(3).toInt() + (part.captured(7).isEmpty() ? 0 : 12);
+    std::snprintf(time, sizeof time, "%02d:%02d:%02d", hour % 24, part.captured(4).toInt() % 60,
+                  part.captured(6).toInt() % 60);
     if (type == ftTime)
         return time;
+    const std::string day = part.captured(1).toStdString();
     const bool cut = type == ftDate && time != std::string("00:00:00");
-    if (strict && (part.str(1).empty() || cut))
+    if (strict && (day.empty() || cut))
         return std::nullopt;
-    const std::string date = part.str(1).empty() ? "1899-12-30" : part.str(1);
+    const std::string date = day.empty() ? "1899-12-30" : day;
     return type == ftDate ? date : date + " " + time;
 }
 
@@ -142,21 +146,17 @@ std::optional<Cell> meaningOf(TFieldType type, const std::string& text, bool str
 }
 
 // Items are separated by commas and trimmed; one between double quotes is kept as it is.
-std::vector<std::string> listItems(std::string_view text) {
-    static const std::regex item(" *(?:\"((?:[^\"]|\"\")*)\"|([^,\"][^,]*)?) *(,|$)");
-    static const std::regex doubled("\"\"");
+std::vector<std::string> listItems(const std::string& text) {
+    static const QRegularExpression item(R"x(\G *(?:"((?:[^"]|"")*)"|([^,"][^,]*)?) *(,|$))x");
     std::vector<std::string> items;
-    if (trimmed(std::string(text)).empty())
+    if (trimmed(text).empty())
         return items;
-    std::cmatch part;
-    const char* const end = text.data() + text.size();
-    for (const char* at = text.data();
-         std::regex_search(at, end, part, item, std::regex_constants::match_continuous);
-         at = part[0].second) {
-        items.push_back(part[1].matched ? std::regex_replace(part.str(1), doubled, "\"")
-                                        : trimmed(part.str(2)));
-        if (part.length(3) == 0)
-            break;
+    QRegularExpressionMatchIterator parts = item.globalMatch(QString::fromStdString(text));
+    for (bool more = true; more && parts.hasNext();) {
+        const QRegularExpressionMatch part = parts.next();
+        items.push_back(part.hasCaptured(1) ? part.captured(1).replace("\"\"", "\"").toStdString()
+                                            : trimmed(part.captured(2).toStdString()));
+        more = !part.captured(3).isEmpty();
     }
     return items;
 }

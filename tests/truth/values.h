@@ -50,6 +50,6 @@ bool isTextType(TFieldType type);
 // What the text of one value means: none when a strict panel refuses it, or when a plain one makes no value
 // of it.
 std::optional<Cell> meaningOf(TFieldType type, const std::string& text, bool strict);
-std::vector<std::string> listItems(std::string_view text);
+std::vector<std::string> listItems(const std::string& text);
 
 } // namespace lumora::truth

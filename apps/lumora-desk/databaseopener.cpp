@@ -1,0 +1,97 @@
+#include "apps/lumora-desk/databaseopener.h"
+
+#include "platform/errors.h"
+#include "platform/text_file.h"
+#include "qtsql/databaseerror.h"
+#include "qtsql/modelfiller.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+#include <mutex>
+
+namespace lumora::desk {
+
+namespace {
+
+// A session becomes the default one when it is made, and providers take that; the default is one for all
+// threads.
+std::mutex& defaultSessionMutex() {
+    static std::mutex mutex;
+    return mutex;
+}
+
+std::string sessionName(const DatabaseParameters& database) {
+    const QString base = QFileInfo(database.databaseName).completeBaseName();
+    return (base.isEmpty() ? database.databaseName : base).toStdString();
+}
+
+void loadModel(TVDBStructure& model, const OpenRequest& request) {
+    try {
+        model.LoadFromStrings(TStringList(ReadTextFile(request.modelFile.toStdString())));
+    } catch (const EFileError&) {
+        throw; // it names the file
+    } catch (const Exception& error) {
+        throw Exception("The model file \"" + request.modelFile.toStdString() +
+                        "\" cannot be read: " + error.what());
+    }
+    if (model.GetEmpty())
+        throw Exception("The model file \"" + request.modelFile.toStdString() + "\" holds no fields");
+    prepareModel(model, engineOf(request.database.driver));
+}
+
+} // namespace
+
+ModelProvider::ModelProvider(const DatabaseParameters& database) : name_(sessionName(database)) {
+    const std::lock_guard lock(defaultSessionMutex());
+    session_.emplace();
+    info_.emplace();
+    session_->registerDatabase(name_, database);
+    info_->SetDatabaseName(name_);
+    offerForeignKeys(*info_, *session_);
+}
+
+ModelProvider::~ModelProvider() {
+    const std::lock_guard lock(defaultSessionMutex());
+    info_.reset();
+    session_.reset();
+}
+
+void ModelProvider::connect() {
+    session_->open(name_);
+}
+
+void ModelProvider::fill(TVDBStructure& model) {
+    fillModel(model, *info_, *session_);
+    model.SetDatabaseInfo(nullptr);
+}
+
+void ModelProvider::serve(TVDBStructure& model) {
+    model.SetDatabaseInfo(&*info_);
+    info_->SetDatabaseName(name_); // the model's text may have named another one
+}
+
+OpenedDatabase openDatabase(const OpenRequest& request) {
+    OpenedDatabase opened{request, std::make_unique<TVDBStructure>()};
+    ModelProvider provider(request.database);
+    provider.connect(); // also when the model comes from a file: better now than at the first question
+    if (request.modelFile.isEmpty())
+        provider.fill(*opened.model);
+    else
+        loadModel(*opened.model, request);
+    if (opened.model->GetFieldCount() == 0)
+        throw DatabaseError(QCoreApplication::translate("lumora::desk", "%1 has no tables that can be asked")
+                                .arg(displayName(request.database)));
+    return opened;
+}
+
+QString displayName(const DatabaseParameters& database) {
+    if (database.driver == QLatin1StringView("QSQLITE"))
+        return QFileInfo(database.databaseName).fileName();
+    if (database.hostName.isEmpty())
+        return database.databaseName;
+    return QCoreApplication::translate("lumora::desk", "%1 on %2")
+        .arg(database.databaseName, database.hostName);
+}
+
+} // namespace lumora::desk

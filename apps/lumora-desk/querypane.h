@@ -1,0 +1,27 @@
+// The query itself: its conditions and the columns that it shows.
+#pragma once
+
+#include "apps/lumora-desk/deskdocument.h"
+#include "apps/lumora-desk/querypanelplaceholder.h"
+#include "widgets/resultcolumnswidget.h"
+
+#include <QSplitter>
+
+namespace lumora::desk {
+
+class QueryPane : public QSplitter {
+    Q_OBJECT
+
+public:
+    explicit QueryPane(DeskDocument& document, QWidget* parent = nullptr);
+    ~QueryPane() override;
+
+    QueryPanelPlaceholder& conditions() { return *conditions_; }
+    ResultColumnsWidget& columns() { return *columns_; }
+
+private:
+    QueryPanelPlaceholder* const conditions_;
+    ResultColumnsWidget* const columns_;
+};
+
+} // namespace lumora::desk

@@ -1,0 +1,186 @@
+// Running queries on a connection: streaming, cancelling, and what comes out.
+#include "qtsql/querycanceller.h"
+#include "qtsql/queryrunner.h"
+#include "tests/message_of.h"
+#include "tests/postgres_server.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QSqlQuery>
+
+#include <chrono>
+#include <memory>
+#include <thread>
+
+namespace lumora::tests {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+// The same tests for each engine.
+class QueryRunner : public testing::TestWithParam<Engine> {
+protected:
+    void SetUp() override {
+        if (GetParam() == Engine::Sqlite) {
+            connection_ = std::make_unique<DatabaseConnection>(parseDatabase(folder_ / "x.sqlite"),
+                                                               DatabaseConnection::Access::Create);
+            return;
+        }
+        server_ = PostgresServer::get();
+        if (!server_)
+            GTEST_SKIP() << PostgresServer::notInstalled;
+        connection_ = std::make_unique<DatabaseConnection>(parseDatabase(server_->url()));
+    }
+
+    bool isPostgres() const { return GetParam() == Engine::PostgreSql; }
+
+    // Numbers from 1, as they come and without end, and a statement that gives no row for as long.
+    QString endlessRows() const {
+        return isPostgres()
+                   ? "select generate_series(1, 1000000000000)"
+                   : "with recursive n(i) as (select 1 union all select i + 1 from n) select i from n";
+    }
+    QString endlessWork() const {
+        return isPostgres()
+                   ? "select pg_sleep(600)"
+                   : "with recursive n(i) as (select 1 union all select i + 1 from n) select count(*) from n";
+    }
+
+    static RowReceiver ignore() {
+        return {[](const QSqlRecord&) {}, [](const QList<QVariant>&) {}};
+    }
+    qint64 run(const QString& statement, const RowReceiver& receiver, QueryCanceller* canceller) {
+        return runQuery(connection_->connection(), statement, {}, receiver, {-1, false, canceller});
+    }
+    void expectUsable() { EXPECT_EQ(run("select 1 union all select 2", ignore(), nullptr), 2); }
+
+    int argumentCount_ = 1;
+    char name_[5] = "test";
+    char* arguments_[2] = {name_, nullptr};
+    QCoreApplication application_{argumentCount_, arguments_};
+    TemporaryFolder folder_;
+    PostgresServer* server_ = nullptr;
+    std::unique_ptr<DatabaseConnection> connection_;
+};
+
+TEST_P(QueryRunner, IsCancelledWhileTheEngineWorks) {
+    for (const std::chrono::microseconds delay : {0us, 100us, 500us, 2000us, 10000us, 200000us}) {
+        QueryCanceller canceller(*connection_);
+        const auto start = Clock::now();
+        std::thread other([&] {
+            std::this_thread::sleep_for(delay); // from before the statement starts to the middle of it
+            canceller.cancel();
+        });
+        EXPECT_THROW(run(endlessWork(), ignore(), &canceller), QueryCancelled);
+        other.join();
+        EXPECT_LT(Clock::now() - start, 10s);
+        EXPECT_TRUE(canceller.isCancelled());
+        expectUsable();
+    }
+}
+
+TEST_P(QueryRunner, IsCancelledBetweenRows) {
+    QueryCanceller canceller(*connection_);
+    std::thread other;
+    qint64 count = 0;
+    const RowReceiver receiver = {[](const QSqlRecord&) {},
+                                  [&](const QList<QVariant>& row) {
+                                      ASSERT_EQ(row[0].toLongLong(), ++count);
+                                      if (count == 1000)
+                                          other = std::thread([&] { canceller.cancel(); });
+                                  }};
+    EXPECT_THROW(run(endlessRows(), receiver, &canceller), QueryCancelled);
+    other.join();
+    EXPECT_GE(count, 1000);
+    expectUsable();
+    EXPECT_THROW(run("select 1", ignore(), &canceller), QueryCancelled); // it stays so
+    QueryCanceller idle(*connection_);
+    idle.cancel(); // nothing runs, nothing is waited for
+    expectUsable();
+}
+
+TEST_P(QueryRunner, EndsWithItsReceiver) {
+    QueryCanceller canceller(*connection_);
+    const auto start = Clock::now();
+    const RowReceiver receiver = {[](const QSqlRecord&) {},
+                                  [](const QList<QVariant>&) { throw EFileError("full"); }};
+    EXPECT_EQ(MessageOf<EFileError>([&] { run(endlessRows(), receiver, &canceller); }), "full");
+    EXPECT_FALSE(canceller.isCancelled());
+    EXPECT_EQ(runQuery(connection_->connection(), endlessRows() + "; -- all", {}, ignore(), {5}), 5);
+    EXPECT_LT(Clock::now() - start, 10s);
+    expectUsable();
+}
+
+INSTANTIATE_TEST_SUITE_P(Engines, QueryRunner, testing::Values(Engine::Sqlite, Engine::PostgreSql),
+                         [](const auto& engine) {
+                             return std::string(engine.param == Engine::Sqlite ? "Sqlite" : "PostgreSql");
+                         });
+
+class PostgresRunner : public QueryRunner {
+protected:
+    std::string only(const QString& expression, const QVariantMap& parameters = {}) {
+        std::string text;
+        runQuery(connection_->connection(), "select " + expression, parameters,
+                 {[](const QSqlRecord&) {},
+                  [&](const QList<QVariant>& row) {
+                      text = row[0].isNull() ? "NULL" : row[0].toString().toStdString();
+                  }},
+                 {-1, true, nullptr});
+        return text;
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Engines, PostgresRunner, testing::Values(Engine::PostgreSql));
+
+TEST_P(PostgresRunner, LosesNothingOfAValue) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"123456789012345678901234567890.10::numeric(32,2)", "123456789012345678901234567890.10"},
+        {"9223372036854775807::bigint", "9223372036854775807"},
+        {"'-9223372036854775808'::bigint", "-9223372036854775808"},
+        {"'12:30:01.123456'::time", "12:30:01.123456"},
+        {"'12:30:01+02'::timetz", "12:30:01+02"},
+        {"'2024-01-02 03:04:05.123456'::timestamp", "2024-01-02 03:04:05.123456"},
+        {"'infinity'::timestamp", "infinity"},
+        {"'0044-03-15 BC'::date", "0044-03-15 BC"},
+        {"(timestamptz '2024-01-02 03:04:05.5+02' at time zone 'utc')", "2024-01-02 01:04:05.5"},
+        {"'1 day 2 hours'::interval", "1 day 02:00:00"},
+        {"'a0eebc99-9c0b-4ef8-bb6d-6bb9bd380a11'::uuid", "a0eebc99-9c0b-4ef8-bb6d-6bb9bd380a11"},
+        {"'{\"a\": [1, null]}'::json", "{\"a\": [1, null]}"},
+        {"array['a b', null]", "{\"a b\",NULL}"},
+        {"null::timetz", "NULL"},
+        {"'{\"a\": 1}'::jsonb ? 'a'", "true"}, // no placeholder
+        {"5 -- a comment", "5"}};
+    for (const auto& [expression, text] : cases)
+        EXPECT_EQ(only(expression), text) << expression;
+    EXPECT_EQ(only(":a::date + 1", {{"A", "2024-02-28"}}), "2024-02-29");
+
+    QStringList names;
+    runQuery(connection_->connection(), "select 1 as a, date '2024-01-02' as \"a\"\"b\", 2 as a", {},
+             {[&](const QSqlRecord& columns) {
+                  for (int i = 0; i < columns.count(); ++i)
+                      names.append(columns.fieldName(i));
+              },
+              [](const QList<QVariant>& row) { EXPECT_EQ(row[1].toString(), "2024-01-02"); }},
+             {1, true, nullptr});
+    EXPECT_EQ(names, QStringList({"a", "a\"b", "a"}));
+}
+
+TEST_P(PostgresRunner, SaysWhyInOneLine) {
+    const auto reason = [&](const QString& expression) {
+        return MessageOf<DatabaseError>([&] { only(expression); });
+    };
+    EXPECT_EQ(reason("nothing"), "column \"nothing\" does not exist");
+    EXPECT_EQ(reason("distinct 1 order by 2"), "ORDER BY position 2 is not in select list");
+    EXPECT_EQ(reason("1 / (10 - i) from generate_series(1, 20) i"), "division by zero");
+    EXPECT_EQ(reason("nofunc(1)"),
+              "function nofunc(integer) does not exist; HINT:  No function matches the given "
+              "name and argument types. You might need to add explicit type casts.");
+    EXPECT_EQ(reason("pg_terminate_backend(pg_backend_pid())"),
+              "terminating connection due to administrator command");
+    EXPECT_EQ(reason("1"), "the database gives no reason; the connection may be lost");
+}
+
+} // namespace
+} // namespace lumora::tests
