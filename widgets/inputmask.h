@@ -12,7 +12,7 @@ namespace lumora {
 // typed ("_"). In the mask
 //   0 9    a digit, required or not          #      a digit or a sign, not required
 //   L l    a letter, required or not         A a    a letter or digit, required or not
-//   C c    any character, required or not
+//   C c    any character but a blank, required or not
 //   > <    what follows is put into upper or lower case; <> ends that
 //   \      the next character stands for itself
 //   / :    the separators of dates and times, as the formats say     _  a blank
