@@ -32,6 +32,8 @@ TMessageId MessageOf(TQueryPanelErrorCode code) {
         return msgCantBeKept;
     case qpeOtherJoin:
         return msgOtherJoin;
+    case qpeCantSortDistinct:
+        return msgCantSortDistinct;
     case qpeNoTable:
         return msgNoTable;
     }

@@ -22,7 +22,8 @@ enum TQueryPanelErrorCode : int {
     qpeTooDeep = 11,
     qpeCantBeKept = 12,
     qpeOtherJoin = 13,
-    qpeNoTable = 14
+    qpeNoTable = 14,
+    qpeCantSortDistinct = 15
 };
 
 class EVQueryPanelError : public EVLumoraError {

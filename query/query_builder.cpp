@@ -98,6 +98,18 @@ void TQueryBuilder::CheckResultField(const TResultField& field) const {
         if (entry == structure_.GetUnrecognizedField())
             throw EVQueryPanelError(qpeUnrecognizedField, {field.GetCaption()});
     CheckExpression(field.GetSQLExpr(), field.GetCaption());
+    CheckSorting(field);
+}
+
+// Records that are shown whole and told apart can be sorted by their columns only: not every engine takes
+// more, and none could mean it.
+void TQueryBuilder::CheckSorting(const TResultField& field) const {
+    if (field.GetSorting() == stNoSort || !result_.GetResultFields().JustSorting ||
+        !panel_.GetSQLOptions().Contains(soSelectDistinct))
+        return;
+    const TDSFieldList& fields = field.GetFields();
+    if (fields.size() != 1 || fields.front()->GetKind() != vfkData || field.GetFormula() != "@1")
+        throw EVQueryPanelError(qpeCantSortDistinct, {field.GetCaption()});
 }
 
 std::string TQueryBuilder::SortItem(TResultField& field) const {

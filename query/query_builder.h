@@ -33,6 +33,7 @@ private:
     bool HasTable(TDSTable* table) const;
     void AddResultFields();
     void CheckResultField(const TResultField& field) const;
+    void CheckSorting(const TResultField& field) const;
     void CheckRecognized(const TSimpleCond& condition) const;
     std::string SortItem(TResultField& field) const;
     void AddGroupBy();

@@ -67,6 +67,7 @@ std::vector<TMessageRecord>& Records() {
         {msgNewQueryName, "", "Query %d"},
         {msgNoDataSet, "", "DataSet is not specified"},
         {msgDataSetNotOpened, "", "DataSet is not opened"},
+        {msgCantSortDistinct, "", "Distinct records can not be sorted by \"%s\""},
         {msgYes, "", "Yes"},
         {msgNo, "", "No"},
         {msgFieldPrompt, "", "<field>"},

@@ -62,6 +62,7 @@ enum TMessageId : int {
     msgNewQueryName,
     msgNoDataSet,
     msgDataSetNotOpened,
+    msgCantSortDistinct,
     // On screen.
     msgYes,
     msgNo,

@@ -52,7 +52,8 @@ void ChoiceDelegate::setEditorData(QWidget* editor, const QModelIndex& index) co
     box.setCurrentIndex(box.findData(index.data(Qt::EditRole)));
 }
 
-void ChoiceDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const {
+void ChoiceDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
+                                  const QModelIndex& index) const {
     model->setData(index, static_cast<QComboBox&>(*editor).currentData(), Qt::EditRole);
 }
 

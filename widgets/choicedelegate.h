@@ -16,9 +16,11 @@ public:
     using Choices = QList<QPair<QString, QVariant>>; // what is read, and the cell's value
     using ChoicesOf = std::function<Choices(const QModelIndex& index)>;
 
-    ChoiceDelegate(ChoicesOf choices, QObject* parent) : QStyledItemDelegate(parent), choices_(std::move(choices)) {}
+    ChoiceDelegate(ChoicesOf choices, QObject* parent)
+        : QStyledItemDelegate(parent), choices_(std::move(choices)) {}
 
-    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                           const QModelIndex& index) const override;

@@ -47,8 +47,11 @@ void addGroups(QStandardItem& root, const TDSFieldGroupList& groups) {
 } // namespace
 
 FieldChooser::FieldChooser(QWidget* parent)
-    : QFrame(parent, Qt::Popup), search_(new QLineEdit(this)), list_(new QTreeView(this)),
-      fields_(new QStandardItemModel(this)), found_(new QSortFilterProxyModel(this)) {
+    : QFrame(parent, Qt::Popup),
+      search_(new QLineEdit(this)),
+      list_(new QTreeView(this)),
+      fields_(new QStandardItemModel(this)),
+      found_(new QSortFilterProxyModel(this)) {
     setFrameShape(QFrame::StyledPanel);
     search_->setPlaceholderText(tr("Search for a field"));
     search_->setClearButtonEnabled(true);

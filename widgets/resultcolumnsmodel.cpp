@@ -47,21 +47,18 @@ void ResultColumnsModel::setPanel(TVQueryPanel* panel) {
 
 void ResultColumnsModel::refresh() {
     const int count = panel() ? fields().Count() : 0;
-    if (count == rows_) {
-        if (count > 0)
-            emit dataChanged(index(0, 0), index(count - 1, ColumnCount - 1));
-    } else if (count > rows_) {
+    if (count > rows_) {
         beginInsertRows({}, rows_, count - 1);
         rows_ = count;
         endInsertRows();
-        emit dataChanged(index(0, 0), index(count - 1, ColumnCount - 1));
-    } else {
+    } else if (count < rows_) {
         beginRemoveRows({}, count, rows_ - 1);
         rows_ = count;
         endRemoveRows();
-        if (count > 0)
-            emit dataChanged(index(0, 0), index(count - 1, ColumnCount - 1));
     }
+    if (count > 0)
+        emit dataChanged(index(0, 0), index(count - 1, ColumnCount - 1));
+    emit queryChanged();
 }
 
 // --- Changes.
@@ -195,7 +192,8 @@ TDSFieldList ResultColumnsModel::tellingFields(const TVCustomDBStructure& model,
     TDSFieldList telling;
     for (int i = 0; i < model.GetFieldCount() && telling.size() < enough; ++i) {
         TDSField& field = *model.GetField(i);
-        if (field.GetTable() == &table && !isKey(field) && field.FieldType != ftBlob && field.FieldType != ftGraphic)
+        if (field.GetTable() == &table && !isKey(field) && field.FieldType != ftBlob &&
+            field.FieldType != ftGraphic)
             telling.push_back(&field);
     }
     for (int i = 0; i < model.GetFieldCount() && telling.empty(); ++i) // a table of keys
@@ -223,9 +221,11 @@ QVariant ResultColumnsModel::data(const QModelIndex& index, int role) const {
     if (!isThere(row))
         return {};
     if (role == Qt::ToolTipRole && index.column() != Sorting) {
-        const TDSField* const first = field(row).GetFields().empty() ? nullptr : field(row).GetFields().front();
-        const QString table =
-            first && first->GetTable() ? QString::fromStdString(first->GetTable()->GetDisplayName()) : QString();
+        const TDSField* const first =
+            field(row).GetFields().empty() ? nullptr : field(row).GetFields().front();
+        const QString table = first && first->GetTable()
+                                  ? QString::fromStdString(first->GetTable()->GetDisplayName())
+                                  : QString();
         return table.isEmpty() ? formulaText(row) : tr("%1 of %2").arg(formulaText(row), table);
     }
     const bool display = role == Qt::DisplayRole;

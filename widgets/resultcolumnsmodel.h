@@ -54,6 +54,10 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
+signals:
+    // The panel's query, with columns or without.
+    void queryChanged();
+
 private:
     void QueryPanelChanged() override { refresh(); }
     TRFieldList& fields() const { return GetQueryPanel()->GetQResult().GetResultFields(); }

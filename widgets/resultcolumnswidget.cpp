@@ -33,7 +33,8 @@ ChoiceDelegate::Choices sortingChoices() {
     return choices;
 }
 
-QToolButton* makeToolButton(QStyle::StandardPixmap icon, const QString& text, const QString& keys, QWidget* parent) {
+QToolButton* makeToolButton(QStyle::StandardPixmap icon, const QString& text, const QString& keys,
+                            QWidget* parent) {
     auto* const button = new QToolButton(parent);
     button->setIcon(parent->style()->standardIcon(icon));
     button->setToolTip(keys.isEmpty() ? text : QStringLiteral("%1 (%2)").arg(text, keys));
@@ -45,20 +46,25 @@ QToolButton* makeToolButton(QStyle::StandardPixmap icon, const QString& text, co
 } // namespace
 
 ResultColumnsWidget::ResultColumnsWidget(QWidget* parent)
-    : QWidget(parent), model_(new ResultColumnsModel(this)), stack_(new QStackedWidget(this)),
-      view_(new QTableView(this)), chooser_(new FieldChooser(this)) {
+    : QWidget(parent),
+      model_(new ResultColumnsModel(this)),
+      stack_(new QStackedWidget(this)),
+      view_(new QTableView(this)),
+      chooser_(new FieldChooser(this)) {
     view_->setModel(model_);
     view_->setSelectionBehavior(QAbstractItemView::SelectRows);
     view_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
                            QAbstractItemView::SelectedClicked);
     view_->setItemDelegateForColumn(
         ResultColumnsModel::Shown,
-        new ChoiceDelegate([this](const QModelIndex& index) { return aggregateChoices(*model_, index.row()); },
-                           view_));
+        new ChoiceDelegate(
+            [this](const QModelIndex& index) { return aggregateChoices(*model_, index.row()); }, view_));
     view_->setItemDelegateForColumn(
         ResultColumnsModel::Sorting,
         new ChoiceDelegate([](const QModelIndex&) { return sortingChoices(); }, view_));
     view_->verticalHeader()->hide();
+    view_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 10);
+    view_->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     view_->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     view_->horizontalHeader()->setSectionResizeMode(ResultColumnsModel::Caption, QHeaderView::Stretch);
     view_->horizontalHeader()->setHighlightSections(false);
@@ -81,9 +87,7 @@ ResultColumnsWidget::ResultColumnsWidget(QWidget* parent)
             view_->edit(index);
     });
     connect(chooser_, &FieldChooser::fieldChosen, this, &ResultColumnsWidget::addField);
-    for (const auto change : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
-        connect(model_, change, this, &ResultColumnsWidget::updateState);
-    connect(model_, &QAbstractItemModel::dataChanged, this, &ResultColumnsWidget::updateState);
+    connect(model_, &ResultColumnsModel::queryChanged, this, &ResultColumnsWidget::updateState);
     connect(view_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ResultColumnsWidget::updateState);
     updateState();
@@ -163,7 +167,8 @@ void ResultColumnsWidget::updateState() {
     hint_->setText(isReady ? tr("Choose what to show.") : QString());
     suggest_->setVisible(table != nullptr);
     if (table)
-        suggest_->setText(tr("Show the main fields of %1").arg(QString::fromStdString(table->GetDisplayName())));
+        suggest_->setText(
+            tr("Show the main fields of %1").arg(QString::fromStdString(table->GetDisplayName())));
 }
 
 // --- What people do.

@@ -15,9 +15,9 @@ namespace lumora {
 
 class FieldChooser;
 
-// Columns are added from a list of fields that can be searched, named, summed up, sorted, moved and removed, by
-// mouse and keyboard: Insert adds, Delete removes, Alt and an arrow moves, Alt and + or - changes the place in
-// the order of sorting. A query without columns says so, and offers some that fit its conditions.
+// Columns are added from a list of fields that can be searched, named, summed up, sorted, moved and removed,
+// by mouse and keyboard: Insert adds, Delete removes, Alt and an arrow moves, Alt and + or - changes the
+// place in the order of sorting. A query without columns says so, and offers some that fit its conditions.
 class ResultColumnsWidget : public QWidget {
     Q_OBJECT
 

@@ -9,7 +9,8 @@ namespace lumora::desk {
 
 namespace {
 
-// Work that was given up may wait long for a server that does not answer; it must not keep other work waiting.
+// Work that was given up may wait long for a server that does not answer; it must not keep other work
+// waiting.
 QThreadPool& pool() {
     QThreadPool& threads = *QThreadPool::globalInstance();
     threads.setMaxThreadCount(std::max(threads.maxThreadCount(), 32));

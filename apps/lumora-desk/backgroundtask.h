@@ -12,8 +12,8 @@
 namespace lumora::desk {
 
 // Runs one piece of work at a time on a thread of the global pool, and tells how it ended. A task that is
-// cancelled, or goes away, is done with at once: what its work still says is not heard, and the thread ends in
-// its own time.
+// cancelled, or goes away, is done with at once: what its work still says is not heard, and the thread ends
+// in its own time.
 class BackgroundTask : public QObject {
     Q_OBJECT
 

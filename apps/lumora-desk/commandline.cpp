@@ -24,10 +24,10 @@ CommandLine parseCommandLine(const QStringList& arguments) {
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QCoreApplication::translate("lumora::desk", "Asks a database questions without SQL."));
-    parser.addPositionalArgument("DATABASE", "An SQLite file, or a URL: postgresql://user@host:port/database.",
-                                 "[DATABASE");
-    parser.addPositionalArgument("MODEL", "A data model file; without one the model is made from the database.",
-                                 "[MODEL]]");
+    parser.addPositionalArgument(
+        "DATABASE", "An SQLite file, or a URL: postgresql://user@host:port/database.", "[DATABASE");
+    parser.addPositionalArgument(
+        "MODEL", "A data model file; without one the model is made from the database.", "[MODEL]]");
     const QCommandLineOption queries(
         "queries", "Where queries are kept: a folder, or table:NAME for a table of the database.", "BASE");
     parser.addOption(queries);

@@ -1,21 +1,34 @@
 #include "apps/lumora-desk/deskdocument.h"
 
 #include "apps/lumora-desk/querybases.h"
+#include "panel/row_problems.h"
 #include "platform/ascii.h"
 #include "qtsql/engine.h"
 #include "qtsql/placeholders.h"
 #include "qtsql/queryparameters.h"
 #include "querybase/stored_text.h"
 
+#include <QRegularExpression>
 #include <QScopedValueRollback>
 
 #include <algorithm>
 
 namespace lumora::desk {
 
+namespace {
+
+QString asSentence(const QString& text) {
+    const bool isEnded = text.isEmpty() || text.endsWith(u'.') || text.endsWith(u'!') || text.endsWith(u'?');
+    return isEnded ? text : text + u'.';
+}
+
+} // namespace
+
 struct DeskDocument::Source {
     explicit Source(OpenedDatabase opened)
-        : request(std::move(opened.request)), model(std::move(opened.model)), provider(request.database),
+        : request(std::move(opened.request)),
+          model(std::move(opened.model)),
+          provider(request.database),
           queries(request) {
         provider.serve(*model);
     }
@@ -29,9 +42,7 @@ struct DeskDocument::Source {
 // Hears of changes in the panel.
 class DeskDocument::Listener : public TVQueryPanelLink {
 public:
-    explicit Listener(DeskDocument& document) : document_(document) {
-        SetQueryPanel(document.panel_.get());
-    }
+    explicit Listener(DeskDocument& document) : document_(document) { SetQueryPanel(document.panel_.get()); }
     void QueryPanelChanged() override { document_.panelChanged(); }
 
 private:
@@ -39,7 +50,8 @@ private:
 };
 
 DeskDocument::DeskDocument(QObject* parent)
-    : QObject(parent), panel_(std::make_unique<TVQueryPanel>()),
+    : QObject(parent),
+      panel_(std::make_unique<TVQueryPanel>()),
       listener_(std::make_unique<Listener>(*this)) {}
 
 DeskDocument::~DeskDocument() {
@@ -253,8 +265,7 @@ QString DeskDocument::freeName(const QString& name) const {
 void DeskDocument::duplicate(int index) {
     TStringList content;
     item(index).LoadContent(content);
-    const std::string name =
-        freeName(QString::fromStdString(item(index).GetQueryName())).toStdString();
+    const std::string name = freeName(QString::fromStdString(item(index).GetQueryName())).toStdString();
     PutQueryName(content, name);
     selectQuery(queries()->AddQuery(name, content));
 }
@@ -372,7 +383,25 @@ void DeskDocument::readSql(const QString& sql) {
 
 // --- The statement.
 
+namespace {
+
+QString problemSentences(const std::vector<TRowProblem>& problems) {
+    constexpr std::size_t most = 3;
+    QStringList texts;
+    for (std::size_t i = 0; i < problems.size() && i < most; ++i)
+        texts.append(asSentence(QString::fromStdString(problems[i].Text)));
+    if (problems.size() > most)
+        texts.append(DeskDocument::tr("%n more rows are not finished.", nullptr,
+                                      static_cast<int>(problems.size() - most)));
+    texts.removeDuplicates();
+    return texts.join(u'\n');
+}
+
+} // namespace
+
 BuiltStatement DeskDocument::build() {
+    if (const std::vector<TRowProblem> problems = PanelProblems(*panel_); !problems.empty())
+        return {{}, problemSentences(problems)};
     try {
         panel_->BuildQuery();
         const std::string sql(Trim(panel_->GetQResult().GetSQL().GetText()));
@@ -438,6 +467,8 @@ Statement DeskDocument::statement(const std::vector<ParameterValue>& values) {
 
 QString sentence(const std::exception& error) {
     QString text = QString::fromUtf8(error.what()).trimmed();
+    static const QRegularExpression lineNumber(QStringLiteral("\\s*\\n\\s*Line:\\s*(\\d+)$"));
+    text.replace(lineNumber, DeskDocument::tr(" (line %1)").arg(QStringLiteral("\\1")));
     const auto* const panelError = dynamic_cast<const EVQueryPanelError*>(&error);
     const int code = panelError ? panelError->Code : 0;
     if (code == qpeNoEnoughInfo || code == qpeQueryWasNotBuilt)
@@ -448,9 +479,7 @@ QString sentence(const std::exception& error) {
     static const QString badValue = QStringLiteral("Invalid value ");
     if (code == qpeInvalidValue && text.startsWith(badValue))
         return DeskDocument::tr("This value will not do: %1.").arg(text.mid(badValue.size()));
-    if (!text.isEmpty() && !text.endsWith(u'.') && !text.endsWith(u'!') && !text.endsWith(u'?'))
-        text += u'.';
-    return text;
+    return asSentence(text);
 }
 
 } // namespace lumora::desk

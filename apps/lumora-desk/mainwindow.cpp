@@ -1,5 +1,6 @@
 #include "apps/lumora-desk/mainwindow.h"
 
+#include "apps/lumora-desk/icons.h"
 #include "apps/lumora-desk/opendatabasedialog.h"
 #include "apps/lumora-desk/parametersdialog.h"
 #include "apps/lumora-desk/querylistpane.h"
@@ -48,7 +49,10 @@ MainWindow::MainWindow(QWidget* parent)
     updateState();
 }
 
-MainWindow::~MainWindow() = default;
+// The parts go before what they show.
+MainWindow::~MainWindow() {
+    delete takeCentralWidget();
+}
 
 // --- The parts.
 
@@ -65,7 +69,8 @@ void MainWindow::makeActions() {
     addAction(sample_, tr("Open the &Sample"), {}, [this] { openSample(); });
     addAction(close_, tr("&Close Database"), {}, [this] { closeDatabase(); });
     addAction(saveModel_, tr("Save the Data &Model as..."), {}, [this] { saveModel(); });
-    addAction(export_, tr("&Export Rows to CSV..."), QKeySequence(tr("Ctrl+E")), [this] { result_->exportCsv(); });
+    addAction(export_, tr("&Export Rows to CSV..."), QKeySequence(tr("Ctrl+E")),
+              [this] { result_->exportCsv(); });
     addAction(quit_, tr("&Quit"), QKeySequence::Quit, [this] { close(); });
     addAction(new_, tr("&New"), QKeySequence::New, [this] { newQuery(); });
     addAction(save_, tr("&Save"), QKeySequence::Save, [this] { save(); });
@@ -75,7 +80,8 @@ void MainWindow::makeActions() {
     addAction(delete_, tr("&Delete"), {}, [this] { deleteQuery(); });
     addAction(revert_, tr("Re&vert to Saved"), {}, [this] { revertQuery(); });
     addAction(readSql_, tr("Read S&QL..."), QKeySequence(tr("Ctrl+L")), [this] { readSql(); });
-    addAction(distinct_, tr("&Leave out Duplicates"), {}, [this] { document_.setDistinct(distinct_->isChecked()); });
+    addAction(distinct_, tr("&Leave out Duplicates"), {},
+              [this] { document_.setDistinct(distinct_->isChecked()); });
     addAction(run_, tr("&Run"), {}, [this] { run(); });
     addAction(cancel_, tr("&Cancel"), QKeySequence(Qt::Key_Escape), [this] {
         if (opening_.isRunning())
@@ -84,15 +90,16 @@ void MainWindow::makeActions() {
             result_->cancel();
     });
     addAction(showSql_, tr("Show &SQL"), {}, [this] { showSql(showSql_->isChecked()); });
-    addAction(copySql_, tr("&Copy the SQL"), QKeySequence(tr("Ctrl+Shift+C")), [this] { statement_->copySql(); });
+    addAction(copySql_, tr("&Copy the SQL"), QKeySequence(tr("Ctrl+Shift+C")),
+              [this] { statement_->copySql(); });
     run_->setShortcuts({QKeySequence(Qt::Key_F5), QKeySequence(tr("Ctrl+R"))});
     distinct_->setCheckable(true);
     showSql_->setCheckable(true);
     new_->setIcon(style()->standardIcon(QStyle::SP_FileIcon));
     save_->setIcon(style()->standardIcon(QStyle::SP_DialogSaveButton));
     open_->setIcon(style()->standardIcon(QStyle::SP_DialogOpenButton));
-    run_->setIcon(style()->standardIcon(QStyle::SP_MediaPlay));
-    cancel_->setIcon(style()->standardIcon(QStyle::SP_MediaStop));
+    run_->setIcon(runIcon());
+    cancel_->setIcon(stopIcon());
     new_->setToolTip(tr("Make a new query"));
     save_->setToolTip(tr("Save the query"));
     run_->setToolTip(tr("Run the query and show its rows (F5)"));
@@ -158,7 +165,8 @@ QWidget* MainWindow::makeWorkspace() {
         splitter->setChildrenCollapsible(false);
     outer_->setContentsMargins(6, 6, 6, 0);
     const int unit = fontMetrics().averageCharWidth();
-    outer_->setSizes({unit * 28, unit * 120});
+    outer_->setSizes({unit * 30, unit * 130});
+    inner_->setSizes({unit * 34, unit * 56});
     return outer_;
 }
 
@@ -272,10 +280,12 @@ void MainWindow::updateRecent() {
 }
 
 void MainWindow::saveModel() {
-    const QString name = QFileDialog::getSaveFileName(this, tr("Save the Data Model"), QStringLiteral("database.model"),
-                                                      tr("Data models (*.model);;All files (*)"));
+    const QString name =
+        QFileDialog::getSaveFileName(this, tr("Save the Data Model"), QStringLiteral("database.model"),
+                                     tr("Data models (*.model);;All files (*)"));
     if (!name.isEmpty())
-        attempt(tr("The data model was not saved."), [&] { document_.model()->SaveToFile(name.toStdString()); });
+        attempt(tr("The data model was not saved."),
+                [&] { document_.model()->SaveToFile(name.toStdString()); });
 }
 
 // --- Queries.
@@ -302,7 +312,8 @@ bool MainWindow::attempt(const QString& what, const std::function<void()>& actio
         action();
         return true;
     } catch (const Exception& error) {
-        QMessageBox::warning(this, QApplication::applicationDisplayName(), what + u'\n' + u'\n' + sentence(error));
+        QMessageBox::warning(this, QApplication::applicationDisplayName(),
+                             what + u'\n' + u'\n' + sentence(error));
         return false;
     }
 }
@@ -313,7 +324,8 @@ bool MainWindow::attemptSaving(const QString& what, const std::function<void(boo
         return true;
     } catch (const EVQueryBaseError& error) {
         if (error.Code != qbeConflict) {
-            QMessageBox::warning(this, QApplication::applicationDisplayName(), what + u'\n' + u'\n' + sentence(error));
+            QMessageBox::warning(this, QApplication::applicationDisplayName(),
+                                 what + u'\n' + u'\n' + sentence(error));
             return false;
         }
         QMessageBox box(QMessageBox::Warning, QApplication::applicationDisplayName(),
@@ -323,7 +335,8 @@ bool MainWindow::attemptSaving(const QString& what, const std::function<void(boo
         box.exec();
         return box.clickedButton() == force && attempt(what, [&] { action(true); });
     } catch (const Exception& error) {
-        QMessageBox::warning(this, QApplication::applicationDisplayName(), what + u'\n' + u'\n' + sentence(error));
+        QMessageBox::warning(this, QApplication::applicationDisplayName(),
+                             what + u'\n' + u'\n' + sentence(error));
         return false;
     }
 }
@@ -381,9 +394,10 @@ void MainWindow::deleteQuery() {
     const int index = document_.currentIndex();
     if (index < 0)
         return;
-    const auto answer = QMessageBox::question(this, tr("Delete the Query"),
-                                              tr("Delete the query \"%1\"? This cannot be undone.").arg(document_.queryName()),
-                                              QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel);
+    const auto answer = QMessageBox::question(
+        this, tr("Delete the Query"),
+        tr("Delete the query \"%1\"? This cannot be undone.").arg(document_.queryName()),
+        QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel);
     if (answer == QMessageBox::Yes)
         attemptSaving(tr("The query was not deleted."), [&](bool force) { document_.erase(index, force); });
 }

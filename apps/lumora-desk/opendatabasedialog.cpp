@@ -34,8 +34,11 @@ QFormLayout* makeForm(QWidget* widget) {
 } // namespace
 
 OpenDatabaseDialog::OpenDatabaseDialog(const QList<OpenRequest>& recent, QWidget* parent)
-    : QDialog(parent), kind_(new QComboBox(this)), pages_(new QStackedWidget(this)),
-      problem_(new QLabel(this)), progress_(new QProgressBar(this)) {
+    : QDialog(parent),
+      kind_(new QComboBox(this)),
+      pages_(new QStackedWidget(this)),
+      problem_(new QLabel(this)),
+      progress_(new QProgressBar(this)) {
     setWindowTitle(tr("Open a Database"));
     kind_->addItem(tr("A file (SQLite)"));
     kind_->addItem(tr("A server (PostgreSQL)"));
@@ -199,6 +202,7 @@ QWidget* OpenDatabaseDialog::makeQueriesPart() {
     part->setFocusProxy(place_);
     const auto showFolder = [this] {
         folderRow_->setVisible(place_->currentIndex() > 0);
+        folderRow_->findChild<QToolButton*>()->setVisible(place_->currentIndex() == 1);
         folder_->setPlaceholderText(place_->currentIndex() == 1 ? tr("path of the folder")
                                                                 : tr("lumora_queries"));
         updateState();

@@ -43,7 +43,8 @@ QString defaultQueryFolder(const DatabaseParameters& database) {
     if (named.driver == QLatin1StringView("QSQLITE"))
         named.databaseName = QFileInfo(named.databaseName).absoluteFilePath();
     const QString identity =
-        QStringList{named.driver, named.databaseName, named.hostName, QString::number(named.port)}.join(u'\n');
+        QStringList{named.driver, named.databaseName, named.hostName, QString::number(named.port)}.join(
+            u'\n');
     const QByteArray hash = QCryptographicHash::hash(identity.toUtf8(), QCryptographicHash::Sha1).toHex();
     QString name = QFileInfo(named.databaseName).completeBaseName();
     for (QChar& c : name)

@@ -25,7 +25,8 @@ private:
     std::unique_ptr<TVStoredQueryBase> base_;
 };
 
-// The folder for the queries of a database when none is chosen: one for each database, in the user's own data.
+// The folder for the queries of a database when none is chosen: one for each database, in the user's own
+// data.
 QString defaultQueryFolder(const DatabaseParameters& database);
 
 } // namespace lumora::desk

@@ -66,7 +66,8 @@ Qt::ItemFlags QueryListModel::flags(const QModelIndex& index) const {
 
 bool QueryListModel::setData(const QModelIndex& index, const QVariant& value, int role) {
     const QString name = value.toString().trimmed();
-    if (role != Qt::EditRole || name.isEmpty() || name == entries_[static_cast<std::size_t>(index.row())].name)
+    if (role != Qt::EditRole || name.isEmpty() ||
+        name == entries_[static_cast<std::size_t>(index.row())].name)
         return false;
     emit renameWanted(index.row(), name);
     return true;

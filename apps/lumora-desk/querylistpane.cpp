@@ -13,13 +13,18 @@
 namespace lumora::desk {
 
 QueryListPane::QueryListPane(DeskDocument& document, const QList<QAction*>& actions, QWidget* parent)
-    : QWidget(parent), document_(document), model_(document), list_(new QListView(this)),
+    : QWidget(parent),
+      document_(document),
+      model_(document),
+      list_(new QListView(this)),
       description_(new QPlainTextEdit(this)) {
     list_->setModel(&model_);
     list_->setAccessibleName(tr("Saved queries"));
     list_->setEditTriggers(QAbstractItemView::EditKeyPressed);
     list_->setContextMenuPolicy(Qt::ActionsContextMenu);
-    list_->setUniformItemSizes(false);
+    list_->setSpacing(1);
+    list_->setTextElideMode(Qt::ElideRight);
+    list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     list_->addActions(actions);
     description_->setPlaceholderText(tr("What the query is for"));
     description_->setAccessibleName(tr("Description of the query"));
@@ -31,6 +36,7 @@ QueryListPane::QueryListPane(DeskDocument& document, const QList<QAction*>& acti
     for (QAction* const action : actions) {
         auto* const button = new QToolButton(this);
         button->setDefaultAction(action);
+        button->setToolButtonStyle(Qt::ToolButtonTextOnly);
         button->setAutoRaise(true);
         buttons->addWidget(button);
     }
@@ -45,11 +51,12 @@ QueryListPane::QueryListPane(DeskDocument& document, const QList<QAction*>& acti
     layout->addWidget(description_);
 
     // The arrows choose too. The selection is put right again when the document stays with its query.
-    connect(list_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& index) {
-        if (index.isValid() && index.row() != document_.currentIndex())
-            QMetaObject::invokeMethod(
-                this, [this, row = index.row()] { emit queryWanted(row); }, Qt::QueuedConnection);
-    });
+    connect(list_->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex& index) {
+                if (index.isValid() && index.row() != document_.currentIndex())
+                    QMetaObject::invokeMethod(
+                        this, [this, row = index.row()] { emit queryWanted(row); }, Qt::QueuedConnection);
+            });
     connect(&model_, &QueryListModel::renameWanted, this, &QueryListPane::renameWanted);
     connect(&model_, &QAbstractItemModel::modelReset, this, &QueryListPane::showCurrent);
     connect(&document, &DeskDocument::currentQueryChanged, this, [this] {

@@ -21,7 +21,8 @@ QWidget* withTitle(const QString& title, QWidget* content, QWidget* parent) {
 } // namespace
 
 QueryPane::QueryPane(DeskDocument& document, QWidget* parent)
-    : QSplitter(Qt::Horizontal, parent), conditions_(new QueryPanelPlaceholder),
+    : QSplitter(Qt::Horizontal, parent),
+      conditions_(new QueryPanelWidget),
       columns_(new ResultColumnsWidget) {
     setChildrenCollapsible(false);
     addWidget(withTitle(tr("Which records"), conditions_, this));

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "apps/lumora-desk/deskdocument.h"
-#include "apps/lumora-desk/querypanelplaceholder.h"
+#include "widgets/querypanelwidget.h"
 #include "widgets/resultcolumnswidget.h"
 
 #include <QSplitter>
@@ -16,11 +16,11 @@ public:
     explicit QueryPane(DeskDocument& document, QWidget* parent = nullptr);
     ~QueryPane() override;
 
-    QueryPanelPlaceholder& conditions() { return *conditions_; }
+    QueryPanelWidget& conditions() { return *conditions_; }
     ResultColumnsWidget& columns() { return *columns_; }
 
 private:
-    QueryPanelPlaceholder* const conditions_;
+    QueryPanelWidget* const conditions_;
     ResultColumnsWidget* const columns_;
 };
 

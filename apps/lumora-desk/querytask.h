@@ -7,8 +7,8 @@
 
 namespace lumora::desk {
 
-// Runs one statement on a connection of its own, which lives on the thread of the work, and hands its rows over
-// in chunks; the work waits when the window is behind. Signals come on the task's own thread.
+// Runs one statement on a connection of its own, which lives on the thread of the work, and hands its rows
+// over in chunks; the work waits when the window is behind. Signals come on the task's own thread.
 class QueryTask : public QObject {
     Q_OBJECT
 

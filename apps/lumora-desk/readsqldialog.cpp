@@ -14,7 +14,8 @@ namespace lumora::desk {
 ReadSqlDialog::ReadSqlDialog(Read read, QWidget* parent)
     : QDialog(parent), read_(std::move(read)), text_(new SqlView(this)), problem_(new QLabel(this)) {
     setWindowTitle(tr("Read SQL"));
-    auto* const label = new QLabel(tr("A &SELECT statement, which becomes the rows and columns of the query:"), this);
+    auto* const label =
+        new QLabel(tr("A &SELECT statement, which becomes the rows and columns of the query:"), this);
     label->setBuddy(text_);
     text_->setPlaceholderText(QStringLiteral("SELECT ... FROM ... WHERE ..."));
     text_->setAccessibleName(tr("SELECT statement"));
@@ -46,9 +47,10 @@ void ReadSqlDialog::accept() {
     if (problem.isEmpty())
         return QDialog::accept();
     // Show the line that the message tells of.
-    static const QRegularExpression lineNumber(QStringLiteral("Line:\\s*(\\d+)"));
+    static const QRegularExpression lineNumber(QStringLiteral("\\(\\D+(\\d+)\\)\\.?$"));
     const int line = lineNumber.match(problem).captured(1).toInt();
-    if (const QTextBlock block = text_->document()->findBlockByNumber(line - 1); line > 0 && block.isValid()) {
+    if (const QTextBlock block = text_->document()->findBlockByNumber(line - 1);
+        line > 0 && block.isValid()) {
         QTextCursor cursor(block);
         cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
         text_->setTextCursor(cursor);

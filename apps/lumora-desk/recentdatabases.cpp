@@ -42,15 +42,36 @@ void writeRequest(QSettings& settings, const OpenRequest& request) {
     settings.setValue("queries", request.queries.name);
 }
 
+// Between the ";" that stand outside quotes; a backslash takes the next character's meaning.
+QStringList splitOptions(const QString& options) {
+    QStringList parts(QString{});
+    bool quoted = false;
+    for (qsizetype i = 0; i < options.size(); ++i) {
+        const QChar c = options[i];
+        if (c == u';' && !quoted) {
+            parts.append(QString());
+            continue;
+        }
+        parts.last() += c;
+        if (c == u'\\' && i + 1 < options.size())
+            parts.last() += options[++i];
+        else if (c == u'\'')
+            quoted = !quoted;
+    }
+    parts.removeAll(QString());
+    return parts;
+}
+
 } // namespace
 
 DatabaseParameters withoutPassword(const DatabaseParameters& database) {
     DatabaseParameters safe = database;
     safe.password.clear();
-    QStringList options = safe.connectOptions.split(u';', Qt::SkipEmptyParts);
+    QStringList options = splitOptions(safe.connectOptions);
     options.removeIf([](const QString& option) {
         const QString name = option.section(u'=', 0, 0).trimmed();
-        return name.contains("password"_L1, Qt::CaseInsensitive) || name.compare("pwd"_L1, Qt::CaseInsensitive) == 0;
+        return name.contains("password"_L1, Qt::CaseInsensitive) ||
+               name.compare("pwd"_L1, Qt::CaseInsensitive) == 0;
     });
     safe.connectOptions = options.join(u';');
     // An ODBC connection string stands where the database's name does.

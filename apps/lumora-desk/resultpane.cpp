@@ -39,7 +39,9 @@ QString durationText(qint64 milliseconds) {
 } // namespace
 
 ResultPane::ResultPane(QWidget* parent)
-    : QWidget(parent), stack_(new QStackedWidget(this)), view_(new QTableView(this)),
+    : QWidget(parent),
+      stack_(new QStackedWidget(this)),
+      view_(new QTableView(this)),
       message_(new QLabel(this)) {
     view_->setModel(&model_);
     view_->setAccessibleName(tr("Rows"));
@@ -111,9 +113,8 @@ ResultPane::ResultPane(QWidget* parent)
         exportText_ = text;
         setState(state_);
     };
-    connect(&export_, &ExportTask::finished, this, [endExport](qint64 rows) {
-        endExport(tr("%1 exported").arg(rowCountText(rows)));
-    });
+    connect(&export_, &ExportTask::finished, this,
+            [endExport](qint64 rows) { endExport(tr("%1 exported").arg(rowCountText(rows))); });
     connect(&export_, &ExportTask::cancelled, this, [endExport] { endExport(tr("Export cancelled")); });
     connect(&export_, &ExportTask::failed, this,
             [endExport](const QString& message) { endExport(tr("Export failed. %1").arg(message)); });
@@ -274,8 +275,8 @@ void ResultPane::copySelection(bool names) {
             columns.insert(column);
     }
     if (!columns.empty())
-        QGuiApplication::clipboard()->setText(
-            model_.tabSeparated(QList<int>(rows.begin(), rows.end()), QList<int>(columns.begin(), columns.end()), names));
+        QGuiApplication::clipboard()->setText(model_.tabSeparated(
+            QList<int>(rows.begin(), rows.end()), QList<int>(columns.begin(), columns.end()), names));
 }
 
 void ResultPane::copy() {
@@ -291,8 +292,9 @@ void ResultPane::exportCsv() {
         return;
     QSettings settings;
     const QString folder = settings.value("exportFolder", QDir::homePath()).toString();
-    const QString name = QFileDialog::getSaveFileName(this, tr("Export to CSV"), folder + QStringLiteral("/rows.csv"),
-                                                      tr("CSV files (*.csv);;All files (*)"));
+    const QString name =
+        QFileDialog::getSaveFileName(this, tr("Export to CSV"), folder + QStringLiteral("/rows.csv"),
+                                     tr("CSV files (*.csv);;All files (*)"));
     if (name.isEmpty())
         return;
     settings.setValue("exportFolder", QFileInfo(name).absolutePath());

@@ -95,7 +95,8 @@ QVariant ResultTableModel::data(const QModelIndex& index, int role) const {
     case Qt::ForegroundRole:
         return value.isNull() ? QGuiApplication::palette().brush(QPalette::PlaceholderText) : QVariant();
     case Qt::TextAlignmentRole:
-        return QVariant(Qt::AlignVCenter | (isNumber(value, index.column()) ? Qt::AlignRight : Qt::AlignLeft));
+        return QVariant(Qt::AlignVCenter |
+                        (isNumber(value, index.column()) ? Qt::AlignRight : Qt::AlignLeft));
     default:
         return {};
     }

@@ -1,7 +1,9 @@
 #include "apps/lumora-desk/sampledatabase.h"
 
 #include "platform/errors.h"
-#include "qtsql/databaseerror.h"
+#include "platform/string_list.h"
+#include "platform/text_file.h"
+#include "querybase/query_file_name.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -31,7 +33,8 @@ void makeDatabase(const QString& script, const QString& file) {
     python.start(QStringLiteral("python3"), {script, file});
     if (!python.waitForStarted())
         fail(QStringLiteral("python3 is needed for that (%1)").arg(python.errorString()));
-    if (!python.waitForFinished(60'000) || python.exitCode() != 0 || python.exitStatus() != QProcess::NormalExit)
+    if (!python.waitForFinished(60'000) || python.exitCode() != 0 ||
+        python.exitStatus() != QProcess::NormalExit)
         fail(QString::fromUtf8(python.readAll()).trimmed());
 }
 
@@ -41,13 +44,21 @@ void copy(const QString& from, const QString& to) {
     QFile::setPermissions(to, QFile::permissions(to) | QFile::WriteOwner);
 }
 
+// In a folder of queries, files are called as their queries are.
+QString namedFile(const QString& file) {
+    for (const std::string_view line : TStringList(ReadTextFile(file.toStdString())))
+        if (constexpr std::string_view key = "QueryName="; line.substr(0, key.size()) == key)
+            return QString::fromStdString(QueryFileName(line.substr(key.size())));
+    return QFileInfo(file).fileName();
+}
+
 } // namespace
 
 QString sampleFolder() {
     const QString program = QCoreApplication::applicationDirPath();
-    for (const QString& folder : {program + QStringLiteral("/samples"),
-                                  program + QStringLiteral("/../share/lumora/samples"),
-                                  QStringLiteral(LUMORA_DESK_SAMPLES)})
+    for (const QString& folder :
+         {program + QStringLiteral("/samples"), program + QStringLiteral("/../share/lumora/samples"),
+          QStringLiteral(LUMORA_DESK_SAMPLES)})
         if (isSampleFolder(folder))
             return QDir::cleanPath(folder);
     return {};
@@ -63,8 +74,9 @@ OpenRequest makeSample(const QString& from, const QString& to) {
     if (!QDir().mkpath(queries))
         fail(QStringLiteral("the folder %1 cannot be made").arg(queries));
     if (isFirst) // a query that was deleted is not to come back
-        for (const QFileInfo& query : QDir(from + QStringLiteral("/queries")).entryInfoList({QStringLiteral("*.qry")}))
-            copy(query.filePath(), queries + u'/' + query.fileName());
+        for (const QFileInfo& query :
+             QDir(from + QStringLiteral("/queries")).entryInfoList({QStringLiteral("*.qry")}))
+            copy(query.filePath(), queries + u'/' + namedFile(query.filePath()));
     copy(from + u'/' + modelName, to + u'/' + modelName);
     const QString database = to + QStringLiteral("/orders.sqlite");
     if (!QFileInfo::exists(database))

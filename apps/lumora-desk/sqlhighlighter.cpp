@@ -14,11 +14,11 @@ namespace lumora::desk {
 namespace {
 
 constexpr std::array<std::string_view, 50> keywords = {
-    "all",    "and",   "any",    "as",        "asc",     "avg",    "between", "by",    "case",   "cast",
-    "count",  "cross", "desc",   "distinct",  "else",    "end",    "except",  "exists", "false", "fetch",
-    "from",   "full",  "group",  "having",    "in",      "inner",  "intersect", "is",  "join",   "left",
-    "like",   "limit", "max",    "min",       "natural", "not",    "null",    "offset", "on",    "or",
-    "order",  "outer", "right",  "select",    "sum",     "then",   "union",   "using", "when",   "where"};
+    "all",   "and",   "any",   "as",       "asc",     "avg",   "between",   "by",     "case",  "cast",
+    "count", "cross", "desc",  "distinct", "else",    "end",   "except",    "exists", "false", "fetch",
+    "from",  "full",  "group", "having",   "in",      "inner", "intersect", "is",     "join",  "left",
+    "like",  "limit", "max",   "min",      "natural", "not",   "null",      "offset", "on",    "or",
+    "order", "outer", "right", "select",   "sum",     "then",  "union",     "using",  "when",  "where"};
 
 bool isKeyword(std::string_view word) {
     return std::any_of(keywords.begin(), keywords.end(),
@@ -142,9 +142,9 @@ std::vector<SqlStretch> sqlStretches(const QString& sql) {
 }
 
 const std::vector<SqlStretch>& SqlHighlighter::stretches() {
-    if (revision_ != document()->revision()) {
-        revision_ = document()->revision();
-        stretches_ = sqlStretches(document()->toPlainText());
+    if (const QString text = document()->toPlainText(); text != text_) {
+        text_ = text;
+        stretches_ = sqlStretches(text);
     }
     return stretches_;
 }

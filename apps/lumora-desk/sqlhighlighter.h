@@ -34,7 +34,7 @@ private:
     const std::vector<SqlStretch>& stretches();
 
     std::vector<SqlStretch> stretches_;
-    int revision_ = -1; // of the document, for which they were found
+    QString text_; // in which they were found
 };
 
 } // namespace lumora::desk

@@ -9,17 +9,21 @@
 namespace lumora::desk {
 
 StartPage::StartPage(QWidget* parent)
-    : QWidget(parent), open_(new QPushButton(tr("&Open a database..."), this)),
-      sample_(new QPushButton(tr("&Try the sample"), this)), recentTitle_(new QLabel(tr("Opened before:"), this)),
-      busyText_(new QLabel(this)), progress_(new QProgressBar(this)), choices_(new QWidget(this)) {
+    : QWidget(parent),
+      open_(new QPushButton(tr("&Open a database..."), this)),
+      sample_(new QPushButton(tr("&Try the sample"), this)),
+      recentTitle_(new QLabel(tr("Opened before:"), this)),
+      busyText_(new QLabel(this)),
+      progress_(new QProgressBar(this)),
+      choices_(new QWidget(this)) {
     auto* const title = new QLabel(tr("Ask a database"), this);
     QFont large = title->font();
     large.setPointSizeF(large.pointSizeF() * 1.8);
     title->setFont(large);
-    auto* const hint = new QLabel(
-        tr("Open a database, say in words which records you want to see, choose the columns to show, and run the "
-           "query. No SQL is needed."),
-        this);
+    auto* const hint = new QLabel(tr("Open a database, say in words which records you want to see, choose "
+                                     "the columns to show, and run the "
+                                     "query. No SQL is needed."),
+                                  this);
     hint->setWordWrap(true);
     progress_->setRange(0, 0);
     progress_->setTextVisible(false);

@@ -28,8 +28,12 @@ QLabel* makeText(QWidget* parent) {
 } // namespace
 
 StatementPane::StatementPane(QWidget* parent)
-    : QWidget(parent), words_(makeText(this)), problem_(makeText(this)), sqlPart_(new QWidget(this)),
-      sql_(new SqlView(sqlPart_)), copy_(new QToolButton(sqlPart_)) {
+    : QWidget(parent),
+      words_(makeText(this)),
+      problem_(makeText(this)),
+      sqlPart_(new QWidget(this)),
+      sql_(new SqlView(sqlPart_)),
+      copy_(new QToolButton(sqlPart_)) {
     words_->setAccessibleName(tr("The query in words"));
     problem_->setAccessibleName(tr("What the query still lacks"));
     problem_->setFrameShape(QFrame::StyledPanel);
@@ -67,9 +71,9 @@ StatementPane::StatementPane(QWidget* parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
     layout->addWidget(new PaneTitle(tr("In words"), this));
-    layout->addWidget(scroll, 2);
+    layout->addWidget(scroll, 1);
     layout->addWidget(problem_);
-    layout->addWidget(sqlPart_, 3);
+    layout->addWidget(sqlPart_, 2);
     problem_->hide();
 }
 

@@ -11,7 +11,7 @@ namespace lumora::desk {
 
 struct RowSink {
     std::function<void(const QList<ResultColumn>& columns)> columns; // once, before the first row
-    std::function<bool(const ResultRow& row)> row;                    // false: no more
+    std::function<bool(const ResultRow& row)> row;                   // false: no more
 };
 
 // Connects, runs, and returns when the rows are through, the sink has enough, or the work is cancelled.

@@ -1,8 +1,8 @@
 #include "apps/lumora/row_output.h"
 
 #include "apps/lumora/arguments.h"
-#include "qtsql/celltext.h"
 #include "apps/lumora/text_width.h"
+#include "qtsql/celltext.h"
 
 #include <QSet>
 #include <QSqlField>

@@ -1,4 +1,5 @@
-// Queries that an engine is known to refuse, or to understand otherwise than their rows say.
+// Plain queries that an engine is known to refuse, or to understand otherwise than their rows say, and what
+// strict panels are to refuse themselves.
 #pragma once
 
 #include "tests/truth/reference.h"
@@ -12,7 +13,6 @@ struct NamedCase {
     const char* reason;
     Effect sqlite;
     Effect postgres;
-    bool strictToo;
     bool (*applies)(const TVQueryPanel& panel, const Engine& engine);
 
     Effect effect(const Engine& engine) const { return engine.quotesBooleans ? postgres : sqlite; }
@@ -22,5 +22,7 @@ extern const std::vector<NamedCase> namedCases;
 
 // Whether a strict panel is to refuse the query for one of its values.
 bool hasRefusedValue(const TVQueryPanel& panel);
+// Whether it is to refuse the query because distinct records are sorted by what is no column.
+bool sortsDistinctByExpression(const TVQueryPanel& panel, const Engine& engine);
 
 } // namespace lumora::truth
