@@ -4,6 +4,8 @@
 #include "widgets/querypanelwidget.h"
 
 #include <QKeyEvent>
+#include <QTextDocument>
+#include <QToolTip>
 
 #include <algorithm>
 
@@ -66,9 +68,25 @@ bool QueryPanelWidget::handlePanelKey(QKeyEvent* event) {
     bool isHandled = true; // also when it cannot be done
     if (!attempt([&] { isHandled = panel()->KeyDown(key, toShiftState(event->modifiers())); }))
         return true;
-    if (isHandled && panel())
+    if (isHandled && panel()) {
         scrollToCurrentSoon();
+        if (key >= keyLeft && key <= keyDown)
+            showProblem();
+    }
     return isHandled;
+}
+
+// Who does not use the mouse is told as well what is wrong with a word.
+void QueryPanelWidget::showProblem() {
+    updateNow();
+    const TWordPlace place = currentPlace();
+    const TPlacedLine placed = line(place.Line);
+    const auto word = static_cast<std::size_t>(place.Word); // -1: none
+    if (word >= placed.Words.size() || placed.Words[word].Word.State != rsWrong)
+        return QToolTip::hideText();
+    const QString problem = QString::fromStdString(placed.Words[word].Word.Problem);
+    QToolTip::showText(viewport()->mapToGlobal(wordRect(place.Line, place.Word).bottomLeft()),
+                       Qt::convertFromPlainText(problem), viewport());
 }
 
 bool QueryPanelWidget::handleScreenKey(QKeyEvent* event) {

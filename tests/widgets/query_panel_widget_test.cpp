@@ -363,6 +363,33 @@ TEST_F(QueryPanelWidgetTest, WhatItShowsMayGoAtAnyTime) {
     EXPECT_EQ(Shop.Root().GetRowCount(), 1);
 }
 
+TEST_F(QueryPanelWidgetTest, WhatIsRaisedIsToldAndKeepsTheKeyboardThere) {
+    Shop.Where("customers.company", "Between", "a", "b");
+    Shop.Panel.OnSetValue = [](TVQueryPanel&, TFilterCond&, int) { throw Exception("Not <today>"); };
+    QString reason;
+    QObject::connect(&Widget, &QueryPanelWidget::refused, [&](const QString& text) { reason = text; });
+    Show();
+    Click(1, wrValue, 1);
+    TypeInPopup("c");
+    KeyInPopup(Qt::Key_Tab);
+    EXPECT_EQ(reason, "Not <today>");
+    EXPECT_FALSE(Widget.popup());
+    EXPECT_EQ(Widget.currentPlace().Word, WordOf(1, wrValue, 1));
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&Widget)->text(QAccessible::Description), reason);
+    Key(Qt::Key_Right);
+    EXPECT_TRUE(Widget.refusal().isEmpty());
+}
+
+TEST_F(QueryPanelWidgetTest, PanelIsShownInOneWidgetAtATime) {
+    QueryPanelWidget other;
+    other.setPanel(&Shop.Panel);
+    EXPECT_EQ(Widget.panel(), nullptr);
+    Widget.setPanel(&Shop.Panel);
+    EXPECT_EQ(other.panel(), nullptr);
+    Shop.Panel.AddCondition(Shop.Root());
+    EXPECT_EQ(Widget.lineCount(), 3);
+}
+
 TEST_F(QueryPanelWidgetTest, TenThousandRowsScroll) {
     for (int i = 0; i < 10000; ++i)
         Shop.Where("customers.company", "EqualTo", std::to_string(i));
