@@ -32,9 +32,9 @@ void QueryPanelWidget::mousePressEvent(QMouseEvent* event) {
     const TPlacedLine placed = line(pressed_.Line);
     const bool isWord =
         pressed_.Word >= 0 && placed.Words[static_cast<std::size_t>(pressed_.Word)].Word.IsClickable();
+    viewport()->update(lineRect(pressed_.Line));
     if (!isWord)
         clickWord(pressed_.Line, -1);
-    viewport()->update(lineRect(pressed_.Line));
 }
 
 void QueryPanelWidget::mouseMoveEvent(QMouseEvent* event) {
@@ -70,11 +70,16 @@ void QueryPanelWidget::mouseReleaseEvent(QMouseEvent* event) {
         clickWord(pressed.Line, pressed.Word);
 }
 
+// Except on a value, it is one more press: a check box that is clicked fast switches each time.
 void QueryPanelWidget::mouseDoubleClickEvent(QMouseEvent* event) {
     const TWordPlace place = placeAt(event->pos());
-    TFilterRow* const row = layout_ ? layout_->RowOfLine(place.Line) : nullptr;
-    if (event->button() == Qt::LeftButton && row && place.Word >= 0)
-        attempt([&] { panel()->DblClickWord(*row, place.Word); });
+    const TPlacedLine placed = line(place.Line);
+    const bool isValue = placed.Row && place.Word >= 0 &&
+                         placed.Words[static_cast<std::size_t>(place.Word)].Word.Role == wrValue;
+    if (!isValue)
+        return mousePressEvent(event);
+    if (event->button() == Qt::LeftButton)
+        attempt([&] { panel()->DblClickWord(*placed.Row, place.Word); });
 }
 
 void QueryPanelWidget::contextMenuEvent(QContextMenuEvent* event) {

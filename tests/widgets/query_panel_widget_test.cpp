@@ -210,6 +210,12 @@ TEST_F(QueryPanelWidgetTest, SpaceTogglesTheCheckBoxOrOpensTheMenu) {
     EXPECT_FALSE(condition->GetEnabled());
     Click(1, wrCheckBox);
     EXPECT_TRUE(condition->GetEnabled());
+    const QPoint box = Widget.wordRect(1, WordOf(1, wrCheckBox)).center();
+    QMouseEvent second(QEvent::MouseButtonDblClick, box, Widget.viewport()->mapToGlobal(box), Qt::LeftButton,
+                       Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(Widget.viewport(), &second);
+    QTest::mouseRelease(Widget.viewport(), Qt::LeftButton, Qt::NoModifier, box);
+    EXPECT_FALSE(condition->GetEnabled()) << "the second of two fast clicks counts as well";
     // Without the keyboard map the keys are the window's.
     Shop.Panel.GetAppearance().SetOptions({});
     Key(Qt::Key_Space);
