@@ -31,7 +31,7 @@ inline QColor linkColor(TColor color, const QPalette& palette) {
     if (color != clBlue || !isDark(palette))
         return toQColor(color);
     const QColor link = palette.color(QPalette::Link);
-    return link.lightness() < 128 ? QColor(0x6C, 0xB2, 0xFF) : link;
+    return link.lightness() <= 128 ? QColor(0x6C, 0xB2, 0xFF) : link;
 }
 
 } // namespace lumora

@@ -167,6 +167,8 @@ QWidget* MainWindow::makeWorkspace() {
     const int unit = fontMetrics().averageCharWidth();
     outer_->setSizes({unit * 30, unit * 130});
     inner_->setSizes({unit * 34, unit * 56});
+    query_->setSizes({unit * 84, unit * 56});
+    lower_->setSizes({unit * 84, unit * 56});
     return outer_;
 }
 
@@ -176,6 +178,8 @@ void MainWindow::connectParts() {
     connect(start_, &StartPage::recentWanted, this, &MainWindow::open);
     connect(queries_, &QueryListPane::queryWanted, this, &MainWindow::selectQuery);
     connect(queries_, &QueryListPane::renameWanted, this, &MainWindow::renameQuery);
+    connect(&query_->conditions(), &QueryPanelWidget::refused, this,
+            [this](const QString& reason) { statusBar()->showMessage(reason, 10'000); });
     connect(&document_, &DeskDocument::opened, this, [this] {
         result_->clear();
         updateState();

@@ -67,7 +67,7 @@ TEST_F(Documents, AChangeThatIsTakenBackIsNone) {
 
 TEST_F(Documents, WhatIsNotFinishedIsSaidInWords) {
     addCondition(document, "Customer ID", "");
-    EXPECT_EQ(document.build().problem, "A value is missing for \"Customer ID\".");
+    EXPECT_EQ(document.build().problem, "\"Customer ID\" has no value yet.");
     addCondition(document, "Since", "soon");
     EXPECT_TRUE(document.isModified());
     EXPECT_NE(document.build().problem, "");

@@ -135,7 +135,8 @@ TEST_F(Tasks, ErrorsAreTheEnginesWords) {
     task.start(statement("select name from nowhere"));
     ASSERT_TRUE(record.wait());
     ASSERT_EQ(record.failed.size(), 1);
-    EXPECT_TRUE(record.failed[0][0].toString().contains("nowhere")) << record.failed[0][0].toString().toStdString();
+    EXPECT_TRUE(record.failed[0][0].toString().contains("nowhere"))
+        << record.failed[0][0].toString().toStdString();
 
     Statement elsewhere = statement("select 1");
     elsewhere.database.databaseName = QString::fromStdString(folder / "gone.sqlite");

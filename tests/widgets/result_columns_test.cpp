@@ -1,0 +1,163 @@
+// Choosing and arranging the columns of a query.
+
+#include "tests/fixtures.h"
+#include "widgets/fieldchooser.h"
+#include "widgets/resultcolumnswidget.h"
+
+#include <gtest/gtest.h>
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTableView>
+#include <QTest>
+#include <QTreeView>
+
+using namespace lumora;
+using namespace lumora::tests;
+
+namespace {
+
+class ResultColumns : public testing::Test {
+protected:
+    using Model = ResultColumnsModel;
+
+    ResultColumns() { widget.setPanel(&shop.Panel); }
+    ~ResultColumns() override { widget.setPanel(nullptr); }
+
+    Model& columns() { return widget.columns(); }
+    TDSField& field(const char* sql) { return *shop.Field(sql); }
+    // The columns as "caption=formula", with the place in the sorting.
+    std::string state() {
+        std::string text;
+        const TRFieldList& fields = shop.Panel.GetQResult().GetResultFields();
+        for (int i = 0; i < fields.Count(); ++i) {
+            const TResultField& column = *fields.GetRField(i);
+            text += column.GetCaption() + "=" + column.GetFormula();
+            if (const int rank = columns().sortRank(i))
+                text += (column.GetSorting() == stAscending ? " +" : " -") + std::to_string(rank);
+            text += "; ";
+        }
+        return text;
+    }
+    QVariant cell(int row, Model::Column column) { return columns().index(row, column).data(); }
+
+    TShop shop;
+    ResultColumnsWidget widget;
+};
+
+TEST_F(ResultColumns, FollowThePanelAndTellIt) {
+    int told = 0;
+    shop.Panel.OnChange = [&](TVQueryPanel&) { ++told; };
+    columns().addField(field("customers.company"));
+    EXPECT_EQ(told, 1);
+    columns().addField(field("customers.company"));
+    ASSERT_EQ(columns().rowCount(), 2);
+    EXPECT_NE(cell(0, Model::Caption), cell(1, Model::Caption)) << "captions tell columns apart";
+    shop.Panel.BeginUpdate();
+    shop.Panel.GetQResult().GetResultFields().Delete(0);
+    shop.Panel.EndUpdate();
+    EXPECT_EQ(columns().rowCount(), 1);
+    // Rows that the panel dropped without a word are not asked for.
+    shop.Panel.GetQResult().GetResultFields().Clear();
+    EXPECT_EQ(columns().flags(columns().index(0, Model::Shown)) & Qt::ItemIsEditable, 0);
+    EXPECT_FALSE(cell(0, Model::Caption).isValid());
+    widget.refresh();
+    EXPECT_EQ(columns().rowCount(), 0);
+}
+
+TEST_F(ResultColumns, OfferWhatTheFieldsTypeHasUseFor) {
+    columns().addField(field("customers.company"));
+    columns().addField(field("orders.amount"));
+    columns().addField(field("customers.active"));
+    EXPECT_EQ(columns().aggregates(0),
+              (std::vector{Model::Value, Model::Count, Model::Least, Model::Greatest}));
+    EXPECT_EQ(columns().aggregates(1), (std::vector{Model::Value, Model::Count, Model::Sum, Model::Average,
+                                                    Model::Least, Model::Greatest}));
+    EXPECT_EQ(columns().aggregates(2), (std::vector{Model::Value, Model::Count}));
+    columns().setData(columns().index(1, Model::Shown), Model::Sum);
+    EXPECT_EQ(shop.Panel.GetQResult().GetResultFields().GetRField(1)->GetSQLExpr(), "sum(orders.amount)");
+    EXPECT_EQ(cell(1, Model::Shown).toString(), "sum");
+}
+
+TEST_F(ResultColumns, LeaveFormulasOfTheirOwnAlone) {
+    shop.Panel.GetQResult().GetResultFields().Add("round(sum(@1), 2)", {&field("orders.amount")}, "Worth");
+    widget.refresh();
+    EXPECT_EQ(columns().aggregate(0), Model::Custom);
+    EXPECT_FALSE(columns().flags(columns().index(0, Model::Shown)) & Qt::ItemIsEditable);
+    columns().setAggregate(0, Model::Custom);
+    EXPECT_EQ(state(), "Worth=round(sum(@1), 2); ");
+}
+
+TEST_F(ResultColumns, SortingHasAnOrderWithoutGaps) {
+    for (const char* const name : {"customers.company", "customers.since", "orders.amount"})
+        columns().addField(field(name));
+    const auto sort = [this](int row, TSortingType sorting) {
+        columns().setData(columns().index(row, Model::Sorting), sorting);
+    };
+    sort(2, stDescending);
+    sort(0, stAscending);
+    sort(1, stAscending);
+    EXPECT_EQ(columns().sortRank(2), 1);
+    EXPECT_EQ(columns().sortRank(1), 3);
+    columns().setSortRank(1, 1);
+    EXPECT_EQ(columns().sortRank(1), 1);
+    EXPECT_EQ(columns().sortRank(0), 3);
+    sort(2, stNoSort);
+    sort(2, stAscending);
+    EXPECT_EQ(columns().sortRank(2), 3) << "sorted anew, it stands behind the others";
+    columns().setSortRank(2, 99);
+    columns().setSortRank(2, -5);
+    EXPECT_EQ(columns().sortRank(2), 1);
+    EXPECT_EQ(cell(2, Model::Sorting).toString(), "1. ascending");
+}
+
+TEST_F(ResultColumns, TheKeyboardDoesAllThatTheMouseDoes) {
+    for (const char* const name : {"customers.company", "customers.since", "orders.amount"})
+        columns().addField(field(name));
+    widget.show();
+    QTableView& view = widget.view();
+    view.selectRow(0);
+    QTest::keyClick(&view, Qt::Key_Down, Qt::AltModifier);
+    QTest::keyClick(&view, Qt::Key_Down, Qt::AltModifier);
+    QTest::keyClick(&view, Qt::Key_Down, Qt::AltModifier);
+    EXPECT_EQ(columns().index(2, Model::Caption).data().toString().toStdString(),
+              field("customers.company").GetDisplayName());
+    EXPECT_EQ(view.currentIndex().row(), 2) << "the moved column stays current";
+    QTest::keyClick(&view, Qt::Key_Delete);
+    EXPECT_EQ(columns().rowCount(), 2);
+    QTest::keyClick(&view, Qt::Key_Delete);
+    QTest::keyClick(&view, Qt::Key_Delete);
+    QTest::keyClick(&view, Qt::Key_Delete);
+    EXPECT_EQ(columns().rowCount(), 0);
+    QTest::keyClick(&view, Qt::Key_Insert);
+    auto& chooser = *widget.findChild<FieldChooser*>();
+    ASSERT_TRUE(chooser.isVisible());
+    QTest::keyClicks(&chooser.searchLine(), "SINCE");
+    QTest::keyClick(&chooser.searchLine(), Qt::Key_Return);
+    EXPECT_EQ(columns().rowCount(), 1);
+    EXPECT_TRUE(chooser.isVisible()) << "for the next one";
+    QTest::keyClicks(&chooser.searchLine(), "no such field");
+    QTest::keyClick(&chooser.searchLine(), Qt::Key_Return);
+    EXPECT_EQ(columns().rowCount(), 1);
+    chooser.close();
+}
+
+TEST_F(ResultColumns, AnEmptyQueryOffersTheFieldsOfItsFirstCondition) {
+    widget.show();
+    QPushButton* suggest = nullptr;
+    for (QPushButton* const button : widget.findChildren<QPushButton*>())
+        if (button->text().contains("main fields") || button->text().isEmpty())
+            suggest = button;
+    ASSERT_NE(suggest, nullptr);
+    EXPECT_FALSE(suggest->isVisible());
+    shop.Where("orders.amount", "Equal", "1");
+    EXPECT_TRUE(suggest->isVisible());
+    QTest::mouseClick(suggest, Qt::LeftButton);
+    EXPECT_GT(columns().rowCount(), 0);
+    for (int row = 0; row < columns().rowCount(); ++row)
+        EXPECT_EQ(shop.Panel.GetQResult().GetResultFields().GetRField(row)->GetSQLExpr().find("orders."), 0U);
+    EXPECT_FALSE(suggest->isVisible());
+}
+
+} // namespace
