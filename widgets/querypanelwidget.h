@@ -122,6 +122,7 @@ private:
 
     bool handlePanelKey(QKeyEvent* event);
     bool handleScreenKey(QKeyEvent* event);
+    void showProblem();
     void pressCurrent();
     void moveByLines(int by);
     void setHovered(TWordPlace place);

@@ -127,9 +127,7 @@ bool draw(const Picture& picture, const QString& model, const QDir& folder) {
     picture.fill(scene);
     const QPixmap pixmap = picture.size.isEmpty() ? grabSubQuery(scene) : grabWidget(scene, picture);
     const QString file = folder.filePath("panel-" + picture.name + ".png");
-    const QImage image = pixmap.toImage()
-                             .convertToFormat(QImage::Format_RGB32)
-                             .convertToFormat(QImage::Format_Indexed8, Qt::AvoidDither);
+    const QImage image = pixmap.toImage().convertToFormat(QImage::Format_RGB888);
     if (image.save(file, "png", 0))
         return true;
     std::fprintf(stderr, "Cannot write %s\n", qPrintable(file));

@@ -210,6 +210,12 @@ TEST_F(QueryPanelWidgetTest, SpaceTogglesTheCheckBoxOrOpensTheMenu) {
     EXPECT_FALSE(condition->GetEnabled());
     Click(1, wrCheckBox);
     EXPECT_TRUE(condition->GetEnabled());
+    const QPoint box = Widget.wordRect(1, WordOf(1, wrCheckBox)).center();
+    QMouseEvent second(QEvent::MouseButtonDblClick, box, Widget.viewport()->mapToGlobal(box), Qt::LeftButton,
+                       Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(Widget.viewport(), &second);
+    QTest::mouseRelease(Widget.viewport(), Qt::LeftButton, Qt::NoModifier, box);
+    EXPECT_FALSE(condition->GetEnabled()) << "the second of two fast clicks counts as well";
     // Without the keyboard map the keys are the window's.
     Shop.Panel.GetAppearance().SetOptions({});
     Key(Qt::Key_Space);
@@ -361,6 +367,33 @@ TEST_F(QueryPanelWidgetTest, WhatItShowsMayGoAtAnyTime) {
     }
     Shop.Panel.AddCondition(Shop.Root());
     EXPECT_EQ(Shop.Root().GetRowCount(), 1);
+}
+
+TEST_F(QueryPanelWidgetTest, WhatIsRaisedIsToldAndKeepsTheKeyboardThere) {
+    Shop.Where("customers.company", "Between", "a", "b");
+    Shop.Panel.OnSetValue = [](TVQueryPanel&, TFilterCond&, int) { throw Exception("Not <today>"); };
+    QString reason;
+    QObject::connect(&Widget, &QueryPanelWidget::refused, [&](const QString& text) { reason = text; });
+    Show();
+    Click(1, wrValue, 1);
+    TypeInPopup("c");
+    KeyInPopup(Qt::Key_Tab);
+    EXPECT_EQ(reason, "Not <today>");
+    EXPECT_FALSE(Widget.popup());
+    EXPECT_EQ(Widget.currentPlace().Word, WordOf(1, wrValue, 1));
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&Widget)->text(QAccessible::Description), reason);
+    Key(Qt::Key_Right);
+    EXPECT_TRUE(Widget.refusal().isEmpty());
+}
+
+TEST_F(QueryPanelWidgetTest, PanelIsShownInOneWidgetAtATime) {
+    QueryPanelWidget other;
+    other.setPanel(&Shop.Panel);
+    EXPECT_EQ(Widget.panel(), nullptr);
+    Widget.setPanel(&Shop.Panel);
+    EXPECT_EQ(other.panel(), nullptr);
+    Shop.Panel.AddCondition(Shop.Root());
+    EXPECT_EQ(Widget.lineCount(), 3);
 }
 
 TEST_F(QueryPanelWidgetTest, TenThousandRowsScroll) {
