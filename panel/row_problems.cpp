@@ -89,9 +89,11 @@ private:
             return {};
         const std::string& text = condition.GetValue(value);
         const TValueKind kind = condition.GetValueKind(value);
-        const bool isEmpty = kind == vkList ? SplitListValue(text).empty() : Trim(text).empty();
-        const bool needsText = kind != vkScalar || IsCheckedType(condition.GetValueType(value));
-        if (isEmpty && needsText)
+        const bool isText = kind == vkScalar && !IsCheckedType(condition.GetValueType(value));
+        const bool isEmpty = kind == vkList ? SplitListValue(text).empty()
+                             : isText       ? text.empty()
+                                            : Trim(text).empty();
+        if (isEmpty)
             return Problem(rsUnfinished, wrValue,
                            FormatText(Message(kind == vkSubQuery ? msgSubQueryMissing : msgValueMissing),
                                       {condition.GetCaptionText()}),
