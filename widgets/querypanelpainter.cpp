@@ -35,8 +35,8 @@ QColor faintColor(const QPalette& palette) {
     return mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window), 0.6);
 }
 
-QColor textColor(const TScreenWord& word, const QPalette& palette) {
-    if (!word.Enabled)
+QColor textColor(const TScreenWord& word, const QPalette& palette, bool isEnabled) {
+    if (!word.Enabled || !isEnabled)
         return mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window), 0.5);
     return word.IsPrompt ? faintColor(palette) : linkColor(word.Color, palette);
 }
@@ -128,8 +128,7 @@ void QueryPanelPainter::paintWord(const TPlacedWord& placed, const QPalette& pal
 
 void QueryPanelPainter::paintText(const TScreenWord& word, const QRect& bounds, const QPalette& palette,
                                   bool isHovered) {
-    const QColor color =
-        highlights_.IsEnabled ? textColor(word, palette) : palette_.color(QPalette::Disabled, QPalette::Text);
+    const QColor color = textColor(word, palette, highlights_.IsEnabled);
     if (isHovered && word.IsClickable()) {
         QColor tint = palette.color(QPalette::Highlight);
         tint.setAlpha(36);
