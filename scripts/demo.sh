@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the program, makes the sample database, fills a data model from it and asks it a question, and shows three
-# saved queries: their words, their SQL, their rows.
+# saved queries: their words, their SQL, their rows. Where there is a screen it then starts the desktop program.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 # shellcheck source=scripts/packages.sh
@@ -51,10 +51,27 @@ ask_filled_model() {
     "$lumora" run "$database" "$filled" "$query" --limit 5
 }
 
+# The same database on screen, with the saved queries in a folder of its own. The window stays when the script ends.
+start_desk() {
+    local queries=$build/queries
+    [ -d "$queries" ] || cp -R samples/queries "$queries"
+    printf '\n== Starting Lumora Desk\n\n'
+    "$build/bin/lumora-desk" "$database" "$model" --queries "$queries" >"$build/desk.log" 2>&1 &
+    local desk=$!
+    sleep 3
+    if ! kill -0 "$desk" 2>/dev/null; then
+        cat "$build/desk.log" >&2
+        return 1
+    fi
+    echo 'Its window is open. Take a query from the list, change its words, and press F5.'
+}
+
 mkdir -p "$build"
 echo "== Building $lumora"
 quietly cmake --preset release -B "$build" -DLUMORA_TESTS=OFF -DLUMORA_BENCH=OFF -DLUMORA_WERROR=OFF
-quietly cmake --build "$build" --target lumora
+targets=(lumora)
+[ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || targets+=(lumora-desk)
+quietly cmake --build "$build" --target "${targets[@]}"
 echo "== Making $database, a shop for tents, tools and walking boots"
 python3 samples/make_orders_db.py "$database"
 
@@ -63,3 +80,4 @@ ask_filled_model
 show 1 01-customers-in-norway --limit 8
 show 2 05-nested-brackets --limit 8
 show 3 10-parameters --param Country=Germany --param Word=tent --param Since=2023-01-01
+[ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] || start_desk

@@ -113,7 +113,9 @@ TEST_F(PanelRows, SayWhatIsThereAndAskForWhatIsNot) {
     EXPECT_EQ(WordHint(*list, ScreenWords(panel, *list)[4]), RowProblem(panel, *list).Text);
     TFilterBracket* const bracket = panel.AddBracket(Shop.Root());
     TSimpleCond* const inner = Shop.Where("customers.company", "Equal", "", {}, bracket);
-    EXPECT_FALSE(RowProblem(panel, *inner)); // no text is a text
+    EXPECT_EQ(RowProblem(panel, *inner).State, rsUnfinished);
+    inner->SetValue(1, " "); // a blank is a text
+    EXPECT_FALSE(RowProblem(panel, *inner));
     inner->SetField(Shop.Model.GetUnrecognizedField());
     EXPECT_EQ(PanelProblems(panel).size(), 2u);
     bracket->SetEnabled(false);
