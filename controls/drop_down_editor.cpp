@@ -101,6 +101,11 @@ void TDropDownEditor::SetSearch(std::string_view text) {
     Filter();
 }
 
+bool TDropDownEditor::HasMatch(std::string_view text) const {
+    return std::any_of(content_.Items.begin(), content_.Items.end(),
+                       [&](const TDropDownItem& item) { return Match(item.Caption, text) != maNone; });
+}
+
 void TDropDownEditor::Filter() {
     const std::string_view text = search_;
     shown_.clear();

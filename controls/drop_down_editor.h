@@ -55,6 +55,7 @@ public:
     // matter.
     void SetSearch(std::string_view text);
     const std::string& GetSearch() const { return search_; }
+    bool HasMatch(std::string_view text) const; // some item would be shown
     const std::vector<int>& GetShown() const { return shown_; }
     // The shown items as they stand: in their groups in a tree, one below the other elsewhere.
     std::vector<TDropDownRow> GetRows() const;

@@ -342,9 +342,24 @@ bool DropDownListPage::handleSearchKey(QKeyEvent* event) {
             view_->setFocus(Qt::OtherFocusReason);
         QApplication::sendEvent(view_, event);
         return true;
+    case Qt::Key_Space:
+        return checkFound();
     default:
         return false;
     }
+}
+
+// A blank that leads to no item checks the one that was found; the next word then takes the place of the
+// search.
+bool DropDownListPage::checkFound() {
+    const int item = editor_.GetCurrentItem();
+    if (!isCheckList() || item < 0 || editor_.HasMatch((search_->text() + u' ').toStdString()))
+        return false;
+    editor_.SetChecked(item, !editor_.IsChecked(item));
+    view_->viewport()->update();
+    search_->selectAll();
+    emit edited();
+    return true;
 }
 
 // Letters typed over the items go into the search box.

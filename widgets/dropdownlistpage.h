@@ -45,6 +45,7 @@ private:
     void moveToColumn(bool next);
     void check(bool checked);
     bool handleSearchKey(QKeyEvent* event);
+    bool checkFound();
     bool handleViewKey(QKeyEvent* event);
 
     DropDownItems* items_;

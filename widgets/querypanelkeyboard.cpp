@@ -98,6 +98,11 @@ bool QueryPanelWidget::handleScreenKey(QKeyEvent* event) {
     case Qt::Key_Space:
         pressCurrent();
         return true;
+    case Qt::Key_F10: // not every platform takes it for the menu key
+        if (event->modifiers() != Qt::ShiftModifier)
+            return false;
+        showMenu(currentPlace().Line, currentPlace().Word);
+        return true;
     case Qt::Key_PageUp:
         moveByLines(-linesInView);
         return true;

@@ -352,8 +352,9 @@ void MainWindow::selectQuery(int index) {
 }
 
 void MainWindow::newQuery() {
-    if (document_.isOpen() && mayLeaveQuery())
-        attempt(tr("No query was made."), [this] { document_.newQuery(); });
+    if (document_.isOpen() && mayLeaveQuery() &&
+        attempt(tr("No query was made."), [this] { document_.newQuery(); }))
+        query_->conditions().setFocus();
 }
 
 bool MainWindow::save() {

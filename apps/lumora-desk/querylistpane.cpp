@@ -39,6 +39,7 @@ QueryListPane::QueryListPane(DeskDocument& document, const QList<QAction*>& acti
         button->setToolButtonStyle(Qt::ToolButtonTextOnly);
         button->setAutoRaise(true);
         buttons->addWidget(button);
+        setTabOrder(button, description_); // behind the last of them
     }
     buttons->addStretch();
     auto* const layout = new QVBoxLayout(this);

@@ -263,6 +263,15 @@ TEST_F(DropDownPopups, ChecksAreToggledByKeyAndClick) {
     Key(Qt::Key_Space);
     Key(Qt::Key_Return);
     EXPECT_EQ(answer, "checks 1 2 11.");
+    Open(Items(ddCheckList, 12));
+    Type("7"); // a blank behind a search goes on with it, or checks what it found
+    Key(Qt::Key_Space);
+    Type("item");
+    Key(Qt::Key_Space);
+    Type("9");
+    Key(Qt::Key_Space);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(answer, "checks 7 9.");
     Open(Items(ddCheckList, 3));
     Key(Qt::Key_A, Qt::ControlModifier);
     Key(Qt::Key_Return);

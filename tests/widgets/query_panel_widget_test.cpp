@@ -185,6 +185,9 @@ TEST_F(QueryPanelWidgetTest, ContextMenusChangeRows) {
     QCoreApplication::sendEvent(&Widget, &menuKey);
     Choose("Enable");
     EXPECT_FALSE(Shop.Root().GetRow(1)->GetEnabled());
+    QTest::keyClick(&Widget, Qt::Key_F10, Qt::ShiftModifier);
+    Choose("Enable");
+    EXPECT_TRUE(Shop.Root().GetRow(1)->GetEnabled());
     // A value may become a parameter; the word then shows its menu rather than an editor.
     Widget.showMenu(1, WordOf(1, wrValue));
     Choose("Parameter");
