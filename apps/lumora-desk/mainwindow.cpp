@@ -368,11 +368,14 @@ bool MainWindow::save() {
 // The first saving asks for a name too.
 bool MainWindow::saveAs() {
     const bool isNew = document_.currentIndex() >= 0 && !document_.isStored(document_.currentIndex());
-    bool wanted = false;
-    const QString name = QInputDialog::getText(this, tr("Save the Query"), tr("Name:"), QLineEdit::Normal,
-                                               document_.queryName(), &wanted);
-    if (!wanted)
+    QInputDialog dialog(this);
+    dialog.setWindowTitle(tr("Save the Query"));
+    dialog.setLabelText(tr("Name:"));
+    dialog.setTextValue(document_.queryName());
+    dialog.resize(fontMetrics().averageCharWidth() * 50, dialog.sizeHint().height()); // names are sentences
+    if (dialog.exec() != QDialog::Accepted)
         return false;
+    const QString name = dialog.textValue();
     return attemptSaving(tr("The query was not saved."), [&](bool force) {
         if (isNew)
             document_.rename(name, force);
