@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <unordered_set>
 
 namespace lumora {
 
@@ -240,6 +241,18 @@ TDSField* TVCustomDBStructure::FieldByName(int mode, std::string_view text) cons
 
 TDSField* TVCustomDBStructure::FieldByID(int id) const {
     return fieldsByID_.Find(fields_, NumberKey(id));
+}
+
+void TVCustomDBStructure::RenumberFields(const std::function<int(const TDSField&)>& idOf) {
+    std::unordered_set<int> taken;
+    for (const auto& field : fields_) {
+        field->id_ = idOf(*field);
+        while (!taken.insert(field->id_).second)
+            field->id_ = field->id_ < std::numeric_limits<int>::max() ? field->id_ + 1 : 1;
+    }
+    FindLargestFieldID();
+    fieldsByID_.Invalidate();
+    Changed();
 }
 
 void TVCustomDBStructure::GetFieldNames(int mode, TStringList& names) const {

@@ -69,6 +69,8 @@ public:
     // ignored too); the first match or none.
     TDSField* FieldByName(int mode, std::string_view text) const;
     TDSField* FieldByID(int id) const;
+    // Gives each field the ID that `idOf` tells, above 0, or the next one that is free.
+    void RenumberFields(const std::function<int(const TDSField&)>& idOf);
     void GetFieldNames(int mode, TStringList& names) const;
     // Stands for fields that a query names and the model does not know. In no list.
     TDSField* GetUnrecognizedField() const;
@@ -160,6 +162,9 @@ public:
     // Deletes links, fields, tables, groups and conditions.
     void ClearStructure();
     void ClearTables(); // with their fields and links
+    // Runs `change` between the notices that all items go and that new ones are there; a replacement within
+    // another gives no notices of its own. What `change` raises is passed on.
+    void ReplaceModel(const std::function<void()>& change);
     // True when the model has at most one field.
     bool GetEmpty() const { return fields_.size() <= 1; }
     double GetVersion() const { return version_; }
@@ -210,9 +215,6 @@ protected:
 
     // The extended operators have their own templates again.
     virtual void ExOperatorsUpdated() {}
-    // Runs `change` between the notices that all items go and that new ones are there; a replacement within
-    // another gives no notices of its own. What `change` raises is passed on.
-    void ReplaceModel(const std::function<void()>& change);
     // A field for a column, in the root group and with the operators of its type, without telling of it.
     TDSField& AddDataField(int id, const TDBFieldInfo& info, TDSTable& table);
     static std::string DefaultCaptionLines(); // the default of the property DefOperators

@@ -310,13 +310,19 @@ private:
     void SetLayout(int& member, int value);
 
     // What a condition or a result field refers to, kept by ID and name while the model is replaced.
+    struct TFieldTarget {
+        int ID;
+        std::string FullName;
+    };
+    static TFieldTarget TargetOf(const TDSField& field) { return {field.GetID(), field.GetFullName()}; }
+    TDSField* FindTarget(const TFieldTarget& target) const;
     struct TConditionTarget {
         TFilterCond* Condition;
-        int ID; // of the field or the predefined condition
+        TFieldTarget Field; // of a predefined condition the ID alone
         std::string OperatorName;
     };
     std::vector<TConditionTarget> conditionTargets_;
-    std::vector<std::vector<int>> resultFieldTargets_;
+    std::vector<std::vector<TFieldTarget>> resultFieldTargets_;
 
     TVCustomDBStructure* dbStruct_ = nullptr;
     std::string mainTableName_;

@@ -309,14 +309,14 @@ void TVQueryPanel::ModelReplacing() {
         if (row.GetRowType() == frtSimpleCondition) {
             auto& simple = static_cast<TSimpleCond&>(row);
             conditionTargets_.push_back(
-                {&row, simple.GetField() ? simple.GetField()->GetID() : 0,
+                {&row, simple.GetField() ? TargetOf(*simple.GetField()) : TFieldTarget{},
                  simple.GetOperator() ? simple.GetOperator()->GetName() : std::string()});
             simple.SetField(dbStruct_->GetUnrecognizedField());
             simple.SetOperator(dbStruct_->GetUnrecognizedOperator());
         } else {
             auto& custom = static_cast<TCustomCond&>(row);
             conditionTargets_.push_back(
-                {&row, custom.GetCondition() ? custom.GetCondition()->GetID() : 0, {}});
+                {&row, {custom.GetCondition() ? custom.GetCondition()->GetID() : 0, {}}, {}});
             custom.SetCondition(nullptr);
         }
     });
@@ -324,12 +324,21 @@ void TVQueryPanel::ModelReplacing() {
     for (int i = 0; i < fields.Count(); ++i) {
         resultFieldTargets_.emplace_back();
         for (const TDSField* const entry : fields.GetRField(i)->GetFields())
-            resultFieldTargets_.back().push_back(entry->GetID());
+            resultFieldTargets_.back().push_back(TargetOf(*entry));
     }
     fields.ReplaceDSField(nullptr, dbStruct_->GetUnrecognizedField());
     result_.ClearBuild();
     mainTable_ = nullptr;
     state_ = was;
+}
+
+// A field that has moved bears its old name under another ID; one that was renamed keeps its ID.
+TDSField* TVQueryPanel::FindTarget(const TFieldTarget& target) const {
+    TDSField* const field = dbStruct_->FieldByID(target.ID);
+    if (field && field->GetFullName() == target.FullName)
+        return field;
+    TDSField* const namesake = dbStruct_->FieldByName(2, target.FullName);
+    return namesake ? namesake : field;
 }
 
 void TVQueryPanel::ModelReplaced() {
@@ -339,13 +348,13 @@ void TVQueryPanel::ModelReplaced() {
     for (const TConditionTarget& target : conditionTargets_) {
         if (target.Condition->GetRowType() == frtSimpleCondition) {
             auto& simple = static_cast<TSimpleCond&>(*target.Condition);
-            TDSField* const field = dbStruct_->FieldByID(target.ID);
+            TDSField* const field = FindTarget(target.Field);
             TDSOperator* const op = dbStruct_->OperatorByName(target.OperatorName);
             simple.SetField(field ? field : dbStruct_->GetUnrecognizedField());
             simple.SetOperator(op ? op : dbStruct_->GetUnrecognizedOperator());
         } else {
             auto& custom = static_cast<TCustomCond&>(*target.Condition);
-            custom.SetCondition(dbStruct_->ConditionByID(target.ID));
+            custom.SetCondition(dbStruct_->ConditionByID(target.Field.ID));
             if (!custom.GetCondition())
                 lost.push_back(&custom);
         }
@@ -353,7 +362,7 @@ void TVQueryPanel::ModelReplaced() {
     TRFieldList& fields = result_.GetResultFields();
     for (std::size_t i = 0; i < resultFieldTargets_.size(); ++i)
         for (std::size_t entry = 0; entry < resultFieldTargets_[i].size(); ++entry)
-            if (TDSField* const field = dbStruct_->FieldByID(resultFieldTargets_[i][entry]))
+            if (TDSField* const field = FindTarget(resultFieldTargets_[i][entry]))
                 fields.GetRField(static_cast<int>(i))->SetDSField(static_cast<int>(entry), field);
     conditionTargets_.clear();
     resultFieldTargets_.clear();

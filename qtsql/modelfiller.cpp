@@ -5,6 +5,7 @@
 #include "qtsql/tablename.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -47,6 +48,7 @@ public:
         : model_(model), engine_(connection.engine()), catalogue_(openCatalogue(connection.connection())) {}
 
     void finish() {
+        model_.RenumberFields(stableID);
         prepareModel(model_, engine_);
         addLinksWithOddNames();
         for (int i = 0; i < model_.GetLinkCount(); ++i)
@@ -57,6 +59,15 @@ public:
     }
 
 private:
+    // Queries keep the IDs of fields, so an ID must not depend on what else is in the database: it is the
+    // FNV-1a hash of the names, folded to 30 bits.
+    static int stableID(const TDSField& field) {
+        std::uint32_t hash = 2166136261U;
+        for (const char c : LowerAscii(field.GetFullName()))
+            hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
+        return static_cast<int>((hash ^ hash >> 30) & 0x3fffffffU) + 1;
+    }
+
     void addLinksWithOddNames() {
         for (const ForeignKey& key : catalogue_->foreignKeys())
             if (!fitsLinkLine(key))
@@ -188,8 +199,10 @@ void offerForeignKeys(TVBDEInfo& info, DatabaseSession& session) {
 void fillModel(TVCustomDBStructure& model, TVBDEInfo& info, DatabaseSession& session) {
     info.ConnectionChanged(); // the tables may have changed since it was last asked
     model.SetDatabaseInfo(&info);
-    model.RetriveDataModelInfo();
-    ModelFinisher(model, session.open(info.GetDatabaseName())).finish();
+    model.ReplaceModel([&] { // panels find their fields again in the finished model
+        model.RetriveDataModelInfo();
+        ModelFinisher(model, session.open(info.GetDatabaseName())).finish();
+    });
 }
 
 } // namespace lumora

@@ -234,6 +234,30 @@ TEST_P(FilledModel, NamesAreQuotedWhereNeededAndReadWell) {
     EXPECT_EQ(again.GetText(), text.GetText());
 }
 
+TEST_P(FilledModel, QueriesFindTheirFieldsWhenTheDatabaseHasChanged) {
+    TDSField* const name = field("customers", "Name");
+    TSimpleCond* const condition =
+        panel_.ManualAddCond(*panel_.GetRootBracket(), name, model_.OperatorByName("Equal"), "O'Hara");
+    panel_.GetQResult().GetResultFields().Add("@1", {field("rooms", "beds")}, "Beds");
+    TStringList text;
+    panel_.SaveToStrings(text);
+    {
+        const DatabaseConnection other(parameters_, DatabaseConnection::Access::ReadWrite);
+        execute(other.connection(), "create table aaa (id integer, beds integer)");
+        execute(other.connection(), "alter table customers add column extra integer");
+        execute(other.connection(), "drop table stays");
+    }
+    fillModel(model_, info_, session_);
+    EXPECT_EQ(condition->GetField(), field("customers", "Name"));
+    TVQueryPanel stored;
+    stored.SetDbStruct(&model_);
+    stored.LoadFromStrings(text);
+    for (TVQueryPanel* const panel : {&panel_, &stored}) {
+        EXPECT_EQ(panel->GetRootBracket()->GetFirstCondition()->GetCaptionText(), "Name (Customers)");
+        EXPECT_EQ(panel->GetQResult().GetResultFields().GetRField(0)->GetFields()[0], field("rooms", "beds"));
+    }
+}
+
 TEST_P(FilledModel, TypesAreThoseOfTheColumns) {
     Types types;
     for (const char* const table : {"customers", "public.\"Customers\"", "counted"})
