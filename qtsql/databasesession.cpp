@@ -146,7 +146,10 @@ void DatabaseSession::checkConnection(const std::string& name) {
     if (!database || !database->connection)
         return;
     try {
-        execute(database->connection->connection(), u"select 1"_s);
+        if (database->GetConnected())
+            execute(database->connection->connection(), u"select 1"_s);
+        else
+            close(name);
     } catch (const DatabaseError&) {
         close(name);
     }
