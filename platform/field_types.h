@@ -60,6 +60,12 @@ struct TEnumNames<TFieldType> {
 
 using TFieldTypes = TEnumSet<TFieldType>;
 
+inline constexpr TFieldTypes NumberTypes = {ftSmallint, ftInteger, ftWord,    ftFloat,
+                                            ftCurrency, ftBCD,     ftAutoInc, ftLargeint};
+
+constexpr bool IsNumber(TFieldType type) {
+    return NumberTypes.Contains(type);
+}
 constexpr bool IsDateOrTime(TFieldType type) {
     return type == ftDate || type == ftTime || type == ftDateTime;
 }

@@ -157,6 +157,8 @@ TFilterValue TFilterValue::OfDateTime(std::int64_t days, std::int64_t millisecon
 }
 
 TFilterValueKind FilterKindOf(TFieldType type) {
+    if (IsNumber(type))
+        return fvkNumber;
     switch (type) {
     case ftString:
     case ftMemo:
@@ -166,15 +168,6 @@ TFilterValueKind FilterKindOf(TFieldType type) {
     case ftOraClob:
     case ftGuid:
         return fvkText;
-    case ftSmallint:
-    case ftInteger:
-    case ftWord:
-    case ftFloat:
-    case ftCurrency:
-    case ftBCD:
-    case ftAutoInc:
-    case ftLargeint:
-        return fvkNumber;
     case ftBoolean:
         return fvkBoolean;
     case ftDate:

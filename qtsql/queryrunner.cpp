@@ -62,7 +62,7 @@ PositionalStatement toPositional(const std::string& sql, const QVariantMap& para
 }
 
 // Without values nothing is prepared: a "?" may be an operator then.
-void execute(QSqlQuery& query, const PositionalStatement& statement) {
+void executePositional(QSqlQuery& query, const PositionalStatement& statement) {
     query.setForwardOnly(true);
     query.setNumericalPrecisionPolicy(QSql::HighPrecision);
     bool done = statement.values.isEmpty() ? query.exec(statement.text) : query.prepare(statement.text);
@@ -104,7 +104,7 @@ PositionalStatement forPostgres(const QSqlDatabase& database, PositionalStatemen
     bool isCast = false;
     if (settings.timesAsText) {
         QSqlQuery description(database);
-        execute(description, {all + '0', statement.values});
+        executePositional(description, {all + '0', statement.values});
         const QSqlRecord columns = description.record();
         for (int i = 0; i < columns.count(); ++i)
             isCast = isCast || isTime(columns.field(i));
@@ -169,7 +169,7 @@ qint64 runQuery(const QSqlDatabase& database, const QString& statement, const QV
         if (engineOf(database) == Engine::PostgreSql)
             positional = forPostgres(database, std::move(positional), settings);
         QSqlQuery query(database);
-        execute(query, positional);
+        executePositional(query, positional);
         return receiveRows(query, receiver, settings.limit, running);
     } catch (const DatabaseError&) { // of a statement that was stopped, the engine says so in its own way
         running.check();

@@ -59,23 +59,7 @@ bool IsPlainName(std::string_view name) {
 }
 
 bool IsCheckedType(TFieldType type) {
-    switch (type) {
-    case ftSmallint:
-    case ftInteger:
-    case ftWord:
-    case ftAutoInc:
-    case ftLargeint:
-    case ftFloat:
-    case ftCurrency:
-    case ftBCD:
-    case ftBoolean:
-    case ftDate:
-    case ftTime:
-    case ftDateTime:
-        return true;
-    default:
-        return false;
-    }
+    return IsNumber(type) || type == ftBoolean || IsDateOrTime(type);
 }
 
 bool IsValidValue(TFieldType type, std::string_view text) {

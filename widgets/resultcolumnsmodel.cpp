@@ -11,22 +11,6 @@ namespace {
 constexpr std::array<std::string_view, 6> formulas = {"@1",      "count(@1)", "sum(@1)",
                                                       "avg(@1)", "min(@1)",   "max(@1)"};
 
-bool isNumeric(TFieldType type) {
-    switch (type) {
-    case ftSmallint:
-    case ftInteger:
-    case ftWord:
-    case ftFloat:
-    case ftCurrency:
-    case ftBCD:
-    case ftAutoInc:
-    case ftLargeint:
-        return true;
-    default:
-        return false;
-    }
-}
-
 bool isOrdered(TFieldType type) {
     return type != ftBlob && type != ftMemo && type != ftGraphic && type != ftBoolean;
 }
@@ -146,7 +130,7 @@ std::vector<ResultColumnsModel::Aggregate> ResultColumnsModel::aggregates(int ro
         return {Custom};
     const TFieldType type = field(row).GetFields().front()->FieldType;
     std::vector<Aggregate> offered = {Value, Count};
-    if (isNumeric(type))
+    if (IsNumber(type))
         offered.insert(offered.end(), {Sum, Average});
     if (isOrdered(type))
         offered.insert(offered.end(), {Least, Greatest});

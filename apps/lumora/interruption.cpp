@@ -23,11 +23,11 @@ bool isIgnored(int signal) {
 
 // On this thread; the signal that wakes it up stays blocked.
 void letHandlersRun() {
-    sigset_t signals;
-    sigemptyset(&signals);
+    sigset_t signalSet;
+    sigemptyset(&signalSet);
     for (const int signal : interruptions)
-        sigaddset(&signals, signal);
-    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+        sigaddset(&signalSet, signal);
+    pthread_sigmask(SIG_UNBLOCK, &signalSet, nullptr);
 }
 
 // Nothing but what a handler may do.
