@@ -1,7 +1,7 @@
 // The data models that are measured: made from a shape and a fixed seed, so every run measures the same.
 #pragma once
 
-#include "model/Vdbstruc.h"
+#include "lumora/model/Vdbstruc.h"
 
 namespace lumora::bench {
 

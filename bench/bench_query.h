@@ -1,7 +1,7 @@
 // The queries that are measured: conditions nested four deep, made from a fixed seed.
 #pragma once
 
-#include "panel/Vquerpnl.h"
+#include "lumora/panel/Vquerpnl.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 // Look-ups in models of several sizes: the time must not grow with the model.
 #include "bench_model.h"
 
-#include "support/string_helpers.h"
+#include "lumora/support/string_helpers.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,7 +1,7 @@
 // The panel on the screen with ten thousand rows: what one change costs until it can be seen.
 #include "bench_model.h"
-#include "panel/Vquerpnl.h"
-#include "widgets/querypanelwidget.h"
+#include "lumora/panel/Vquerpnl.h"
+#include "lumora/widgets/querypanelwidget.h"
 
 #include <benchmark/benchmark.h>
 

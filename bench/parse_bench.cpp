@@ -1,8 +1,8 @@
 // Reading SELECT statements: the parser beside a bare scan of the same tokens, and SQL to query.
 #include "bench_model.h"
 
-#include "panel/Vquerpnl.h"
-#include "sqlparse/Vsqlpars.h"
+#include "lumora/panel/Vquerpnl.h"
+#include "lumora/sqlparse/Vsqlpars.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 // The filters of datasets: any bytes give a truth or EFilterError. The first byte chooses the options and how
 // the columns are typed.
-#include "platform/filter_expression.h"
+#include "lumora/platform/filter_expression.h"
 
 #include <cstddef>
 #include <cstdint>

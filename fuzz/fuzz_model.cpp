@@ -1,6 +1,6 @@
 // Model text: any bytes give a model or an exception; what was read is written so that it reads back the
 // same.
-#include "model/Vdbstruc.h"
+#include "lumora/model/Vdbstruc.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // The scanner and the SELECT parser: any bytes give a tree or ESQLParserError. The first byte chooses
 // strictness.
-#include "sqlparse/Vsqlpars.h"
-#include "sqlparse/parse_tree_text.h"
+#include "lumora/sqlparse/Vsqlpars.h"
+#include "lumora/sqlparse/parse_tree_text.h"
 
 #include <cstddef>
 #include <cstdint>

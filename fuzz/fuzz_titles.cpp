@@ -1,6 +1,6 @@
 // The titles merge: whatever the source, exactly the default keys come out.
-#include "panel/default_titles.h"
-#include "titles/titles_merge.h"
+#include "lumora/panel/default_titles.h"
+#include "lumora/titles/titles_merge.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -10,7 +10,7 @@ seconds=${1:-300}
 
 echo "== Building the fuzz targets"
 cmake -S . -B build/fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++-14 \
-    -DCMAKE_CXX_FLAGS="-fsanitize=fuzzer-no-link" -DLUMORA_SANITIZE=ON -DLUMORA_QT=OFF -DLUMORA_FUZZ=ON \
+    -DCMAKE_CXX_FLAGS="-fsanitize=fuzzer-no-link" -DLUMORA_SANITIZE=address,undefined -DLUMORA_QT=OFF -DLUMORA_FUZZ=ON \
     -DCMAKE_UNITY_BUILD=ON >/dev/null
 cmake --build build/fuzz
 

@@ -1,6 +1,6 @@
-#include "platform/component.h"
-#include "platform/errors.h"
-#include "platform/form_text.h"
+#include "lumora/platform/component.h"
+#include "lumora/platform/errors.h"
+#include "lumora/platform/form_text.h"
 #include "tests/message_of.h"
 
 #include <gtest/gtest.h>

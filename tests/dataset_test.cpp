@@ -1,8 +1,8 @@
 // Datasets, the model that makes itself from one, and filters over rows.
-#include "metadata/Vdsstruc.h"
-#include "panel/Vquerpnl.h"
-#include "platform/filter_expression.h"
-#include "platform/form_text.h"
+#include "lumora/metadata/Vdsstruc.h"
+#include "lumora/panel/Vquerpnl.h"
+#include "lumora/platform/filter_expression.h"
+#include "lumora/platform/form_text.h"
 #include "tests/memory_dataset.h"
 #include "tests/message_of.h"
 

@@ -1,5 +1,5 @@
-#include "controls/drop_down_label.h"
-#include "platform/errors.h"
+#include "lumora/controls/drop_down_label.h"
+#include "lumora/platform/errors.h"
 
 #include <gtest/gtest.h>
 

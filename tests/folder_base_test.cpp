@@ -1,6 +1,6 @@
-#include "querybase/folder_base.h"
-#include "querybase/folder_lock.h"
-#include "querybase/query_file_name.h"
+#include "lumora/querybase/folder_base.h"
+#include "lumora/querybase/folder_lock.h"
+#include "lumora/querybase/query_file_name.h"
 #include "tests/cli_process.h"
 #include "tests/fixtures.h"
 

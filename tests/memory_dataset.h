@@ -1,7 +1,7 @@
 // A dataset in memory.
 #pragma once
 
-#include "platform/dataset.h"
+#include "lumora/platform/dataset.h"
 
 #include <string>
 #include <vector>

@@ -1,6 +1,6 @@
 // The database provider over a session in memory.
-#include "metadata/Vbdeinfo.h"
-#include "model/Vdbstruc.h"
+#include "lumora/metadata/Vbdeinfo.h"
+#include "lumora/model/Vdbstruc.h"
 #include "tests/message_of.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "platform/text_file.h"
-#include "support/Vstrings.h"
+#include "lumora/platform/text_file.h"
+#include "lumora/support/Vstrings.h"
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>

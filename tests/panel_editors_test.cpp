@@ -1,7 +1,7 @@
-#include "panel/Vquerdlg.h"
-#include "panel/value_lists.h"
-#include "panel/word_editors.h"
-#include "query/value_text.h"
+#include "lumora/panel/Vquerdlg.h"
+#include "lumora/panel/value_lists.h"
+#include "lumora/panel/word_editors.h"
+#include "lumora/query/value_text.h"
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>

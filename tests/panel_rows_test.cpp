@@ -1,4 +1,4 @@
-#include "panel/panel_layout.h"
+#include "lumora/panel/panel_layout.h"
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>

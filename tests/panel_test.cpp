@@ -1,4 +1,4 @@
-#include "platform/form_text.h"
+#include "lumora/platform/form_text.h"
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>

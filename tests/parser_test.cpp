@@ -1,5 +1,5 @@
-#include "sqlparse/Vsqlpars.h"
-#include "sqlparse/parse_tree_text.h"
+#include "lumora/sqlparse/Vsqlpars.h"
+#include "lumora/sqlparse/parse_tree_text.h"
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
-#include "platform/convert.h"
-#include "platform/datetime.h"
-#include "platform/errors.h"
-#include "platform/formats.h"
-#include "platform/string_list.h"
-#include "platform/text_file.h"
+#include "lumora/platform/convert.h"
+#include "lumora/platform/datetime.h"
+#include "lumora/platform/errors.h"
+#include "lumora/platform/formats.h"
+#include "lumora/platform/string_list.h"
+#include "lumora/platform/text_file.h"
 #include "tests/message_of.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // Datasets over item models, and filters of models that a panel makes.
-#include "qtsql/databaseerror.h"
-#include "qtsql/datasetfilter.h"
-#include "qtsql/datasetfilterproxymodel.h"
-#include "qtsql/itemmodeldataset.h"
+#include "lumora/qtsql/databaseerror.h"
+#include "lumora/qtsql/datasetfilter.h"
+#include "lumora/qtsql/datasetfilterproxymodel.h"
+#include "lumora/qtsql/itemmodeldataset.h"
 #include "tests/message_of.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "querybase/Vqrybase.h"
+#include "lumora/querybase/Vqrybase.h"
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Running queries on a connection: streaming, cancelling, and what comes out.
-#include "qtsql/querycanceller.h"
-#include "qtsql/queryrunner.h"
+#include "lumora/qtsql/querycanceller.h"
+#include "lumora/qtsql/queryrunner.h"
 #include "tests/message_of.h"
 #include "tests/postgres_server.h"
 

@@ -1,5 +1,5 @@
-#include "controls/Vrndbtn.h"
-#include "platform/form_text.h"
+#include "lumora/controls/Vrndbtn.h"
+#include "lumora/platform/form_text.h"
 
 #include <gtest/gtest.h>
 

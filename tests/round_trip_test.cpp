@@ -1,7 +1,7 @@
 // Random queries on the sample model: strict SQL, read back and written again, means the same.
-#include "qtsql/databaseconnection.h"
-#include "qtsql/queryrunner.h"
-#include "support/Vstrings.h"
+#include "lumora/qtsql/databaseconnection.h"
+#include "lumora/qtsql/queryrunner.h"
+#include "lumora/support/Vstrings.h"
 #include "tests/cli_process.h"
 #include "tests/fixtures.h"
 

@@ -1,5 +1,5 @@
 // "lumora run" as a process: streaming, signals, terminals, servers, and what can go wrong.
-#include "qtsql/databaseconnection.h"
+#include "lumora/qtsql/databaseconnection.h"
 #include "tests/postgres_server.h"
 #include "tests/run_model.h"
 #include "tests/started_program.h"

@@ -1,4 +1,4 @@
-#include "support/Vstrings.h"
+#include "lumora/support/Vstrings.h"
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "model/sql_pattern.h"
-#include "model/sql_template.h"
+#include "lumora/model/sql_pattern.h"
+#include "lumora/model/sql_template.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "query/strict_checks.h"
+#include "lumora/query/strict_checks.h"
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>

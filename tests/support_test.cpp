@@ -1,6 +1,6 @@
-#include "sqlparse/Vscanner.h"
-#include "support/Vstrings.h"
-#include "titles/titles_merge.h"
+#include "lumora/sqlparse/Vscanner.h"
+#include "lumora/support/Vstrings.h"
+#include "lumora/titles/titles_merge.h"
 
 #include <gtest/gtest.h>
 

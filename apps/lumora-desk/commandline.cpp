@@ -1,6 +1,6 @@
 #include "apps/lumora-desk/commandline.h"
 
-#include "qtsql/databaseerror.h"
+#include "lumora/qtsql/databaseerror.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

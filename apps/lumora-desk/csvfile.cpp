@@ -1,7 +1,7 @@
 #include "apps/lumora-desk/csvfile.h"
 
-#include "platform/errors.h"
-#include "qtsql/celltext.h"
+#include "lumora/platform/errors.h"
+#include "lumora/qtsql/celltext.h"
 
 #include <QDir>
 

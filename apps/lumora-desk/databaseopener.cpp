@@ -1,9 +1,9 @@
 #include "apps/lumora-desk/databaseopener.h"
 
-#include "platform/errors.h"
-#include "platform/text_file.h"
-#include "qtsql/databaseerror.h"
-#include "qtsql/modelfiller.h"
+#include "lumora/platform/errors.h"
+#include "lumora/platform/text_file.h"
+#include "lumora/qtsql/databaseerror.h"
+#include "lumora/qtsql/modelfiller.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>

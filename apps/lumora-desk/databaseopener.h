@@ -1,10 +1,10 @@
 // Opening a database and getting its data model.
 #pragma once
 
-#include "metadata/Vbdeinfo.h"
-#include "model/structure.h"
-#include "qtsql/databaseparameters.h"
-#include "qtsql/databasesession.h"
+#include "lumora/metadata/Vbdeinfo.h"
+#include "lumora/model/structure.h"
+#include "lumora/qtsql/databaseparameters.h"
+#include "lumora/qtsql/databasesession.h"
 
 #include <QString>
 

@@ -1,12 +1,12 @@
 #include "apps/lumora-desk/deskdocument.h"
 
 #include "apps/lumora-desk/querybases.h"
-#include "panel/row_problems.h"
-#include "platform/ascii.h"
-#include "qtsql/engine.h"
-#include "qtsql/placeholders.h"
-#include "qtsql/queryparameters.h"
-#include "querybase/stored_text.h"
+#include "lumora/panel/row_problems.h"
+#include "lumora/platform/ascii.h"
+#include "lumora/qtsql/engine.h"
+#include "lumora/qtsql/placeholders.h"
+#include "lumora/qtsql/queryparameters.h"
+#include "lumora/querybase/stored_text.h"
 
 #include <QRegularExpression>
 #include <QScopedValueRollback>

@@ -3,9 +3,9 @@
 
 #include "apps/lumora-desk/databaseopener.h"
 #include "apps/lumora-desk/statement.h"
-#include "panel/Vquerpnl.h"
-#include "qtsql/databaseconnection.h"
-#include "querybase/stored_base.h"
+#include "lumora/panel/Vquerpnl.h"
+#include "lumora/qtsql/databaseconnection.h"
+#include "lumora/querybase/stored_base.h"
 
 #include <QObject>
 #include <QString>

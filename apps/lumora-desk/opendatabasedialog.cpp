@@ -1,6 +1,6 @@
 #include "apps/lumora-desk/opendatabasedialog.h"
 
-#include "platform/errors.h"
+#include "lumora/platform/errors.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>

@@ -1,8 +1,8 @@
 #include "apps/lumora-desk/querybases.h"
 
 #include "apps/lumora-desk/recentdatabases.h"
-#include "qtsql/tablequerybase.h"
-#include "querybase/folder_base.h"
+#include "lumora/qtsql/tablequerybase.h"
+#include "lumora/querybase/folder_base.h"
 
 #include <QCryptographicHash>
 #include <QDir>

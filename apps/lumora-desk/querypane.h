@@ -2,8 +2,8 @@
 #pragma once
 
 #include "apps/lumora-desk/deskdocument.h"
-#include "widgets/querypanelwidget.h"
-#include "widgets/resultcolumnswidget.h"
+#include "lumora/widgets/querypanelwidget.h"
+#include "lumora/widgets/resultcolumnswidget.h"
 
 #include <QSplitter>
 

@@ -1,7 +1,7 @@
 // A query in words.
 #pragma once
 
-#include "panel/Vquerpnl.h"
+#include "lumora/panel/Vquerpnl.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 #include "apps/lumora-desk/resulttablemodel.h"
 
 #include "apps/lumora-desk/sortkey.h"
-#include "qtsql/celltext.h"
+#include "lumora/qtsql/celltext.h"
 
 #include <QGuiApplication>
 #include <QPalette>

@@ -1,9 +1,9 @@
 #include "apps/lumora-desk/sampledatabase.h"
 
-#include "platform/errors.h"
-#include "platform/string_list.h"
-#include "platform/text_file.h"
-#include "querybase/query_file_name.h"
+#include "lumora/platform/errors.h"
+#include "lumora/platform/string_list.h"
+#include "lumora/platform/text_file.h"
+#include "lumora/querybase/query_file_name.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "apps/lumora-desk/sortkey.h"
 
-#include "qtsql/celltext.h"
+#include "lumora/qtsql/celltext.h"
 
 #include <QDateTime>
 

@@ -1,6 +1,6 @@
 #include "apps/lumora-desk/sqlhighlighter.h"
 
-#include "platform/ascii.h"
+#include "lumora/platform/ascii.h"
 
 #include <QGuiApplication>
 #include <QPalette>

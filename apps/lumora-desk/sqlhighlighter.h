@@ -1,7 +1,7 @@
 // SQL in colours.
 #pragma once
 
-#include "sqlparse/Vscanner.h"
+#include "lumora/sqlparse/Vscanner.h"
 
 #include <QSyntaxHighlighter>
 

@@ -1,7 +1,7 @@
 // A statement that can run.
 #pragma once
 
-#include "qtsql/databaseparameters.h"
+#include "lumora/qtsql/databaseparameters.h"
 
 #include <QString>
 #include <QStringList>

@@ -1,8 +1,8 @@
 #include "apps/lumora-desk/statementrunner.h"
 
-#include "qtsql/databaseconnection.h"
-#include "qtsql/querycanceller.h"
-#include "qtsql/queryrunner.h"
+#include "lumora/qtsql/databaseconnection.h"
+#include "lumora/qtsql/querycanceller.h"
+#include "lumora/qtsql/queryrunner.h"
 
 #include <QSqlField>
 

@@ -1,8 +1,8 @@
 #include "apps/lumora/commands.h"
 
 #include "apps/lumora/query_session.h"
-#include "sqlparse/Vsqlpars.h"
-#include "sqlparse/parse_tree_text.h"
+#include "lumora/sqlparse/Vsqlpars.h"
+#include "lumora/sqlparse/parse_tree_text.h"
 
 #include <algorithm>
 

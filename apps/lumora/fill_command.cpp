@@ -2,7 +2,7 @@
 
 #include "apps/lumora/commands.h"
 #include "apps/lumora/qt_application.h"
-#include "qtsql/modelfiller.h"
+#include "lumora/qtsql/modelfiller.h"
 
 #include <QFileInfo>
 

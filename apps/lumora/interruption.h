@@ -1,7 +1,7 @@
 // Ctrl-C: SIGINT, and SIGTERM, which asks for the same.
 #pragma once
 
-#include "platform/errors.h"
+#include "lumora/platform/errors.h"
 
 #include <atomic>
 #include <csignal>

@@ -4,8 +4,8 @@
 #include "apps/lumora/query_base.h"
 #include "apps/lumora/query_session.h"
 #include "apps/lumora/row_output.h"
-#include "querybase/stored_text.h"
-#include "support/string_helpers.h"
+#include "lumora/querybase/stored_text.h"
+#include "lumora/support/string_helpers.h"
 
 #include <QSqlField>
 

@@ -1,8 +1,8 @@
 #include "apps/lumora/query_base.h"
 
-#include "platform/ascii.h"
-#include "qtsql/tablequerybase.h"
-#include "querybase/folder_base.h"
+#include "lumora/platform/ascii.h"
+#include "lumora/qtsql/tablequerybase.h"
+#include "lumora/querybase/folder_base.h"
 
 #include <filesystem>
 #include <system_error>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "apps/lumora/qt_application.h"
-#include "qtsql/databaseconnection.h"
-#include "querybase/stored_base.h"
+#include "lumora/qtsql/databaseconnection.h"
+#include "lumora/querybase/stored_base.h"
 
 #include <memory>
 #include <optional>

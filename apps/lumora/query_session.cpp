@@ -1,8 +1,8 @@
 #include "apps/lumora/query_session.h"
 
 #include "apps/lumora/standard_streams.h"
-#include "platform/text_file.h"
-#include "support/string_helpers.h"
+#include "lumora/platform/text_file.h"
+#include "lumora/support/string_helpers.h"
 
 namespace lumora::cli {
 

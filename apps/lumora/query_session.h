@@ -2,7 +2,7 @@
 #pragma once
 
 #include "apps/lumora/arguments.h"
-#include "panel/Vquerpnl.h"
+#include "lumora/panel/Vquerpnl.h"
 
 #include <optional>
 #include <string>

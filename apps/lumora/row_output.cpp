@@ -2,7 +2,7 @@
 
 #include "apps/lumora/arguments.h"
 #include "apps/lumora/text_width.h"
-#include "qtsql/celltext.h"
+#include "lumora/qtsql/celltext.h"
 
 #include <QSet>
 #include <QSqlField>

@@ -7,11 +7,11 @@
 #include "apps/lumora/query_session.h"
 #include "apps/lumora/row_output.h"
 #include "apps/lumora/run_parameters.h"
-#include "platform/ascii.h"
-#include "platform/convert.h"
-#include "qtsql/databaseconnection.h"
-#include "qtsql/querycanceller.h"
-#include "qtsql/queryrunner.h"
+#include "lumora/platform/ascii.h"
+#include "lumora/platform/convert.h"
+#include "lumora/qtsql/databaseconnection.h"
+#include "lumora/qtsql/querycanceller.h"
+#include "lumora/qtsql/queryrunner.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 #include "apps/lumora/run_parameters.h"
 
 #include "apps/lumora/arguments.h"
-#include "platform/ascii.h"
+#include "lumora/platform/ascii.h"
 
 namespace lumora::cli {
 

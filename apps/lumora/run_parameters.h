@@ -1,7 +1,7 @@
 // The parameters of a query on the command line.
 #pragma once
 
-#include "qtsql/queryparameters.h"
+#include "lumora/qtsql/queryparameters.h"
 
 #include <string_view>
 #include <vector>

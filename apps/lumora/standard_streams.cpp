@@ -1,6 +1,6 @@
 #include "apps/lumora/standard_streams.h"
 
-#include "platform/errors.h"
+#include "lumora/platform/errors.h"
 
 #include <fcntl.h>
 #include <unistd.h>

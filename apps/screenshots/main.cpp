@@ -1,8 +1,8 @@
 // Draws the query panel in the states that the documentation shows, into png files.
 #include "scenes.h"
 
-#include "widgets/querypanelwidget.h"
-#include "widgets/subquerydialog.h"
+#include "lumora/widgets/querypanelwidget.h"
+#include "lumora/widgets/subquerydialog.h"
 
 #include <QApplication>
 #include <QDir>

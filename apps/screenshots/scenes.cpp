@@ -1,6 +1,6 @@
 #include "scenes.h"
 
-#include "support/string_helpers.h"
+#include "lumora/support/string_helpers.h"
 
 namespace lumora {
 

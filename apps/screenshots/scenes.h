@@ -1,7 +1,7 @@
 // The queries that the pictures show.
 #pragma once
 
-#include "panel/Vquerpnl.h"
+#include "lumora/panel/Vquerpnl.h"
 
 #include <string_view>
 

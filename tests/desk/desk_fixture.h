@@ -2,7 +2,7 @@
 #pragma once
 
 #include "apps/lumora-desk/deskdocument.h"
-#include "qtsql/databaseconnection.h"
+#include "lumora/qtsql/databaseconnection.h"
 #include "tests/cli_process.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Random queries on the sample shop: what SQLite and PostgreSQL give for the SQL is what the rows of the
 // query ask for. LUMORA_TRUTH_QUERIES sets their number, LUMORA_TRUTH_SEED the first one's seed.
-#include "query/errors.h"
+#include "lumora/query/errors.h"
 #include "tests/postgres_server.h"
 #include "tests/truth/named_cases.h"
 #include "tests/truth/random_query.h"

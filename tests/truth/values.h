@@ -1,7 +1,7 @@
 // Values as the reference knows them, and what SQL says of them.
 #pragma once
 
-#include "platform/field_types.h"
+#include "lumora/platform/field_types.h"
 
 #include <optional>
 #include <string>

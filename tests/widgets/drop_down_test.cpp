@@ -1,6 +1,6 @@
-#include "platform/errors.h"
-#include "widgets/dropdownlabel.h"
-#include "widgets/inputmask.h"
+#include "lumora/platform/errors.h"
+#include "lumora/widgets/dropdownlabel.h"
+#include "lumora/widgets/inputmask.h"
 
 #include <gtest/gtest.h>
 

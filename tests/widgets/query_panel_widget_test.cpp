@@ -1,8 +1,8 @@
 // The query panel on the screen: what the mouse, the keyboard and assistive technology do with it.
+#include "lumora/widgets/dropdownlabel.h"
+#include "lumora/widgets/querypanelwidget.h"
+#include "lumora/widgets/subquerydialog.h"
 #include "tests/fixtures.h"
-#include "widgets/dropdownlabel.h"
-#include "widgets/querypanelwidget.h"
-#include "widgets/subquerydialog.h"
 
 #include <gtest/gtest.h>
 

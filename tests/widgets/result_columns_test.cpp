@@ -1,8 +1,8 @@
 // Choosing and arranging the columns of a query.
 
+#include "lumora/widgets/fieldchooser.h"
+#include "lumora/widgets/resultcolumnswidget.h"
 #include "tests/fixtures.h"
-#include "widgets/fieldchooser.h"
-#include "widgets/resultcolumnswidget.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "widgets/linkcolor.h"
-#include "widgets/roundbuttonwidget.h"
+#include "lumora/widgets/linkcolor.h"
+#include "lumora/widgets/roundbuttonwidget.h"
 
 #include <gtest/gtest.h>
 

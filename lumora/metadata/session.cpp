@@ -1,0 +1,42 @@
+#include "lumora/metadata/session.h"
+
+namespace lumora {
+
+namespace {
+
+// Where no platform is there.
+class TNoSession : public TSession {
+public:
+    void GetDatabaseNames(TStringList& names) override { names.Clear(); }
+    void GetTableNames(const std::string& database, std::string_view, bool, bool, TStringList&) override {
+        Fail(database);
+    }
+    TDatabase* FindDatabase(const std::string&) override { return nullptr; }
+    std::unique_ptr<TTable> NewTable() override { Fail({}); }
+    std::unique_ptr<TQuery> NewQuery() override { Fail({}); }
+
+private:
+    [[noreturn]] static void Fail(const std::string& database) {
+        throw EVDBInfoError("Database \"" + database + "\" cannot be reached: there is no database session");
+    }
+};
+
+TSession* defaultSession = nullptr;
+
+} // namespace
+
+TSession::~TSession() {
+    if (defaultSession == this)
+        defaultSession = nullptr;
+}
+
+TSession& TSession::Default() {
+    static TNoSession none;
+    return defaultSession ? *defaultSession : none;
+}
+
+void TSession::SetDefault(TSession* session) {
+    defaultSession = session;
+}
+
+} // namespace lumora

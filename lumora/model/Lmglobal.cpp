@@ -1,0 +1,10 @@
+#include "lumora/model/Lmglobal.h"
+
+namespace lumora {
+
+void EmptyGridRow(TStringGrid& grid, int row) {
+    for (int col = 0; col < grid.GetColCount(); ++col)
+        grid.Cell(col, row).clear();
+}
+
+} // namespace lumora

@@ -1,0 +1,4 @@
+// The data model unit.
+#pragma once
+
+#include "lumora/model/structure.h"

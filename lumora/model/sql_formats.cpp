@@ -1,0 +1,60 @@
+#include "lumora/model/sql_formats.h"
+
+#include "lumora/platform/formats.h"
+#include "lumora/support/string_helpers.h"
+
+namespace lumora {
+
+void TQuoteSymbols::Append(std::string& out, std::string_view name, TNameQuoting quoting) const {
+    out += Open;
+    if (quoting == nqStrict)
+        AppendDoubled(out, name, Close);
+    else
+        out.append(name);
+    out += Close;
+}
+
+TSQLFormats::TSQLFormats()
+    : date_(FormatSettings().ShortDateFormat),
+      time_(FormatSettings().ShortTimeFormat),
+      dateTime_(FormatSettings().ShortDateFormat + " " + FormatSettings().ShortTimeFormat) {}
+
+std::span<const TPropertyInfo> TSQLFormats::PublishedProperties() const {
+    static const std::vector<TPropertyInfo> properties = {
+        Property("Date", &TSQLFormats::GetDate, &TSQLFormats::SetDate, "yyyy-mm-dd"),
+        Property("Time", &TSQLFormats::GetTime, &TSQLFormats::SetTime, "hh:nn"),
+        Property("DateTime", &TSQLFormats::GetDateTime, &TSQLFormats::SetDateTime, "yyyy-mm-dd hh:nn"),
+        Property("QuoteSymbol1", &TSQLFormats::GetQuoteSymbol1, &TSQLFormats::SetQuoteSymbol1, '"'),
+        Property("QuoteSymbol2", &TSQLFormats::GetQuoteSymbol2, &TSQLFormats::SetQuoteSymbol2, '"'),
+    };
+    return properties;
+}
+
+const std::string& TSQLFormats::MaskFor(TFieldType type) const {
+    return type == ftDate ? date_ : type == ftTime ? time_ : dateTime_;
+}
+
+void TSQLFormats::SetQuoteSymbol1(char symbol) {
+    quotes_.Open = symbol;
+    if (OnQuotesChange)
+        OnQuotesChange();
+}
+
+void TSQLFormats::SetQuoteSymbol2(char symbol) {
+    quotes_.Close = symbol;
+    if (OnQuotesChange)
+        OnQuotesChange();
+}
+
+void TSQLFormats::AssignTo(TPersistent& dest) const {
+    auto* const formats = dynamic_cast<TSQLFormats*>(&dest);
+    if (!formats)
+        return TPersistent::AssignTo(dest);
+    formats->SetDate(date_);
+    formats->SetTime(time_);
+    formats->SetDateTime(dateTime_);
+    formats->SetQuoteSymbol1(quotes_.Open);
+    formats->SetQuoteSymbol2(quotes_.Close);
+}
+
+} // namespace lumora

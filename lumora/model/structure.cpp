@@ -1,0 +1,559 @@
+#include "lumora/model/structure.h"
+
+#include "lumora/platform/form_text.h"
+#include "lumora/support/string_helpers.h"
+
+#include <algorithm>
+#include <limits>
+#include <unordered_set>
+
+namespace lumora {
+
+namespace {
+
+// The keys by which tables and fields are found, in the order of the look-up modes.
+std::array<TLookup<TDSTable>, 5> TableLookups() {
+    using TLookup = lumora::TLookup<TDSTable>;
+    return {TLookup([](const TDSTable& t, std::string& key) { AppendFolded(key, t.GetName()); }),
+            TLookup([](const TDSTable& t, std::string& key) { AppendFolded(key, t.GetAlias()); }),
+            TLookup([](const TDSTable& t, std::string& key) { AppendFolded(key, t.GetDisplayName()); }),
+            TLookup([](const TDSTable& t, std::string& key) { AppendFolded(key, t.GetCompoundName()); }),
+            TLookup([](const TDSTable& t, std::string& key) { AppendFolded(key, t.GetSQLExpr()); })};
+}
+
+constexpr int FieldSQLMode = 3;
+
+std::array<TLookup<TDSField>, 4> FieldLookups() {
+    using TLookup = lumora::TLookup<TDSField>;
+    return {TLookup([](const TDSField& f, std::string& key) { AppendFolded(key, f.GetFieldText()); }),
+            TLookup([](const TDSField& f, std::string& key) { AppendFolded(key, f.GetDisplayName()); }),
+            TLookup([](const TDSField& f, std::string& key) { AppendFolded(key, f.GetFullName()); }),
+            TLookup([](const TDSField& f, std::string& key) { AppendFoldedBlanks(key, f.GetSQLExpr()); })};
+}
+
+void AppendNumber(std::string& key, int number) {
+    key.append(reinterpret_cast<const char*>(&number), sizeof number);
+}
+
+std::string NumberKey(int number) {
+    std::string key;
+    AppendNumber(key, number);
+    return key;
+}
+
+} // namespace
+
+TVCustomDBStructure::TVCustomDBStructure(TComponent* owner)
+    : TComponent(owner),
+      path_(this),
+      tablesByName_(TableLookups()),
+      fieldsByName_(FieldLookups()),
+      fieldsByID_([](const TDSField& field, std::string& key) { AppendNumber(key, field.GetID()); }),
+      operatorsByName_([](const TDSOperator& op, std::string& key) { AppendFolded(key, op.GetName()); }),
+      conditionsByID_(
+          [](const TDSCondition& condition, std::string& key) { AppendNumber(key, condition.GetID()); }) {
+    unrecognizedField_ = std::make_unique<TDSField>(*this, 0, vfkData);
+    unrecognizedField_->text_ = UnrecognizedFieldName;
+    unrecognizedField_->displayName_ = UnrecognizedFieldName;
+    unrecognizedOperator_ = std::make_unique<TDSOperator>();
+    InitOperator(*unrecognizedOperator_, UnrecognizedOperatorName, UnrecognizedOperatorName, "", "",
+                 LmUsedTypes);
+    sqlFormats_.OnQuotesChange = [this] { TableKeysChanged(); };
+    LoadDefsOpertors();
+    AddDefOperators(false);
+}
+
+TVCustomDBStructure::~TVCustomDBStructure() {
+    updating_ = true;
+    BeginDestruction();
+    ClearItems();
+}
+
+void TVCustomDBStructure::TableKeysChanged() {
+    for (auto& lookup : tablesByName_)
+        lookup.Invalidate();
+    FieldKeysChanged(); // a field's SQL expression and full name begin with its table's
+}
+
+void TVCustomDBStructure::FieldKeysChanged() {
+    for (auto& lookup : fieldsByName_)
+        lookup.Invalidate();
+}
+
+void TVCustomDBStructure::Changed() {
+    if (!updating_ && OnChange)
+        OnChange(*this);
+}
+
+// --- Tables.
+
+TDSTable* TVCustomDBStructure::GetTable(int index) const {
+    if (index < 0 || index >= GetTableCount())
+        throw EVDBStructError(dseInvalidTableIndex, {std::to_string(index)});
+    return tables_[static_cast<std::size_t>(index)].get();
+}
+
+int TVCustomDBStructure::IndexOfTable(const TDSTable* table) const {
+    for (int i = 0; i < GetTableCount(); ++i)
+        if (tables_[static_cast<std::size_t>(i)].get() == table)
+            return i;
+    return -1;
+}
+
+int TVCustomDBStructure::AddTable(std::string name, std::string caption) {
+    tables_.push_back(std::make_unique<TDSTable>(*this, std::move(name), std::move(caption)));
+    LinksChanged();
+    Changed();
+    return GetTableCount() - 1;
+}
+
+void TVCustomDBStructure::DelTable(int index) {
+    TDSTable* const table = GetTable(index);
+    for (TModelListener* const listener : listeners_)
+        listener->TableRemoved(*table);
+    for (std::size_t i = links_.size(); i-- > 0;)
+        if (links_[i]->Table1 == table || links_[i]->Table2 == table)
+            RemoveLink(i);
+    for (const auto& field : fields_)
+        std::erase(field->tables_, table);
+    if (defaultMainTable_ == table)
+        defaultMainTable_ = nullptr;
+    path_ = TDSPath(this);
+    tables_.erase(tables_.begin() + index);
+    TableKeysChanged();
+    LinksChanged();
+    for (const auto& condition : conditions_)
+        condition->UpdateTables();
+    Changed();
+}
+
+TDSTable* TVCustomDBStructure::TableByName(int mode, std::string_view text) const {
+    return tablesByName_.at(static_cast<std::size_t>(mode)).Find(tables_, LowerAscii(text));
+}
+
+void TVCustomDBStructure::GetTableNames(int mode, TStringList& names) const {
+    names.Clear();
+    for (const auto& table : tables_)
+        switch (mode) {
+        case 1:
+            names.Add(table->GetAlias());
+            break;
+        case 2:
+            names.Add(table->GetDisplayName());
+            break;
+        case 3:
+            names.Add(table->GetCompoundName());
+            break;
+        case 4:
+            names.Add(table->GetSQLExpr());
+            break;
+        default:
+            names.Add(table->GetName());
+        }
+}
+
+// --- Fields.
+
+// One more than the largest ID; where that is no number, one that is free.
+int TVCustomDBStructure::NewFieldID() {
+    if (largestFieldID_ < std::numeric_limits<int>::max())
+        return largestFieldID_ + 1;
+    while (FieldByID(freeFieldID_))
+        ++freeFieldID_;
+    return freeFieldID_;
+}
+
+void TVCustomDBStructure::FindLargestFieldID() {
+    largestFieldID_ = 0;
+    for (const auto& field : fields_)
+        largestFieldID_ = std::max(largestFieldID_, field->GetID());
+}
+
+TDSField* TVCustomDBStructure::AppendField(int id, TVFieldKind kind) {
+    largestFieldID_ = std::max(largestFieldID_, id);
+    fields_.push_back(std::make_unique<TDSField>(*this, id, kind));
+    return fields_.back().get();
+}
+
+int TVCustomDBStructure::AddField(TVFieldKind kind, std::string text, std::string caption, TDSTable* table) {
+    TVDBInfo& provider = CheckDatabaseInfo();
+    if (kind == vfkData) {
+        if (!table)
+            throw EVDBStructError(dseNoTable, {""});
+        const TDBFieldInfo* const info = provider.GetFieldList(table->GetName()).FindByName(text);
+        if (!info)
+            throw EVDBStructError(dseCantFindFieldInTbl, {text, table->GetName()});
+        TDSField& field = AddDataField(NewFieldID(), *info, *table);
+        field.text_ = std::move(text);
+        field.displayName_ = std::move(caption);
+    } else {
+        TDSField* const field = AppendField(NewFieldID(), vfkVirtual);
+        field->FieldSize = 100;
+        field->displayName_ = std::move(caption);
+        field->SetSQLExpr(std::move(text));
+        field->AddAppliedOperators();
+        rootGroup_.Fields.push_back(field);
+    }
+    Changed();
+    return GetFieldCount() - 1;
+}
+
+// A field for a column, without telling of it.
+TDSField& TVCustomDBStructure::AddDataField(int id, const TDBFieldInfo& info, TDSTable& table) {
+    TDSField* const field = AppendField(id, vfkData);
+    field->text_ = info.Name;
+    field->displayName_ = info.Name;
+    field->tables_ = {&table};
+    field->FieldType = info.DataType;
+    field->FieldSize = info.Size;
+    field->AddAppliedOperators();
+    rootGroup_.Fields.push_back(field);
+    return *field;
+}
+
+void TVCustomDBStructure::DelField(int index) {
+    TDSField* const field = GetField(index);
+    for (TModelListener* const listener : listeners_)
+        listener->FieldRemoved(*field);
+    RemoveFromGroup(*field);
+    const bool hadLargestID = field->GetID() == largestFieldID_;
+    fields_.erase(fields_.begin() + index);
+    if (hadLargestID)
+        FindLargestFieldID();
+    FieldKeysChanged();
+    fieldsByID_.Invalidate();
+    Changed();
+}
+
+// Searched from the end: a field that moves has mostly just been added.
+void TVCustomDBStructure::RemoveFromGroup(TDSField& field) {
+    TDSFieldList& fields = (field.group_ ? *field.group_ : rootGroup_).Fields;
+    const auto found = std::find(fields.rbegin(), fields.rend(), &field);
+    if (found != fields.rend())
+        fields.erase(std::next(found).base());
+    field.group_ = nullptr;
+}
+
+TDSField* TVCustomDBStructure::FieldByName(int mode, std::string_view text) const {
+    return fieldsByName_.at(static_cast<std::size_t>(mode))
+        .Find(fields_, mode == FieldSQLMode ? FoldBlanks(text) : LowerAscii(text));
+}
+
+TDSField* TVCustomDBStructure::FieldByID(int id) const {
+    return fieldsByID_.Find(fields_, NumberKey(id));
+}
+
+void TVCustomDBStructure::RenumberFields(const std::function<int(const TDSField&)>& idOf) {
+    std::unordered_set<int> taken;
+    for (const auto& field : fields_) {
+        field->id_ = idOf(*field);
+        while (!taken.insert(field->id_).second)
+            field->id_ = field->id_ < std::numeric_limits<int>::max() ? field->id_ + 1 : 1;
+    }
+    FindLargestFieldID();
+    fieldsByID_.Invalidate();
+    Changed();
+}
+
+void TVCustomDBStructure::GetFieldNames(int mode, TStringList& names) const {
+    names.Clear();
+    for (const auto& field : fields_)
+        switch (mode) {
+        case 1:
+            names.Add(field->GetDisplayName());
+            break;
+        case 2:
+            names.Add(field->GetFullName());
+            break;
+        case 3:
+            names.Add(field->GetSQLExpr());
+            break;
+        default:
+            names.Add(field->GetFieldText());
+        }
+}
+
+// --- Links.
+
+TDSLink* TVCustomDBStructure::GetLink(int index) const {
+    if (index < 0 || index >= GetLinkCount())
+        throw EVDBStructError(dseInvalidLinkIndex, {std::to_string(index)});
+    return links_[static_cast<std::size_t>(index)].get();
+}
+
+int TVCustomDBStructure::AddLinkByRef(std::unique_ptr<TDSLink> link) {
+    if (link->Operators.Empty())
+        link->ApplyDefOperator();
+    link->Table1->links_.push_back(link.get());
+    if (link->Table2 != link->Table1)
+        link->Table2->links_.push_back(link.get());
+    links_.push_back(std::move(link));
+    LinksChanged();
+    Changed();
+    return GetLinkCount() - 1;
+}
+
+void TVCustomDBStructure::DelLink(int index) {
+    GetLink(index);
+    RemoveLink(static_cast<std::size_t>(index));
+    LinksChanged();
+    Changed();
+}
+
+void TVCustomDBStructure::RemoveLink(std::size_t index) {
+    const TDSLink* const link = links_[index].get();
+    std::erase(link->Table1->links_, link);
+    std::erase(link->Table2->links_, link);
+    links_.erase(links_.begin() + static_cast<std::ptrdiff_t>(index));
+}
+
+TDSLink* TVCustomDBStructure::FindLink(std::string_view name1, std::string_view name2) const {
+    for (const auto& link : links_) {
+        const std::string& first = link->Table1->GetName();
+        const std::string& second = link->Table2->GetName();
+        if ((first == name1 && second == name2) || (first == name2 && second == name1))
+            return link.get();
+    }
+    return nullptr;
+}
+
+// --- Predefined conditions.
+
+TDSCondition* TVCustomDBStructure::AddCondition(int id, std::string displayFormat, std::string sqlExpr) {
+    conditions_.push_back(std::make_unique<TDSCondition>(*this));
+    TDSCondition* const condition = conditions_.back().get();
+    condition->SetID(id);
+    condition->SetDisplayFormat(std::move(displayFormat));
+    condition->SetSQLExpr(std::move(sqlExpr));
+    Changed();
+    return condition;
+}
+
+void TVCustomDBStructure::DelCondition(int index) {
+    TDSCondition* const condition = GetCondition(index);
+    for (TModelListener* const listener : listeners_)
+        listener->ConditionRemoved(*condition);
+    conditions_.erase(conditions_.begin() + index);
+    ConditionKeysChanged();
+    Changed();
+}
+
+TDSCondition* TVCustomDBStructure::ConditionByID(int id) const {
+    return conditionsByID_.Find(conditions_, NumberKey(id));
+}
+
+int TVCustomDBStructure::ConditionIndexByID(int id) const {
+    const TDSCondition* const condition = ConditionByID(id);
+    for (int i = 0; i < GetConditionCount(); ++i)
+        if (conditions_[static_cast<std::size_t>(i)].get() == condition)
+            return i;
+    return -1;
+}
+
+void TVCustomDBStructure::GetConditionCaptions(TStringList& captions) const {
+    captions.Clear();
+    for (const auto& condition : conditions_)
+        captions.Add(condition->GetCaption());
+}
+
+// --- The model as a whole.
+
+// Tables with their links and fields.
+void TVCustomDBStructure::ClearTableItems() {
+    path_ = TDSPath(this);
+    defaultMainTable_ = nullptr;
+    rootGroup_.Fields.clear();
+    for (int i = 0; i < fieldGroups_.Count(); ++i)
+        fieldGroups_.GetGroup(i)->Fields.clear();
+    links_.clear();
+    fields_.clear();
+    largestFieldID_ = 0;
+    freeFieldID_ = 1;
+    tables_.clear();
+    TableKeysChanged();
+    fieldsByID_.Invalidate();
+    LinksChanged();
+}
+
+void TVCustomDBStructure::ClearItems() {
+    ClearTableItems();
+    fieldGroups_.Clear();
+    conditions_.clear();
+    ConditionKeysChanged();
+}
+
+void TVCustomDBStructure::AnnounceReplacing() {
+    if (replacing_++ == 0)
+        for (TModelListener* const listener : listeners_)
+            listener->ModelReplacing();
+}
+
+void TVCustomDBStructure::AnnounceReplaced() {
+    if (--replacing_ == 0)
+        for (TModelListener* const listener : listeners_)
+            listener->ModelReplaced();
+}
+
+void TVCustomDBStructure::ReplaceModel(const std::function<void()>& change) {
+    AnnounceReplacing();
+    try {
+        change();
+    } catch (...) {
+        AnnounceReplaced();
+        throw;
+    }
+    AnnounceReplaced();
+}
+
+void TVCustomDBStructure::ClearStructure() {
+    ReplaceModel([this] {
+        ClearItems();
+        UpdateDefOperators();
+    });
+}
+
+void TVCustomDBStructure::ClearTables() {
+    ReplaceModel([this] {
+        ClearTableItems();
+        for (const auto& condition : conditions_)
+            condition->UpdateTables();
+    });
+}
+
+// --- Metadata.
+
+void TVCustomDBStructure::SetDatabaseInfo(TVDBInfo* provider) {
+    if (provider == databaseInfo_)
+        return;
+    UnwatchRemovalOf(databaseInfo_);
+    databaseInfo_ = provider;
+    WatchRemovalOf(provider);
+    if (provider && !IsLoading())
+        UpdateDatabaseInfo();
+}
+
+void TVCustomDBStructure::UpdateDatabaseInfo() {
+    if (!databaseInfo_ || dbSpecInfo_.Empty())
+        return;
+    TStringList lines = dbSpecInfo_; // a provider may empty what it is given
+    databaseInfo_->LoadInfo(lines);
+}
+
+TVDBInfo& TVCustomDBStructure::CheckDatabaseInfo() const {
+    if (!databaseInfo_)
+        throw EVDBStructError(dseDbInfoNotSpecified);
+    return *databaseInfo_;
+}
+
+void TVCustomDBStructure::RetriveDataModelInfo() {
+    TVDBInfo& provider = CheckDatabaseInfo();
+    TStringList lines;
+    provider.GetTableNames(lines);
+    BeginUpdate();
+    AnnounceReplacing();
+    const auto finish = [this] {
+        EndUpdate();
+        AnnounceReplaced();
+    };
+    try {
+        ClearItems();
+        UpdateDefOperators();
+        for (const std::string_view name : lines)
+            AddTable(std::string(name), std::string(name));
+        lines.Clear();
+        provider.GetLinksList(lines);
+        for (const std::string_view line : lines)
+            AddLinkByExpr(line);
+        int id = 0;
+        for (std::size_t i = 0; autoAddFields_ && i < tables_.size(); ++i) {
+            const TDBFieldList& columns = provider.GetFieldList(tables_[i]->GetName());
+            for (int column = 0; column < columns.Count(); ++column)
+                AddDataField(++id, columns.GetItem(column), *tables_[i]);
+        }
+    } catch (...) {
+        finish();
+        throw;
+    }
+    finish();
+    Changed();
+}
+
+void TVCustomDBStructure::EditStructure() {
+    if (OnEditStructure)
+        OnEditStructure(*this);
+}
+
+// --- As a component.
+
+void TVCustomDBStructure::AssignTo(TPersistent& dest) const {
+    auto* const structure = dynamic_cast<TVCustomDBStructure*>(&dest);
+    if (!structure)
+        return TComponent::AssignTo(dest);
+    TStringList lines;
+    const_cast<TVCustomDBStructure*>(this)->SaveToStrings(lines);
+    structure->LoadFromStrings(lines);
+}
+
+void TVCustomDBStructure::Notification(TComponent* component, TOperation operation) {
+    TComponent::Notification(component, operation);
+    if (operation == opRemove && component == databaseInfo_)
+        SetDatabaseInfo(nullptr);
+}
+
+void TVCustomDBStructure::Loaded() {
+    TComponent::Loaded();
+    UpdateDatabaseInfo();
+    UpdateExOperators();
+    MergeDefOperators();
+    UpdateDefOperators();
+    if (!storedStruct_.Empty())
+        LoadFromStrings(storedStruct_);
+    storedStruct_.Clear();
+    ++replacing_; // whoever waits for the model of a form can go on
+    AnnounceReplaced();
+}
+
+void TVCustomDBStructure::DefineProperties(TFiler& filer) {
+    TComponent::DefineProperties(filer);
+    filer.DefineProperty(
+        "Struct", [this](const TFormValue& value) { storedStruct_ = value.ToStrings(); },
+        [this] {
+            TStringList lines;
+            SaveToStrings(lines);
+            return TFormValue::FromStrings(lines);
+        },
+        storeStruct_);
+}
+
+std::string TVCustomDBStructure::DefaultCaptionLines() {
+    std::string lines;
+    for (const TDefaultOperator& op : DefaultOperators())
+        lines.append(op.Name).append("=").append(op.Caption).append("\n");
+    return lines;
+}
+
+std::span<const TPropertyInfo> TVDBStructure::PublishedProperties() const {
+    static const std::vector<TPropertyInfo> properties = [this] {
+        using TThis = TVDBStructure;
+        return ExtendProperties(
+            TComponent::PublishedProperties(),
+            {Property<TVCustomDBStructure>("StoreStruct", &TThis::GetStoreStruct, &TThis::SetStoreStruct,
+                                           true),
+             Property<TVCustomDBStructure>("AutoAddFields", &TThis::GetAutoAddFields,
+                                           &TThis::SetAutoAddFields, true),
+             ObjectProperty<TVCustomDBStructure, TSQLFormats>("SQLFormats", &TThis::GetSQLFormats),
+             ComponentProperty<TVCustomDBStructure, TVDBInfo>("DatabaseInfo", &TThis::GetDatabaseInfo,
+                                                              &TThis::SetDatabaseInfo),
+             StringsProperty<TVCustomDBStructure>("DefOperators", &TThis::GetDefOperators,
+                                                  &TThis::SetDefOperators, DefaultCaptionLines()),
+             Property<TVCustomDBStructure>("ExOperators", &TThis::GetExOperators, &TThis::SetExOperators,
+                                           AllExOperators),
+             Property<TThis>("HelpFileName", &TThis::GetHelpFileName, &TThis::SetHelpFileName, ""),
+             Property<TThis>("SEHelpContext", &TThis::GetSEHelpContext, &TThis::SetSEHelpContext, 0),
+             Property<TThis>("InitialSEPath", &TThis::GetInitialSEPath, &TThis::SetInitialSEPath, ""),
+             EventProperty("OnSEHelpClick"), EventProperty("OnChange")});
+    }();
+    return properties;
+}
+
+} // namespace lumora

@@ -1,0 +1,309 @@
+// The data model: what end users may query, and the component that holds it.
+#pragma once
+
+#include "lumora/metadata/Vdbinfo.h"
+#include "lumora/model/conditions.h"
+#include "lumora/model/join_path.h"
+#include "lumora/model/links.h"
+#include "lumora/model/lookup.h"
+#include "lumora/model/operators.h"
+#include "lumora/model/sql_formats.h"
+#include "lumora/model/tables.h"
+#include "lumora/platform/component.h"
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lumora {
+
+class TVCustomDBStructure;
+
+inline constexpr double CurrentModelVersion = 3.5;
+inline constexpr std::string_view UnrecognizedFieldName = "Unrecognized field";
+inline constexpr std::string_view UnrecognizedOperatorName = "Unrecognized operator";
+
+// Whoever keeps references to items of a model is told before they go away.
+class TModelListener {
+public:
+    virtual ~TModelListener() = default;
+    virtual void FieldRemoved(TDSField&) {}
+    virtual void OperatorRemoved(TDSOperator&) {}
+    virtual void TableRemoved(TDSTable&) {}
+    virtual void ConditionRemoved(TDSCondition&) {}
+    // All items go away together; new ones may stand in their place at ModelReplaced.
+    virtual void ModelReplacing() {}
+    virtual void ModelReplaced() {}
+};
+
+class TVCustomDBStructure : public TComponent {
+public:
+    explicit TVCustomDBStructure(TComponent* owner = nullptr);
+    ~TVCustomDBStructure() override;
+
+    std::string_view ClassName() const override { return "TVCustomDBStructure"; }
+
+    // --- Tables.
+    int GetTableCount() const { return static_cast<int>(tables_.size()); }
+    TDSTable* GetTable(int index) const; // EVDBStructError for a bad index
+    int IndexOfTable(const TDSTable* table) const;
+    int AddTable(std::string name, std::string caption);
+    // Takes the links that touch it along; fields and conditions lose the table.
+    void DelTable(int index);
+    // 0 name, 1 alias, 2 caption, 3 compound name, 4 SQL text; the first match, letter case ignored, or none.
+    TDSTable* TableByName(int mode, std::string_view text) const;
+    void GetTableNames(int mode, TStringList& names) const;
+    TDSTable* GetDefaultMainTable() const { return defaultMainTable_; }
+    void SetDefaultMainTable(TDSTable* table) { defaultMainTable_ = table; }
+
+    // --- Fields.
+    int GetFieldCount() const { return static_cast<int>(fields_.size()); }
+    TDSField* GetField(int index) const { return fields_.at(static_cast<std::size_t>(index)).get(); }
+    // Needs a metadata provider, which gives a data field's type and size.
+    int AddField(TVFieldKind kind, std::string text, std::string caption, TDSTable* table);
+    void DelField(int index);
+    // 0 column name or expression, 1 caption, 2 full name (letter case ignored), 3 SQL expression (blanks
+    // ignored too); the first match or none.
+    TDSField* FieldByName(int mode, std::string_view text) const;
+    TDSField* FieldByID(int id) const;
+    // Gives each field the ID that `idOf` tells, above 0, or the next one that is free.
+    void RenumberFields(const std::function<int(const TDSField&)>& idOf);
+    void GetFieldNames(int mode, TStringList& names) const;
+    // Stands for fields that a query names and the model does not know. In no list.
+    TDSField* GetUnrecognizedField() const;
+
+    TDSFieldGroupList& GetFieldGroups() { return fieldGroups_; }
+    const TDSFieldGroupList& GetFieldGroups() const { return fieldGroups_; }
+    const TDSFieldGroup& GetRootGroup() const { return rootGroup_; } // the fields of no group
+    bool RootFieldsFirst = false; // ungrouped fields are listed before the groups
+
+    // --- Links.
+    int GetLinkCount() const { return static_cast<int>(links_.size()); }
+    TDSLink* GetLink(int index) const; // EVDBStructError for a bad index
+    int AddLinkByRef(std::unique_ptr<TDSLink> link);
+    // Adds the link that a line "Orders-Customer:CustNo=CustNo,Region=Region" tells.
+    int AddLinkByExpr(std::string_view text);
+    void SaveLinksToStrings(TStringList& lines) const;
+    void DelLink(int index);
+    // The first link between two tables of these names (exact), in either direction; none when there is none.
+    TDSLink* FindLink(std::string_view name1, std::string_view name2) const;
+
+    // --- Join paths.
+    // The shortest chain between two tables given by alias. The path is the model's own, and the next call
+    // overwrites it. EVDBStructError when a table is unknown or no chain joins them; the path then stays.
+    const TDSPath& GetPath(std::string_view alias1, std::string_view alias2) const;
+    const TDSPath& GetPath(const TDSTable& from, const TDSTable& to) const;
+    // One step of a search path by path: true when the path's end has a link to the target; otherwise the
+    // path extended by every neighbour that is not on it is appended to `newPaths`.
+    bool CheckPath(const TDSPath& path, const TDSTable* target, TDSPathList& newPaths) const;
+    // The tables that an expression names by alias before a "." and a name, each once, and those names with
+    // their alias ("O.Qty") when `references` is given; both lists are added to.
+    void ExcludeTablesBySQLExpr(std::string_view expression, TDSTableList& tables,
+                                std::vector<std::string>* references) const;
+
+    // --- Operators.
+    int GetOperatCount() const { return static_cast<int>(operators_.size()); }
+    TDSOperator* GetOperator(int index) const; // EVDBStructError for a bad index
+    int AddOperator(std::string_view name, std::string_view caption, std::string_view sql,
+                    std::string_view valFormat, TAppliedTypes appliedTypes);
+    // With `update`, an operator of that name is overwritten in place; its types of value stay.
+    int AddUpdateOperator(bool update, std::string_view name, std::string_view caption, std::string_view sql,
+                          std::string_view valFormat, TAppliedTypes appliedTypes);
+    static void InitOperator(TDSOperator& op, std::string_view name, std::string_view caption,
+                             std::string_view sql, std::string_view valFormat, TAppliedTypes appliedTypes);
+    void DelOperator(int index);
+    void DeleteOperatorByName(std::string_view name);
+    void ClearOperators();
+    // Letter case ignored; the old name "EqualTo" stands for "Equal". -1 or none when absent.
+    int OperatorIndexByName(std::string_view name) const;
+    TDSOperator* OperatorByName(std::string_view name) const;
+    int IndexOfOperator(const TDSOperator* op) const;
+    // The first operator whose template contains the text, letter case ignored.
+    TDSOperator* OperatorByExpr(std::string_view text) const;
+    void GetOperatorNames(TStringList& names) const;
+    // Stands for operators that a query names and the model does not know. In no list.
+    TDSOperator* GetUnrecognizedOperator() const { return unrecognizedOperator_.get(); }
+
+    // Captions of the default operators, lines "Name=Caption".
+    const TStringList& GetDefOperators() const { return defOperators_; }
+    void SetDefOperators(const TStringList& lines) { defOperators_ = lines; }
+    std::string GetDefOperator(std::string_view name) const { return std::string(defOperators_.Value(name)); }
+    void LoadDefsOpertors();
+    void MergeDefOperators();
+    void AddDefOperators(bool update);
+    TExOperators GetExOperators() const { return exOperators_; }
+    void SetExOperators(TExOperators operators);
+    void UpdateExOperators();
+    void UpdateDefOperators();
+    void UpdateOperatorCaption(std::string_view name, std::string_view caption);
+
+    // Field types whose values are written in quotes.
+    TQuotedTypes GetQuotedTypes() const { return quotedTypes_; }
+    void SetQuotedTypes(TQuotedTypes types) { quotedTypes_ = types; }
+    TSQLFormats& GetSQLFormats() { return sqlFormats_; }
+    const TSQLFormats& GetSQLFormats() const { return sqlFormats_; }
+    void SetSQLFormats(const TSQLFormats& formats) { sqlFormats_.Assign(formats); }
+
+    // --- Predefined conditions.
+    int GetConditionCount() const { return static_cast<int>(conditions_.size()); }
+    TDSCondition* GetCondition(int index) const {
+        return conditions_.at(static_cast<std::size_t>(index)).get();
+    }
+    TDSCondition* AddCondition(int id, std::string displayFormat, std::string sqlExpr);
+    void DelCondition(int index);
+    int ConditionIndexByID(int id) const;
+    TDSCondition* ConditionByID(int id) const;
+    void GetConditionCaptions(TStringList& captions) const;
+
+    // --- The model as a whole.
+    // Deletes links, fields, tables, groups and conditions.
+    void ClearStructure();
+    void ClearTables(); // with their fields and links
+    // Runs `change` between the notices that all items go and that new ones are there; a replacement within
+    // another gives no notices of its own. What `change` raises is passed on.
+    void ReplaceModel(const std::function<void()>& change);
+    // True when the model has at most one field.
+    bool GetEmpty() const { return fields_.size() <= 1; }
+    double GetVersion() const { return version_; }
+    void Changed();
+    void BeginUpdate() { updating_ = true; }
+    void EndUpdate() { updating_ = false; }
+    std::function<void(TVCustomDBStructure& sender)> OnChange;
+    void AddListener(TModelListener& listener) { listeners_.push_back(&listener); }
+    void RemoveListener(TModelListener& listener) { std::erase(listeners_, &listener); }
+
+    // --- Text.
+    void SaveToStrings(TStringList& lines);
+    // Replaces the whole model. When the text is refused, the model is as it was.
+    void LoadFromStrings(const TStringList& lines);
+    void SaveToFile(const std::string& fileName);
+    void LoadFromFile(const std::string& fileName);
+    std::string GetStructString();
+    void SetStructString(std::string_view text);
+
+    // --- Metadata.
+    TVDBInfo* GetDatabaseInfo() const { return databaseInfo_; }
+    void SetDatabaseInfo(TVDBInfo* provider);
+    // Hands the database-specific lines to the provider.
+    void UpdateDatabaseInfo();
+    // The provider; EVDBStructError when there is none.
+    TVDBInfo& CheckDatabaseInfo() const;
+    // Fills the model from the provider: its tables, its links, the fields of each table.
+    void RetriveDataModelInfo();
+    const TStringList& GetDBSpecInfo() const { return dbSpecInfo_; }
+
+    // Opens the structure editor, which a design environment provides; nothing happens without one.
+    void EditStructure();
+    std::function<void(TVCustomDBStructure& structure)> OnEditStructure;
+
+    // Whether RetriveDataModelInfo takes the tables' fields too.
+    bool GetAutoAddFields() const { return autoAddFields_; }
+    void SetAutoAddFields(bool on) { autoAddFields_ = on; }
+
+    // Whether the model is kept in the form.
+    bool GetStoreStruct() const { return storeStruct_; }
+    void SetStoreStruct(bool on) { storeStruct_ = on; }
+
+protected:
+    void AssignTo(TPersistent& dest) const override;
+    void Notification(TComponent* component, TOperation operation) override;
+    void Loaded() override;
+    void DefineProperties(TFiler& filer) override;
+
+    // The extended operators have their own templates again.
+    virtual void ExOperatorsUpdated() {}
+    // A field for a column, in the root group and with the operators of its type, without telling of it.
+    TDSField& AddDataField(int id, const TDBFieldInfo& info, TDSTable& table);
+    static std::string DefaultCaptionLines(); // the default of the property DefOperators
+
+    TStringList storedStruct_; // the model text of a form, until everything is loaded
+
+private:
+    friend class TDSCondition;
+    friend class TDSField;
+    friend class TDSOperator;
+    friend class TDSTable;
+    friend class TModelReader;
+
+    // Items tell of changes that look-ups must know.
+    void TableKeysChanged();
+    void FieldKeysChanged();
+    void OperatorKeysChanged() { operatorsByName_.Invalidate(); }
+    void OperatorsChanged();
+    void ConditionKeysChanged() { conditionsByID_.Invalidate(); }
+    void LinksChanged() { graph_.reset(); }
+
+    TDSField* AppendField(int id, TVFieldKind kind);
+    int NewFieldID();
+    void FindLargestFieldID();
+    void RemoveFromGroup(TDSField& field);
+    void RemoveLink(std::size_t index);
+    void ClearTableItems();
+    void ClearItems();
+    void AnnounceReplacing();
+    void AnnounceReplaced();
+
+    std::vector<std::unique_ptr<TDSTable>> tables_;
+    std::vector<std::unique_ptr<TDSField>> fields_;
+    std::vector<std::unique_ptr<TDSLink>> links_;
+    std::vector<std::unique_ptr<TDSOperator>> operators_;
+    std::vector<std::unique_ptr<TDSCondition>> conditions_;
+    int largestFieldID_ = 0;
+    int freeFieldID_ = 1; // where the search for a free ID goes on, once the largest has been used
+    TDSFieldGroupList fieldGroups_;
+    TDSFieldGroup rootGroup_;
+    std::unique_ptr<TDSField> unrecognizedField_;
+    mutable bool unrecognizedFieldStale_ = true; // its operators are to be found anew
+    std::unique_ptr<TDSOperator> unrecognizedOperator_;
+    TDSTable* defaultMainTable_ = nullptr;
+
+    TStringList defOperators_;
+    TExOperators exOperators_ = AllExOperators;
+    TQuotedTypes quotedTypes_ = DefaultQuotedTypes;
+    TSQLFormats sqlFormats_;
+
+    TVDBInfo* databaseInfo_ = nullptr;
+    TStringList dbSpecInfo_;
+    bool autoAddFields_ = true;
+    double version_ = CurrentModelVersion;
+    bool updating_ = false;
+    bool storeStruct_ = true;
+    int replacing_ = 0; // replacements that are going on, one within another
+    std::vector<TModelListener*> listeners_;
+
+    mutable TDSPath path_;
+    mutable std::unique_ptr<TJoinGraph> graph_;
+    mutable std::array<TLookup<TDSTable>, 5> tablesByName_;
+    mutable std::array<TLookup<TDSField>, 4> fieldsByName_;
+    mutable TLookup<TDSField> fieldsByID_;
+    mutable TLookup<TDSOperator> operatorsByName_;
+    mutable TLookup<TDSCondition> conditionsByID_;
+};
+
+// The model as it is placed on forms.
+class TVDBStructure : public TVCustomDBStructure {
+public:
+    explicit TVDBStructure(TComponent* owner = nullptr) : TVCustomDBStructure(owner) {}
+
+    std::string_view ClassName() const override { return "TVDBStructure"; }
+    std::span<const TPropertyInfo> PublishedProperties() const override;
+
+    const std::string& GetHelpFileName() const { return helpFileName_; }
+    void SetHelpFileName(const std::string& name) { helpFileName_ = name; }
+    int GetSEHelpContext() const { return seHelpContext_; }
+    void SetSEHelpContext(int context) { seHelpContext_ = context; }
+    const std::string& GetInitialSEPath() const { return initialSEPath_; }
+    void SetInitialSEPath(const std::string& path) { initialSEPath_ = path; }
+
+    std::function<void(TVDBStructure& sender)> OnSEHelpClick;
+
+private:
+    std::string helpFileName_;
+    int seHelpContext_ = 0;
+    std::string initialSEPath_;
+};
+
+} // namespace lumora

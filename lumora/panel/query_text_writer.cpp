@@ -1,0 +1,160 @@
+#include "lumora/panel/panel_state.h"
+#include "lumora/panel/query_text.h"
+#include "lumora/platform/convert.h"
+#include "lumora/platform/formats.h"
+#include "lumora/query/value_text.h"
+#include "lumora/support/string_helpers.h"
+
+#include <charconv>
+
+namespace lumora {
+
+int TVQueryPanel::SQLOptionsToInt(TSQLOptions options) {
+    return (options.Contains(soSelectDistinct) ? 2 : 0) | (options.Contains(soQuoteAliases) ? 8 : 0) |
+           (options.Contains(soBracketJoins) ? 16 : 0) | (options.Contains(soBracketConditions) ? 32 : 0);
+}
+
+void TQueryTextWriter::Write() {
+    lines_.Clear();
+    if (panel_.GetSaveTitles()) {
+        lines_.AddStrings(panel_.GetTitles());
+        lines_.Add("");
+    }
+    WriteMain();
+    WriteVerbatim("[Description]", panel_.GetDescription());
+    WriteVerbatim("[UserData]", panel_.GetUserData());
+    panel_.GetQResult().GetResultFields().SaveToStrings(lines_);
+    if (panel_.GetRootBracket())
+        WriteRow(*panel_.GetRootBracket());
+}
+
+void TQueryTextWriter::WriteMain() {
+    lines_.Add("[Main]");
+    Put("QueryName", panel_.GetQueryName());
+    lines_.Add("Version=3.5");
+    if (panel_.GetSaveSQLOptions())
+        Put("Options", TVQueryPanel::SQLOptionsToInt(panel_.GetSQLOptions()));
+    else
+        Put("Options", "");
+    lines_.Add("");
+}
+
+void TQueryTextWriter::WriteVerbatim(std::string_view section, const TStringList& text) {
+    lines_.Add(section);
+    lines_.AddStrings(text);
+    lines_.Add("");
+}
+
+void TQueryTextWriter::WriteRow(const TFilterRow& row) {
+    lines_.Tail().append("[Row").append(rowID_).append("]");
+    lines_.EndLine();
+    if (row.GetRowType() == frtBracket)
+        WriteBracket(static_cast<const TFilterBracket&>(row));
+    else
+        WriteCondition(static_cast<const TFilterCond&>(row));
+}
+
+void TQueryTextWriter::WriteBracket(const TFilterBracket& bracket) {
+    Put("Enabled", bracket.GetEnabled() ? 1 : 0);
+    lines_.Add("RowType=1");
+    Put("LinkType", bracket.GetLinkType());
+    Put("RowCount", bracket.GetRowCount());
+    lines_.Add("");
+    const std::size_t length = rowID_.size();
+    for (int i = 0; i < bracket.GetRowCount(); ++i) {
+        char digits[16];
+        rowID_.append(digits, std::to_chars(digits, digits + sizeof digits, i + 1).ptr) += '.';
+        WriteRow(*bracket.GetRow(i));
+        rowID_.resize(length);
+    }
+}
+
+void TQueryTextWriter::WriteCondition(const TFilterCond& condition) {
+    const bool isSimple = condition.GetRowType() == frtSimpleCondition;
+    lines_.Add(isSimple ? "RowType=0" : "RowType=2");
+    Put("Enabled", condition.GetEnabled() ? 1 : 0);
+    if (isSimple) {
+        const TDSField* const field = static_cast<const TSimpleCond&>(condition).GetField();
+        Put("FieldID", field ? field->GetID() : 0);
+    } else {
+        const TDSCondition* const target = static_cast<const TCustomCond&>(condition).GetCondition();
+        Put("CondID", target ? target->GetID() : 0);
+    }
+    Put("Param1", condition.GetValueIsParam(1) ? 1 : 0);
+    Put("Param2", condition.GetValueIsParam(2) ? 1 : 0);
+    if (isSimple) {
+        const TDSOperator* const op = static_cast<const TSimpleCond&>(condition).GetOperator();
+        Put("Operator", op ? std::string_view(op->GetName()) : "");
+    }
+    panel_.SaveValues(condition, value1_, value2_);
+    Put("Value1", value1_);
+    Put("Value2", value2_);
+    for (const int value : {1, 2}) {
+        if (const TSQLParam* const param = condition.GetParam(value))
+            Put(value == 1 ? "VFormat1" : "VFormat2", param->ValueFormat);
+        else
+            Put(value == 1 ? "Caption1" : "Caption2", condition.GetCaption(value));
+    }
+    Put("SubQuery", condition.GetSubQuery().Empty() ? std::string() : condition.GetSubQuery().GetCommaText());
+    Put("SubQueryOptions", TVQueryPanel::SQLOptionsToInt(condition.GetSubQueryOptions()));
+    lines_.Add("");
+}
+
+void TQueryTextWriter::Put(std::string_view key, std::string_view value) {
+    lines_.Tail().append(key).append("=").append(value);
+    lines_.EndLineWithoutBreaks();
+}
+
+void TQueryTextWriter::Put(std::string_view key, int value) {
+    char digits[16];
+    lines_.Tail().append(key).append("=").append(digits,
+                                                 std::to_chars(digits, digits + sizeof digits, value).ptr);
+    lines_.EndLine();
+}
+
+namespace {
+
+std::string DateToNumber(std::string_view text) {
+    return FloatToStr(StrToDateTime(text));
+}
+
+// A parameter stands under its name; a date or time as its number, each item of a list alike.
+std::string SavedValue(const TFilterCond& condition, int value) {
+    if (const TSQLParam* const param = condition.GetParam(value))
+        return param->Name;
+    const std::string& text = condition.GetValue(value);
+    const TValueKind kind = condition.GetValueKind(value);
+    if (!IsDateOrTime(condition.GetValueType(value)) || kind == vkSubQuery || text.empty())
+        return text;
+    if (kind == vkScalar)
+        return DateToNumber(text);
+    std::string numbers;
+    for (const std::string& item : SplitListValue(text))
+        numbers.append(numbers.empty() ? "" : ",").append(DateToNumber(item));
+    return numbers;
+}
+
+} // namespace
+
+void TVQueryPanel::SaveValues(const TFilterCond& condition, std::string& value1, std::string& value2) const {
+    value1 = SavedValue(condition, 1);
+    value2 = SavedValue(condition, 2);
+    // The line breaks of a sub-query's SQL, which its hint shows, are kept as two blanks each.
+    if (const std::string& hint = condition.GetHint();
+        !condition.GetSubQuery().Empty() && ReplaceText(hint, "\n", " ") == value1)
+        value1 = ReplaceText(hint, "\n", "  ");
+}
+
+void TVQueryPanel::SaveToStrings(TStringList& lines) {
+    const TPanelStateGuard guard(state_, stSaving);
+    TQueryTextWriter(*this, lines).Write();
+    modified_ = false;
+}
+
+void TVQueryPanel::SaveToFile(const std::string& fileName) {
+    TStringList lines;
+    SaveToStrings(lines);
+    lines.SaveToFile(fileName);
+}
+
+} // namespace lumora

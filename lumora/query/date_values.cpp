@@ -1,0 +1,79 @@
+#include "lumora/query/date_values.h"
+
+#include "lumora/platform/ascii.h"
+#include "lumora/platform/errors.h"
+#include "lumora/platform/formats.h"
+
+namespace lumora {
+
+namespace {
+
+struct TOracleForm {
+    std::string_view Mask;
+    std::string_view OracleMask;
+};
+
+constexpr TOracleForm OracleForms[] = {{"dd-mm-yyyy", "dd-mm-yyyy"},
+                                       {"hh:nn:ss", "hh24:mi:ss"},
+                                       {"dd-mm-yyyy hh:nn:ss", "dd-mm-yyyy hh24:mi:ss"}};
+
+// The separators of the masks are meant as they stand.
+const TFormatSettings& IsoSettings() {
+    static const TFormatSettings settings;
+    return settings;
+}
+
+std::string OracleLiteral(TFieldType type, TDateTime value) {
+    const TOracleForm& form = OracleForms[type == ftDate ? 0 : type == ftTime ? 1 : 2];
+    return "TO_DATE('" + FormatDateTime(form.Mask, value, IsoSettings()) + "', '" +
+           std::string(form.OracleMask) + "')";
+}
+
+// The date of TO_DATE('05-03-2001', 'dd-mm-yyyy'), with single or double quotes.
+std::optional<TDateTime> ParseOracleLiteral(std::string_view text) {
+    constexpr std::string_view head = "to_date(";
+    if (!SameText(text.substr(0, head.size()), head) || text.size() < head.size() + 2 || text.back() != ')')
+        return std::nullopt;
+    const char quote = text[head.size()];
+    const std::size_t end = text.find(quote, head.size() + 1);
+    if ((quote != '\'' && quote != '"') || end == std::string_view::npos)
+        return std::nullopt;
+    const std::string_view value = text.substr(head.size() + 1, end - head.size() - 1);
+    std::string_view mask = text.substr(end + 1, text.size() - end - 2);
+    mask = mask.starts_with(',') ? Trim(mask.substr(1)) : std::string_view();
+    for (const TOracleForm& form : OracleForms)
+        if (mask.size() > 2 && mask.front() == quote && mask.back() == quote &&
+            SameText(mask.substr(1, mask.size() - 2), form.OracleMask))
+            return TryParseDateTime(value, form.Mask, IsoSettings());
+    return std::nullopt;
+}
+
+} // namespace
+
+std::string DateValueToSQL(const TSQLFormats& formats, TFieldType type, std::string_view text,
+                           TSQLSyntax syntax, bool strict) {
+    const TDateTime value = StrToDateTime(text);
+    if (syntax != ssOracle)
+        return FormatDateTime(formats.MaskFor(type), value);
+    if (strict)
+        return OracleLiteral(type, value);
+    return "TO_DATE(\"" + FormatDateTime("dd-mm-yyyy", value) + "\", \"dd-mm-yyyy\")";
+}
+
+std::optional<std::string> TryDateValueFromSQL(const TSQLFormats& formats, TFieldType type,
+                                               std::string_view text) {
+    std::optional<TDateTime> value = ParseOracleLiteral(text);
+    if (!value)
+        value = TryParseDateTime(text, formats.MaskFor(type));
+    if (!value)
+        return std::nullopt;
+    return type == ftTime ? TimeToStr(*value) : DateTimeToStr(*value);
+}
+
+std::string DateValueFromSQL(const TSQLFormats& formats, TFieldType type, std::string_view text) {
+    if (std::optional<std::string> value = TryDateValueFromSQL(formats, type, text))
+        return *std::move(value);
+    throw EConvertError("\"" + std::string(text) + "\" is not a valid date and time");
+}
+
+} // namespace lumora

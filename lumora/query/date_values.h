@@ -1,0 +1,25 @@
+// Date and time values: between the user's formats and those of the SQL.
+#pragma once
+
+#include "lumora/model/sql_formats.h"
+#include "lumora/model/sql_syntax.h"
+#include "lumora/platform/field_types.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace lumora {
+
+// A value in the user's format as SQL text in the model's format for the type. Under ssOracle a call of
+// TO_DATE: with its arguments in double quotes and the date alone, or, `strict`, a literal that holds the
+// time too. EConvertError when the text is no date or time.
+std::string DateValueToSQL(const TSQLFormats& formats, TFieldType type, std::string_view text,
+                           TSQLSyntax syntax, bool strict);
+// A value in the model's format for the type, or in a call of TO_DATE as above, as the user's text: the time
+// alone for a time, otherwise the date-time text. EConvertError as above; nothing from the second.
+std::string DateValueFromSQL(const TSQLFormats& formats, TFieldType type, std::string_view text);
+std::optional<std::string> TryDateValueFromSQL(const TSQLFormats& formats, TFieldType type,
+                                               std::string_view text);
+
+} // namespace lumora

@@ -1,0 +1,37 @@
+// Failures of a query and of the panel that holds it.
+#pragma once
+
+#include "lumora/model/Lmglobal.h"
+
+#include <initializer_list>
+#include <string_view>
+
+namespace lumora {
+
+enum TQueryPanelErrorCode : int {
+    qpeNoEnoughInfo = 1,
+    qpeWrongLink = 2,
+    qpeNoDBStruct = 3,
+    qpeInvalidFltrTitle = 4,
+    qpeInvalidStrFmt = 5,
+    qpeUnrecognizedField = 6,
+    qpeUnrecognizedOperator = 7,
+    qpeQueryWasNotBuilt = 8,
+    qpeInvalidValue = 9,
+    qpeUnknownCondition = 10,
+    qpeTooDeep = 11,
+    qpeCantBeKept = 12,
+    qpeOtherJoin = 13,
+    qpeNoTable = 14,
+    qpeCantSortDistinct = 15
+};
+
+class EVQueryPanelError : public EVLumoraError {
+public:
+    explicit EVQueryPanelError(TQueryPanelErrorCode code,
+                               std::initializer_list<std::string_view> arguments = {});
+    // With a line break, "Line:" and the line of the statement at the end of the message.
+    EVQueryPanelError(TQueryPanelErrorCode code, std::initializer_list<std::string_view> arguments, int line);
+};
+
+} // namespace lumora

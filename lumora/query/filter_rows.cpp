@@ -1,0 +1,354 @@
+#include "lumora/query/filter_rows.h"
+
+#include "lumora/query/errors.h"
+#include "lumora/query/query_result.h"
+#include "lumora/support/string_helpers.h"
+
+#include <algorithm>
+
+namespace lumora {
+
+// --- Rows.
+
+TFilterRow::~TFilterRow() {
+    BeginDestruction();
+}
+
+void TFilterRow::BeginDestruction() {
+    if (destroying_)
+        return;
+    destroying_ = true;
+    host_.RowDestroyed(*this);
+}
+
+std::string TFilterRow::GetRowID() const {
+    if (!parent_)
+        return {};
+    return parent_->GetRowID() + std::to_string(index_ + 1) + ".";
+}
+
+int TFilterRow::GetRowNum() const {
+    host_.EnsureRowNumbers();
+    return rowNum_;
+}
+
+void TFilterRow::SetEnabled(bool enabled) {
+    if (enabled == enabled_)
+        return;
+    enabled_ = enabled;
+    host_.RowChanged(*this);
+    if (parent_)
+        parent_->CheckIfAllDisabled();
+    host_.QueryChanged();
+}
+
+void TFilterRow::SetHidden(bool hidden) {
+    if (hidden == hidden_)
+        return;
+    hidden_ = hidden;
+    host_.RowHidden(*this);
+}
+
+// --- Brackets.
+
+TFilterBracket::~TFilterBracket() {
+    BeginDestruction();
+    while (!rows_.empty())
+        rows_.pop_back();
+}
+
+void TFilterBracket::SetLinkType(TFilterLinkType type) {
+    if (type == linkType_)
+        return;
+    linkType_ = type;
+    GetHost().RowChanged(*this);
+    GetHost().QueryChanged();
+}
+
+namespace {
+
+int Depth(const TFilterRow& row) {
+    if (row.GetRowType() != frtBracket)
+        return 0;
+    const auto& bracket = static_cast<const TFilterBracket&>(row);
+    int deepest = 0;
+    for (int i = 0; i < bracket.GetRowCount(); ++i)
+        deepest = std::max(deepest, Depth(*bracket.GetRow(i)) + 1);
+    return deepest;
+}
+
+} // namespace
+
+TFilterRow* TFilterBracket::InsertRow(int index, std::unique_ptr<TFilterRow> row) {
+    const int level = GetRowLevel() + 1;
+    if (level + Depth(*row) > MaxRowLevel)
+        throw EVQueryPanelError(qpeTooDeep, {std::to_string(MaxRowLevel)});
+    if (index < 0 || index > GetRowCount())
+        index = GetRowCount();
+    TFilterRow* const inserted = row.get();
+    inserted->parent_ = this;
+    SetLevels(*inserted, level);
+    rows_.insert(rows_.begin() + index, std::move(row));
+    RenumberFrom(index);
+    if (!GetEnabled())
+        CheckIfAllDisabled();
+    GetHost().RowsChanged();
+    return inserted;
+}
+
+void TFilterBracket::SetLevels(TFilterRow& row, int level) const {
+    row.level_ = level;
+    if (row.GetRowType() != frtBracket)
+        return;
+    for (const auto& child : static_cast<TFilterBracket&>(row).rows_)
+        SetLevels(*child, level + 1);
+}
+
+void TFilterBracket::RenumberFrom(int index) {
+    for (int i = index; i < GetRowCount(); ++i)
+        rows_[static_cast<std::size_t>(i)]->index_ = i;
+}
+
+TFilterBracket* TFilterBracket::InsertNewBracket(int index) {
+    return static_cast<TFilterBracket*>(InsertRow(index, std::make_unique<TFilterBracket>(GetHost())));
+}
+
+TSimpleCond* TFilterBracket::InsertSimpleCondByNum(int number) {
+    const int index = IndexForNewRow(number);
+    return static_cast<TSimpleCond*>(InsertRow(index, std::make_unique<TSimpleCond>(GetHost())));
+}
+
+TCustomCond* TFilterBracket::InsertCustomCondByNum(int number, TDSCondition* condition) {
+    const int index = IndexForNewRow(number);
+    return static_cast<TCustomCond*>(InsertRow(index, std::make_unique<TCustomCond>(GetHost(), *condition)));
+}
+
+TSimpleCond* TFilterBracket::AddCond() {
+    return static_cast<TSimpleCond*>(AddRow(std::make_unique<TSimpleCond>(GetHost())));
+}
+
+TCustomCond* TFilterBracket::AddCustomCond(TDSCondition* condition) {
+    return static_cast<TCustomCond*>(AddRow(std::make_unique<TCustomCond>(GetHost(), *condition)));
+}
+
+int TFilterBracket::IndexByRowNum(int number) const {
+    for (int i = 0; i < GetRowCount(); ++i)
+        if (GetRow(i)->GetRowNum() == number)
+            return i;
+    return -1;
+}
+
+int TFilterBracket::IndexForNewRow(int number) const {
+    if (rows_.empty() || number < rows_.front()->GetRowNum())
+        return 0;
+    return number <= rows_.back()->GetRowNum() ? IndexByRowNum(number) : GetRowCount();
+}
+
+void TFilterBracket::DeleteRow(int index) {
+    TQueryHost& host = GetHost();
+    host.RowDeleting(*GetRow(index));
+    ExtractRow(index).reset();
+    host.RowsChanged();
+}
+
+std::unique_ptr<TFilterRow> TFilterBracket::ExtractRow(int index) {
+    std::unique_ptr<TFilterRow> row = std::move(rows_.at(static_cast<std::size_t>(index)));
+    rows_.erase(rows_.begin() + index);
+    RenumberFrom(index);
+    row->parent_ = nullptr;
+    row->index_ = 0;
+    GetHost().RowsChanged();
+    if (rows_.empty() && GetParent() && GetHost().RemovesEmptyBrackets())
+        GetParent()->ExtractRow(GetIndex());
+    return row;
+}
+
+void TFilterBracket::ClearRows() {
+    while (!rows_.empty())
+        rows_.pop_back();
+    GetHost().RowsChanged();
+}
+
+TFilterRow* TFilterBracket::RowByID(std::string_view id) {
+    const std::string own = GetRowID();
+    if (id.substr(0, own.size()) != own)
+        return nullptr;
+    id.remove_prefix(own.size());
+    TFilterRow* row = this;
+    while (!id.empty()) {
+        const std::size_t dot = id.find('.');
+        if (dot == std::string_view::npos || row->GetRowType() != frtBracket)
+            return nullptr;
+        auto* const bracket = static_cast<TFilterBracket*>(row);
+        const int position = XStrToInt(id.substr(0, dot));
+        if (position < 1 || position > bracket->GetRowCount())
+            return nullptr;
+        row = bracket->GetRow(position - 1);
+        id.remove_prefix(dot + 1);
+    }
+    return row;
+}
+
+TFilterCond* TFilterBracket::GetFirstCondition() const {
+    for (const auto& row : rows_) {
+        if (row->GetRowType() != frtBracket)
+            return static_cast<TFilterCond*>(row.get());
+        if (TFilterCond* const condition = static_cast<TFilterBracket*>(row.get())->GetFirstCondition())
+            return condition;
+    }
+    return nullptr;
+}
+
+TFilterRow* TFilterBracket::GetLastRow() {
+    TFilterRow* row = this;
+    while (row->GetRowType() == frtBracket && static_cast<TFilterBracket*>(row)->GetRowCount() > 0)
+        row = static_cast<TFilterBracket*>(row)->rows_.back().get();
+    return row;
+}
+
+void TFilterBracket::EndUpdate() {
+    if (--updating_ == 0)
+        CheckIfAllDisabled();
+}
+
+void TFilterBracket::CheckIfAllDisabled() {
+    if (updating_ > 0 || GetHost().IsLoadingQuery())
+        return;
+    const bool allDisabled =
+        std::none_of(rows_.begin(), rows_.end(), [](const auto& row) { return row->GetEnabled(); });
+    if (GetEnabled() == allDisabled)
+        SetEnabled(!allDisabled);
+}
+
+// --- Conditions.
+
+TFilterCond::~TFilterCond() {
+    BeginDestruction();
+    if (slots_[0].Param || slots_[1].Param)
+        GetHost().GetQResult().DeleteParameters(this);
+}
+
+const TDSTableList& TFilterCond::GetTables() const {
+    static const TDSTableList none;
+    return none;
+}
+
+TValueKind TFilterCond::GetValueKind(int) const {
+    return vkScalar;
+}
+TFieldType TFilterCond::GetValueType(int) const {
+    return ftUnknown;
+}
+std::string TFilterCond::GetValueName(int) const {
+    return {};
+}
+void TFilterCond::UpdateSQLParams(TStringList&) const {}
+
+void TFilterCond::SetValue(int value, const std::string& text) {
+    TSlot& slot = Slot(value);
+    if (slot.Param || slot.Text == text)
+        return;
+    slot.Text = text;
+    slot.Caption.clear();
+    GetHost().ValueChanged(*this, value);
+    GetHost().ConditionChanged(*this, value == 1 ? ccValue1 : ccValue2);
+}
+
+void TFilterCond::SetCaption(int value, const std::string& caption) {
+    Slot(value).Caption = caption;
+    GetHost().RowChanged(*this);
+}
+
+void TFilterCond::SetValueIsParam(int value, bool isParam) {
+    TSlot& slot = Slot(value);
+    if (isParam == (slot.Param != nullptr))
+        return;
+    TQueryResult& result = GetHost().GetQResult();
+    if (isParam)
+        slot.Param = result.AddParameter(*this, value);
+    else
+        result.DeleteParameter(slot.Param);
+    GetHost().RowChanged(*this);
+    GetHost().QueryChanged();
+}
+
+void TFilterCond::ParamDeleted(const TSQLParam* param) {
+    for (TSlot& slot : slots_)
+        if (slot.Param == param)
+            slot.Param = nullptr;
+}
+
+const TStringList& TFilterCond::GetSubQuery() const {
+    static const TStringList none;
+    return subQuery_ ? *subQuery_ : none;
+}
+
+void TFilterCond::SetSubQuery(const TStringList& lines) {
+    subQuery_ = lines.Empty() ? nullptr : std::make_unique<TStringList>(lines);
+}
+
+// --- Simple conditions.
+
+void TSimpleCond::SetField(TDSField* field) {
+    if (field == field_)
+        return;
+    field_ = field;
+    const auto& offered = field ? field->GetOperators() : std::vector<TDSOperator*>();
+    if (std::find(offered.begin(), offered.end(), operator_) == offered.end())
+        operator_ = offered.empty() ? nullptr : offered.front();
+    GetHost().ConditionChanged(*this, ccField);
+}
+
+void TSimpleCond::SetOperator(TDSOperator* op) {
+    if (op == operator_)
+        return;
+    operator_ = op;
+    GetHost().ConditionChanged(*this, ccOperator);
+}
+
+const TDSTableList& TSimpleCond::GetTables() const {
+    return field_ ? field_->GetTables() : TFilterCond::GetTables();
+}
+
+TFieldType TSimpleCond::GetExprType() const {
+    if (operator_ && operator_->ExprType != ftUnknown)
+        return operator_->ExprType;
+    return field_ ? field_->FieldType : ftUnknown;
+}
+
+void TSimpleCond::UpdateSQLParams(TStringList& params) const {
+    if (!field_ || !operator_)
+        return;
+    const bool equal = SameText(operator_->GetName(), "Equal");
+    params.SetValue(field_->GetDisplayName(), equal ? field_->ValueAsString(GetValue(1)) : std::string());
+}
+
+const TStringList* TSimpleCond::GetCustomData() const {
+    const auto* const editor =
+        field_ ? dynamic_cast<const TDSCustomEditor*>(field_->GetValueEditor()) : nullptr;
+    return editor ? &editor->CustomData : nullptr;
+}
+
+// --- Predefined conditions.
+
+const TDSValue* TCustomCond::ValueSlot(int value) const {
+    return value >= 1 && value <= GetValueCount() ? &condition_->Values[static_cast<std::size_t>(value - 1)]
+                                                  : nullptr;
+}
+
+TValueKind TCustomCond::GetValueKind(int value) const {
+    const TDSValue* const slot = ValueSlot(value);
+    return slot ? slot->ValueKind : vkScalar;
+}
+
+TFieldType TCustomCond::GetValueType(int value) const {
+    const TDSValue* const slot = ValueSlot(value);
+    return slot ? slot->GetDataType() : ftUnknown;
+}
+
+std::string TCustomCond::GetValueName(int value) const {
+    const TDSValue* const slot = ValueSlot(value);
+    return slot ? std::string(Trim(slot->Text)) : std::string();
+}
+
+} // namespace lumora

@@ -1,0 +1,425 @@
+#include "lumora/query/result_fields.h"
+
+#include "lumora/query/strict_checks.h"
+#include "lumora/support/string_helpers.h"
+
+#include <algorithm>
+#include <limits>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace lumora {
+
+namespace {
+
+std::string Placeholder(int number) {
+    return "@" + std::to_string(number);
+}
+
+std::string LowerOutsideLiterals(std::string_view sql) {
+    std::string text(sql);
+    bool inLiteral = false;
+    for (char& c : text) {
+        if (c == '\'')
+            inLiteral = !inLiteral;
+        if (!inLiteral)
+            c = LowerAscii(c);
+    }
+    return text;
+}
+
+} // namespace
+
+TQueryHost* TResultField::GetQueryPanel() const {
+    return owner_.GetQueryPanel();
+}
+TVCustomDBStructure* TResultField::GetDBStruct() const {
+    return owner_.GetDBStruct();
+}
+
+void TResultField::Changed() const {
+    if (TQueryHost* const panel = GetQueryPanel())
+        panel->QueryChanged();
+}
+
+// --- The formula.
+
+void TResultField::DelDSField(int index) {
+    std::string formula = GetFormula();
+    if (const std::size_t at = formula.find(Placeholder(index + 1)); at != std::string::npos)
+        formula.erase(at, 2);
+    for (int i = index + 1; i < static_cast<int>(fields_.size()); ++i)
+        formula = ReplaceText(formula, Placeholder(i + 1), Placeholder(i));
+    formula_.SetText(std::move(formula));
+    fields_.erase(fields_.begin() + index);
+}
+
+void TResultField::SetFormula(const std::string& formula) {
+    if (formula == GetFormula())
+        return;
+    formula_.SetText(formula);
+    for (int number = static_cast<int>(fields_.size()); number >= 1; --number)
+        if (GetFormula().find(Placeholder(number)) == std::string::npos)
+            DelDSField(number - 1);
+    Changed();
+}
+
+template <typename TAppendField>
+std::string TResultField::FillFormula(TAppendField appendField) const {
+    TPlanRequest request;
+    request.ValueCount = static_cast<int>(fields_.size());
+    std::string text;
+    for (const TTemplatePiece& piece : formula_.Plan(request).Pieces) {
+        if (piece.Kind == tpLiteral)
+            text += piece.Text;
+        else
+            appendField(text, *fields_[static_cast<std::size_t>(piece.Value - 1)]);
+    }
+    return text;
+}
+
+std::string TResultField::GetSQLExpr() const {
+    const TQueryHost* const panel = GetQueryPanel();
+    const TNameQuoting quoting = panel && panel->GetStrict() ? nqStrict : nqPlain;
+    return FillFormula(
+        [quoting](std::string& text, const TDSField& field) { field.AppendSQLExpr(text, quoting); });
+}
+
+std::string TResultField::GetExpression() const {
+    return FillFormula([](std::string& text, const TDSField& field) {
+        text.append("{").append(field.GetDisplayName()) += '}';
+    });
+}
+
+std::string TResultField::GetSelectExpr() const {
+    std::string text = GetSQLExpr();
+    if (!alias_.empty())
+        text.append(" as ").append(GetSQLAlias());
+    return text;
+}
+
+std::string TResultField::GetSQLAlias() const {
+    const TQueryHost* const panel = GetQueryPanel();
+    const bool strict = panel && panel->GetStrict();
+    if (!owner_.QuoteAliases && !(strict && !IsPlainName(alias_)))
+        return alias_;
+    const TQuoteSymbols quotes = GetDBStruct() ? GetDBStruct()->GetSQLFormats().Quotes() : TQuoteSymbols();
+    std::string text;
+    quotes.Append(text, alias_, strict ? nqStrict : nqPlain);
+    return text;
+}
+
+std::string TResultField::GetOrderName() const {
+    return alias_.empty() ? std::to_string(number_) : alias_;
+}
+
+bool TResultField::GetAgregate() const {
+    const std::string sql = LowerAscii(GetSQLExpr());
+    if (const TQueryHost* const panel = GetQueryPanel(); panel && panel->GetStrict())
+        return CallsAggregate(sql);
+    for (const char* const function : {"sum(", "count(", "max(", "min(", "avg("})
+        if (sql.find(function) != std::string::npos)
+            return true;
+    return false;
+}
+
+void TResultField::ProcessExpression(std::string_view expression) {
+    std::string formula;
+    std::unordered_map<std::string_view, std::size_t> numbers;
+    std::size_t start = 0;
+    while (true) {
+        const std::size_t open = expression.find('{', start);
+        const std::size_t close = open == std::string_view::npos ? open : expression.find('}', open);
+        if (close == std::string_view::npos)
+            break;
+        const std::string_view name = expression.substr(open + 1, close - open - 1);
+        const auto [known, isNew] = numbers.try_emplace(name, fields_.size() + 1);
+        if (isNew) {
+            TDSField* const field = GetDBStruct() ? GetDBStruct()->FieldByName(1, name) : nullptr;
+            if (!field && !GetDBStruct())
+                break;
+            fields_.push_back(field ? field : GetDBStruct()->GetUnrecognizedField());
+        }
+        formula.append(expression, start, open - start).append(Placeholder(static_cast<int>(known->second)));
+        start = close + 1;
+    }
+    formula_.SetText(formula.append(expression, start));
+}
+
+void TResultField::ProcessSQLExpr(std::string_view sql) {
+    const TQueryHost* const panel = GetQueryPanel();
+    formula_.SetText(panel && panel->GetStrict() ? LowerOutsideLiterals(sql) : LowerAscii(sql));
+    TVCustomDBStructure* const structure = GetDBStruct();
+    if (!structure)
+        return;
+    if (TDSField* const field = structure->FieldByName(3, sql)) {
+        fields_ = {field};
+        formula_.SetText("@1");
+        return;
+    }
+    constexpr int fullName = 2, sqlExpression = 3;
+    if (!TakeWholeWords(sqlExpression) && !TakeWholeWords(fullName)) {
+        fields_ = {structure->GetUnrecognizedField()};
+        formula_.SetText("@1");
+    }
+}
+
+// Puts placeholders for the fields whose lower-cased name stands in the formula as a whole word; false when
+// none does.
+bool TResultField::TakeWholeWords(int nameMode) {
+    std::string formula = GetFormula();
+    TVCustomDBStructure& structure = *GetDBStruct();
+    for (int i = 0; i < structure.GetFieldCount(); ++i) {
+        TDSField* const field = structure.GetField(i);
+        const std::string name = LowerAscii(nameMode == 3 ? field->GetSQLExpr() : field->GetFullName());
+        std::size_t at = FindWholeWord(formula, name);
+        if (at == std::string::npos)
+            continue;
+        fields_.push_back(field);
+        const std::string placeholder = Placeholder(static_cast<int>(fields_.size()));
+        for (; at != std::string::npos; at = FindWholeWord(formula, name, at + placeholder.size()))
+            formula.replace(at, name.size(), placeholder);
+    }
+    formula_.SetText(std::move(formula));
+    return !fields_.empty();
+}
+
+// --- Caption, alias and sorting.
+
+void TResultField::SetCaption(const std::string& caption) {
+    if (caption == caption_)
+        return;
+    caption_ = caption;
+    GenerateAlias();
+    Changed();
+}
+
+void TResultField::SetAlias(const std::string& alias) {
+    if (alias != alias_)
+        alias_ = alias.empty() ? alias : owner_.GetUniqAlias(alias);
+}
+
+void TResultField::GenerateAlias() {
+    if (!owner_.AutoAliases || (fields_.size() == 1 && fields_[0]->GetFieldText() == caption_)) {
+        alias_.clear();
+        return;
+    }
+    std::string alias = caption_;
+    if (owner_.QuoteAliases) {
+        // as it is
+    } else if (owner_.ASCIIAliases) {
+        alias.clear();
+        for (std::size_t i = 0; i < caption_.size(); ++i) {
+            const char c = caption_[i];
+            const char lower = LowerAscii(c);
+            if ((lower >= 'a' && lower <= 'z') || c == '_' || (i > 0 && IsDigit(c)))
+                alias += c;
+        }
+    } else {
+        std::replace(alias.begin(), alias.end(), ' ', '_');
+    }
+    SetAlias(alias);
+}
+
+std::string TResultField::GenerateCaption() const {
+    std::string caption;
+    for (const TDSField* const field : fields_)
+        caption += field->GetDisplayName();
+    return caption.empty() ? std::to_string(owner_.IndexOf(this) + 1) : caption;
+}
+
+void TResultField::SetSorting(TSortingType sorting) {
+    if (sorting == sorting_)
+        return;
+    if (sorting != stNoSort && sortOrder_ == 0)
+        sortOrder_ = owner_.NextSortOrder();
+    sorting_ = sorting;
+    Changed();
+}
+
+void TResultField::Assign(const TResultField& source) {
+    TQueryHost* const panel = GetQueryPanel();
+    if (panel)
+        panel->BeginUpdate();
+    fields_ = source.fields_;
+    formula_.SetText(source.GetFormula());
+    caption_ = source.caption_;
+    alias_ = source.alias_;
+    sorting_ = source.sorting_;
+    sortOrder_ = source.sortOrder_;
+    if (panel)
+        panel->EndUpdate();
+}
+
+// --- The list.
+
+int TRFieldList::IndexOf(const TResultField* field) const {
+    for (int i = 0; i < Count(); ++i)
+        if (GetRField(i) == field)
+            return i;
+    return -1;
+}
+
+TResultField* TRFieldList::New(int index) {
+    return fields_
+        .insert(fields_.begin() + std::clamp(index, 0, Count()), std::make_unique<TResultField>(*this))
+        ->get();
+}
+
+TResultField* TRFieldList::CreateRField(int index, const std::string& formula, const TDSFieldList& fields,
+                                        const std::string& caption) {
+    TResultField* const field = New(index);
+    field->formula_.SetText(formula); // before there are fields, so that none is dropped
+    field->fields_ = fields;
+    field->SetCaption(caption);
+    JustSorting = false;
+    return field;
+}
+
+TResultField* TRFieldList::Add(const std::string& formula, const TDSFieldList& fields,
+                               const std::string& caption) {
+    return CreateRField(Count(), formula, fields, caption);
+}
+
+TResultField* TRFieldList::Insert(int index, const std::string& formula, const TDSFieldList& fields,
+                                  const std::string& caption) {
+    return CreateRField(index, formula, fields, caption);
+}
+
+TResultField* TRFieldList::InsertByExpression(int index, const std::string& caption,
+                                              std::string_view expression, TSortingType sorting,
+                                              int sortOrder) {
+    TResultField* const field = New(index);
+    field->SetCaption(caption);
+    field->ProcessExpression(expression);
+    FinishInsert(*field, sorting, sortOrder);
+    return field;
+}
+
+TResultField* TRFieldList::AddByExpression(const std::string& caption, std::string_view expression,
+                                           TSortingType sorting, int sortOrder) {
+    return InsertByExpression(Count(), caption, expression, sorting, sortOrder);
+}
+
+TResultField* TRFieldList::InsertBySQLExpr(int index, const std::string& caption, std::string_view sql,
+                                           TSortingType sorting, int sortOrder) {
+    TResultField* const field = New(index);
+    field->SetCaption(caption);
+    field->ProcessSQLExpr(sql);
+    FinishInsert(*field, sorting, sortOrder);
+    return field;
+}
+
+TResultField* TRFieldList::AddBySQLExpr(const std::string& caption, std::string_view sql,
+                                        TSortingType sorting, int sortOrder) {
+    return InsertBySQLExpr(Count(), caption, sql, sorting, sortOrder);
+}
+
+void TRFieldList::FinishInsert(TResultField& field, TSortingType sorting, int sortOrder) {
+    if (field.fields_.empty() && structure_)
+        field.fields_.push_back(structure_->GetUnrecognizedField());
+    field.SetSorting(sorting);
+    field.sortOrder_ = sortOrder;
+    JustSorting = false;
+}
+
+void TRFieldList::Delete(int index) {
+    GetRField(index);
+    fields_.erase(fields_.begin() + index);
+    if (panel_)
+        panel_->QueryChanged();
+}
+
+void TRFieldList::Move(int from, int to) {
+    GetRField(from);
+    GetRField(to);
+    auto field = std::move(fields_[static_cast<std::size_t>(from)]);
+    fields_.erase(fields_.begin() + from);
+    fields_.insert(fields_.begin() + to, std::move(field));
+    if (panel_)
+        panel_->QueryChanged();
+}
+
+void TRFieldList::Clear() {
+    fields_.clear();
+}
+
+bool TRFieldList::CheckUniqAlias(std::string_view alias) const {
+    return std::none_of(fields_.begin(), fields_.end(),
+                        [&](const auto& field) { return SameText(field->GetAlias(), alias); });
+}
+
+bool TRFieldList::CheckUniqCaption(std::string_view caption) const {
+    return std::none_of(fields_.begin(), fields_.end(),
+                        [&](const auto& field) { return SameText(field->GetCaption(), caption); });
+}
+
+namespace {
+
+template <typename TFields, typename TTextOf>
+std::string UniqueText(const TFields& fields, const std::string& text, TTextOf textOf) {
+    std::unordered_set<std::string> taken;
+    for (const auto& field : fields)
+        taken.insert(LowerAscii(textOf(*field)));
+    const std::string lower = LowerAscii(text);
+    if (taken.count(lower) == 0)
+        return text;
+    int number = 1;
+    while (taken.count(lower + std::to_string(number)) != 0)
+        ++number;
+    return text + std::to_string(number);
+}
+
+} // namespace
+
+std::string TRFieldList::GetUniqAlias(const std::string& alias) const {
+    return UniqueText(fields_, alias,
+                      [](const TResultField& field) -> const std::string& { return field.GetAlias(); });
+}
+
+std::string TRFieldList::GetUniqCaption(const std::string& caption) const {
+    return UniqueText(fields_, caption,
+                      [](const TResultField& field) -> const std::string& { return field.GetCaption(); });
+}
+
+void TRFieldList::GenerateNumbers() {
+    for (int i = 0; i < Count(); ++i)
+        GetRField(i)->SetNumber(i + 1);
+}
+
+void TRFieldList::RegenerateAliases() {
+    for (const auto& field : fields_)
+        field->GenerateAlias();
+}
+
+int TRFieldList::GetSortCount() const {
+    return static_cast<int>(std::count_if(fields_.begin(), fields_.end(),
+                                          [](const auto& field) { return field->GetSorting() != stNoSort; }));
+}
+
+// Behind all that are sorted.
+int TRFieldList::NextSortOrder() const {
+    int greatest = 0;
+    for (const auto& field : fields_)
+        if (field->GetSorting() != stNoSort)
+            greatest = std::max(greatest, field->GetSortOrder());
+    return greatest + (greatest < std::numeric_limits<int>::max() ? 1 : 0);
+}
+
+void TRFieldList::Assign(const TRFieldList& source) {
+    if (&source == this)
+        return;
+    Clear();
+    JustSorting = source.JustSorting;
+    for (const auto& field : source.fields_)
+        New(Count())->Assign(*field);
+}
+
+void TRFieldList::ReplaceDSField(const TDSField* field, TDSField* by) {
+    for (const auto& resultField : fields_)
+        for (TDSField*& entry : resultField->fields_)
+            if (!field || entry == field)
+                entry = by;
+}
+
+} // namespace lumora

@@ -1,0 +1,155 @@
+// Result fields: a query's output columns.
+#pragma once
+
+#include "lumora/model/structure.h"
+#include "lumora/query/query_host.h"
+#include "lumora/query/sql_options.h"
+#include "lumora/support/section_reader.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lumora {
+
+class TRFieldList;
+
+// A formula over data model fields, "@1" standing for the first of them. Owned by its list.
+class TResultField {
+public:
+    explicit TResultField(TRFieldList& owner) : owner_(owner) {}
+    TResultField(const TResultField&) = delete;
+    TResultField& operator=(const TResultField&) = delete;
+
+    const TDSFieldList& GetFields() const { return fields_; }
+    void AddDSField(TDSField* field) { fields_.push_back(field); }
+    void SetDSField(int index, TDSField* field) { fields_.at(static_cast<std::size_t>(index)) = field; }
+    // Takes field `index` out of the formula and out of the list; the placeholders behind it close up.
+    void DelDSField(int index);
+
+    const std::string& GetFormula() const { return formula_.GetText(); }
+    // Fields that the new formula does not name are dropped.
+    void SetFormula(const std::string& formula);
+    const std::string& GetCaption() const { return caption_; }
+    // Makes the alias anew from the caption.
+    void SetCaption(const std::string& caption);
+    const std::string& GetAlias() const { return alias_; }
+    // Made unique in the list; empty: the column has no alias.
+    void SetAlias(const std::string& alias);
+    TSortingType GetSorting() const { return sorting_; }
+    // The first sorting of a field puts it behind all that are sorted.
+    void SetSorting(TSortingType sorting);
+    int GetSortOrder() const { return sortOrder_; }
+    void SetSortOrder(int order) { sortOrder_ = order; }
+    int GetNumber() const { return number_; } // the position from 1, as GenerateNumbers found it
+    void SetNumber(int number) { number_ = number; }
+
+    // The formula with the fields' SQL expressions, or with their captions in braces.
+    std::string GetSQLExpr() const;
+    std::string GetExpression() const;
+    // The SQL expression and " as " and the alias, when there is one.
+    std::string GetSelectExpr() const;
+    std::string GetSQLAlias() const;
+    std::string GetOrderName() const;
+    // True when the SQL expression holds an aggregate function.
+    bool GetAgregate() const;
+    void GenerateAlias();
+    std::string GenerateCaption() const;
+    // Takes a formula with captions in braces; names that are unknown become the model's placeholder field.
+    void ProcessExpression(std::string_view expression);
+    // Takes SQL text; it is stored lower-cased (but for string literals when the panel is strict), with the
+    // fields that it names.
+    void ProcessSQLExpr(std::string_view sql);
+
+    void Assign(const TResultField& source);
+    TQueryHost* GetQueryPanel() const;
+    TVCustomDBStructure* GetDBStruct() const;
+    // An automation object of the host, stored and handed on.
+    void* GetOleObject() const { return oleObject_; }
+    void SetOleObject(void* object) { oleObject_ = object; }
+
+private:
+    friend class TRFieldList;
+
+    template <typename TAppendField>
+    std::string FillFormula(TAppendField appendField) const;
+    bool TakeWholeWords(int nameMode);
+    void Changed() const;
+
+    TRFieldList& owner_;
+    TDSFieldList fields_;
+    TSQLTemplate formula_;
+    std::string caption_;
+    std::string alias_;
+    TSortingType sorting_ = stNoSort;
+    int sortOrder_ = 0; // 0: none was given yet
+    int number_ = 0;
+    void* oleObject_ = nullptr;
+};
+
+class TRFieldList {
+public:
+    // The panel may be none; then nobody is told of changes.
+    TRFieldList(TVCustomDBStructure* structure, TQueryHost* panel) : structure_(structure), panel_(panel) {}
+
+    int Count() const { return static_cast<int>(fields_.size()); }
+    TResultField* GetRField(int index) const { return fields_.at(static_cast<std::size_t>(index)).get(); }
+    int IndexOf(const TResultField* field) const;
+    TResultField* New(int index);
+    TResultField* Add(const std::string& formula, const TDSFieldList& fields, const std::string& caption);
+    TResultField* Insert(int index, const std::string& formula, const TDSFieldList& fields,
+                         const std::string& caption);
+    TResultField* InsertByExpression(int index, const std::string& caption, std::string_view expression,
+                                     TSortingType sorting, int sortOrder);
+    TResultField* AddByExpression(const std::string& caption, std::string_view expression,
+                                  TSortingType sorting, int sortOrder);
+    TResultField* InsertBySQLExpr(int index, const std::string& caption, std::string_view sql,
+                                  TSortingType sorting, int sortOrder);
+    TResultField* AddBySQLExpr(const std::string& caption, std::string_view sql, TSortingType sorting,
+                               int sortOrder);
+    void Delete(int index);
+    void Move(int from, int to);
+    void Clear();
+
+    // Letter case is ignored. A field whose own alias or caption is asked for counts too.
+    bool CheckUniqAlias(std::string_view alias) const;
+    bool CheckUniqCaption(std::string_view caption) const;
+    // The text itself, or the first of text + "1", "2", ... that is unique.
+    std::string GetUniqAlias(const std::string& alias) const;
+    std::string GetUniqCaption(const std::string& caption) const;
+    void GenerateNumbers();
+    void RegenerateAliases();
+    int GetSortCount() const;
+    int NextSortOrder() const;
+    void Assign(const TRFieldList& source);
+
+    // The text form: "[RFields]" and one block for each field. Saving adds to the lines.
+    void SaveToStrings(TStringList& lines) const;
+    void LoadFromStrings(const TStringList& lines);
+    void LoadFromSections(const TSectionIndex& sections);
+
+    // Puts another model field in the place of one, or of all when `field` is none.
+    void ReplaceDSField(const TDSField* field, TDSField* by);
+
+    TVCustomDBStructure* GetDBStruct() const { return structure_; }
+    void SetDBStruct(TVCustomDBStructure* structure) { structure_ = structure; }
+    TQueryHost* GetQueryPanel() const { return panel_; }
+    bool Distinct = false;   // the statement that the fields were read from said so
+    bool JustSorting = true; // the fields serve only to sort: the select list is "*"
+    bool AutoAliases = true;
+    bool QuoteAliases = false;
+    bool ASCIIAliases = true;
+
+private:
+    TResultField* CreateRField(int index, const std::string& formula, const TDSFieldList& fields,
+                               const std::string& caption);
+    void FinishInsert(TResultField& field, TSortingType sorting, int sortOrder);
+    void LoadField(const TSectionLines& lines);
+
+    TVCustomDBStructure* structure_;
+    TQueryHost* panel_;
+    std::vector<std::unique_ptr<TResultField>> fields_;
+};
+
+} // namespace lumora

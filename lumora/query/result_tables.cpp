@@ -1,0 +1,33 @@
+#include "lumora/query/result_tables.h"
+
+#include "lumora/query/errors.h"
+
+namespace lumora {
+
+int TRTableList::Add(TDSTable* table, TDSLink* link) {
+    int position = Count();
+    if (link) {
+        const TDSTable* const partner = link->Table1 == table ? link->Table2 : link->Table1;
+        position = IndexOf(partner) + 1;
+        if (position == 0)
+            throw EVQueryPanelError(qpeWrongLink);
+    }
+    items_.insert(items_.begin() + position, {table, link});
+    return position;
+}
+
+const TResultTable* TRTableList::Find(std::string_view name) const {
+    for (const TResultTable& item : items_)
+        if (SameText(item.Table->GetName(), name))
+            return &item;
+    return nullptr;
+}
+
+int TRTableList::IndexOf(const TDSTable* table) const {
+    for (int i = 0; i < Count(); ++i)
+        if (items_[static_cast<std::size_t>(i)].Table == table)
+            return i;
+    return -1;
+}
+
+} // namespace lumora

@@ -1,0 +1,35 @@
+// The tables that take part in a query, in join order.
+#pragma once
+
+#include "lumora/model/links.h"
+#include "lumora/model/tables.h"
+
+#include <string_view>
+#include <vector>
+
+namespace lumora {
+
+struct TResultTable {
+    TDSTable* Table = nullptr;
+    TDSLink* Link = nullptr; // joins the table to one before it; none for the table that starts the chain
+};
+
+class TRTableList {
+public:
+    int Count() const { return static_cast<int>(items_.size()); }
+    bool Empty() const { return items_.empty(); }
+    const TResultTable& GetItem(int index) const { return items_.at(static_cast<std::size_t>(index)); }
+    // Appends a table without a link; one with a link goes right behind the table that the link joins it to.
+    // EVQueryPanelError when that one is not in the list. Returns the position.
+    int Add(TDSTable* table, TDSLink* link);
+    // The first table of that name, letter case ignored.
+    const TResultTable* Find(std::string_view name) const;
+    int IndexOf(const TDSTable* table) const;
+    void Delete(int index) { items_.erase(items_.begin() + index); }
+    void Clear() { items_.clear(); }
+
+private:
+    std::vector<TResultTable> items_;
+};
+
+} // namespace lumora

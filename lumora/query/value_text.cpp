@@ -1,0 +1,172 @@
+#include "lumora/query/value_text.h"
+
+#include "lumora/platform/formats.h"
+#include "lumora/query/date_values.h"
+#include "lumora/query/strict_checks.h"
+#include "lumora/support/string_helpers.h"
+
+namespace lumora {
+
+namespace {
+
+// Hands each item of a list value to `take`, which may use it up.
+template <typename TTake>
+void ForEachItem(std::string_view text, TTake take) {
+    if (Trim(text).empty())
+        return;
+    std::string item;
+    std::size_t kept = 0; // the length of the item without blanks behind it
+    bool quoted = false;
+    for (std::size_t i = 0; i <= text.size(); ++i) {
+        const char c = i < text.size() ? text[i] : ',';
+        if (i == text.size() || (c == ',' && !quoted)) {
+            item.resize(kept);
+            take(item);
+            item.clear();
+            kept = 0;
+            quoted = false;
+        } else if (c == '"' && quoted && i + 1 < text.size() && text[i + 1] == '"') {
+            item += '"';
+            kept = item.size();
+            ++i;
+        } else if (c == '"' && (quoted || item.empty())) {
+            quoted = !quoted;
+            kept = item.size();
+        } else if (quoted || !item.empty() || !IsBlank(c)) {
+            item += c;
+            if (quoted || !IsBlank(c))
+                kept = item.size();
+        }
+    }
+}
+
+} // namespace
+
+std::vector<std::string> SplitListValue(std::string_view text) {
+    std::vector<std::string> items;
+    ForEachItem(text, [&items](std::string& item) { items.push_back(std::move(item)); });
+    return items;
+}
+
+namespace {
+
+// What an empty value becomes.
+std::string_view EmptyValue(TFieldType type) {
+    switch (type) {
+    case ftSmallint:
+    case ftInteger:
+    case ftWord:
+    case ftFloat:
+    case ftCurrency:
+    case ftAutoInc:
+    case ftLargeint:
+        return "0";
+    case ftBoolean:
+        return "False";
+    case ftDate:
+    case ftTime:
+    case ftDateTime:
+        return "00/00/00";
+    default:
+        return {};
+    }
+}
+
+// The field's caption, or the predefined condition's.
+void CheckValue(const TFilterCond& condition, TFieldType type, std::string_view text) {
+    if (IsCheckedType(type) && !IsValidValue(type, text))
+        RaiseInvalidValue(text, condition.GetCaptionText());
+}
+
+bool MeansTheSame(const TSQLFormats& formats, TFieldType type, std::string_view text, std::string_view sql) {
+    const TDateTime value = StrToDateTime(text);
+    return TryDateValueFromSQL(formats, type, sql) ==
+           (type == ftTime ? TimeToStr(value) : DateTimeToStr(value));
+}
+
+} // namespace
+
+bool TValueWriter::IsQuoted(TFieldType type) const {
+    return structure_.GetQuotedTypes().Contains(type) || (strict_ && !IsCheckedType(type));
+}
+
+TValueEntry TValueWriter::EntryOf(const TFilterCond& condition, int value) const {
+    if (condition.GetValueIsParam(value))
+        return veParameter;
+    if (condition.GetValueKind(value) == vkSubQuery)
+        return veBare;
+    const TFieldType type = condition.GetValueType(value);
+    return IsQuoted(type) && !IsOracleLiteral(type) ? veBare : veStretch;
+}
+
+void TValueWriter::Append(std::string& out, const TFilterCond& condition, int value, bool quotes) const {
+    const std::string& text = condition.GetValue(value);
+    const TFieldType type = condition.GetValueType(value);
+    switch (condition.GetValueKind(value)) {
+    case vkSubQuery:
+        if (strict_)
+            CheckSubQuery(text, condition.GetCaptionText());
+        out += text.empty() ? EmptyValue(type) : std::string_view(text);
+        break;
+    case vkList:
+        AppendList(out, condition, type, text);
+        break;
+    case vkScalar:
+        AppendItem(out, condition, type, text, quotes && IsQuoted(type));
+        break;
+    }
+}
+
+// One value, without quotes or between its own. A quote in it is doubled.
+void TValueWriter::AppendItem(std::string& out, const TFilterCond& condition, TFieldType type,
+                              std::string_view text, bool quotes) const {
+    if (strict_ && IsCheckedType(type)) {
+        text = Trim(text);
+        CheckValue(condition, type, text);
+    }
+    if (text.empty()) {
+        text = EmptyValue(type);
+    } else if (IsDateOrTime(type)) {
+        const std::string date = DateValueToSQL(structure_.GetSQLFormats(), type, text, syntax_, strict_);
+        if (strict_ && !MeansTheSame(structure_.GetSQLFormats(), type, text, date))
+            RaiseInvalidValue(text, condition.GetCaptionText()); // the format would drop a part of it
+        if (IsOracleLiteral(type))
+            out += date;
+        else
+            out.append(quotes ? "'" : "").append(date).append(quotes ? "'" : "");
+        return;
+    }
+    if (quotes)
+        out += '\'';
+    AppendDoubled(out, text, '\'');
+    if (quotes)
+        out += '\'';
+}
+
+// The items of a quoted type each in quotes; of another type the list as it stands, unless each item is to be
+// checked.
+void TValueWriter::AppendList(std::string& out, const TFilterCond& condition, TFieldType type,
+                              std::string_view text) const {
+    const bool quoted = IsQuoted(type);
+    if (text.empty() && !strict_)
+        text = EmptyValue(type);
+    if (!quoted && !strict_ && !IsDateOrTime(type)) {
+        AppendDoubled(out, text, '\'');
+        return;
+    }
+    const bool isEmptyDate = text == EmptyValue(type);
+    bool first = true;
+    ForEachItem(text, [&](const std::string& item) {
+        if (!first)
+            out += ',';
+        first = false;
+        if (isEmptyDate)
+            out.append(quoted ? "'" : "").append(item).append(quoted ? "'" : "");
+        else
+            AppendItem(out, condition, type, item, quoted);
+    });
+    if (first && strict_)
+        RaiseInvalidValue(text, condition.GetCaptionText());
+}
+
+} // namespace lumora

@@ -1,0 +1,170 @@
+// What the parser makes of a SELECT statement. Texts are views of the statement that the result keeps.
+#pragma once
+
+#include "lumora/sqlparse/sql_words.h"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lumora {
+
+class TSQLBracket;
+
+struct TSQLResultField {
+    // Derives the field name: what stands behind the first ".", or all when a "(" stands before that.
+    void SetSQLExpr(std::string_view text);
+
+    std::string_view Alias;
+    std::string_view FieldName;
+    std::string_view SQLExpr;
+    int Sorting = 0;   // 0 none, 1 ascending, 2 descending
+    int SortOrder = 0; // position in ORDER BY, from 1
+    int Line = 0;
+};
+
+class TSQLResultFieldList {
+public:
+    int Count() const { return static_cast<int>(items_.size()); }
+    TSQLResultField& GetItem(int index) { return items_.at(static_cast<std::size_t>(index)); }
+    const TSQLResultField& GetItem(int index) const { return items_.at(static_cast<std::size_t>(index)); }
+    TSQLResultField& Add() { return items_.emplace_back(); }
+    void Clear();
+    // The first field with that alias or expression, letter case ignored; -1 when there is none.
+    int IndexByAlias(std::string_view alias) const;
+    int IndexByExpr(std::string_view expression) const;
+
+    bool SelectAll = false;
+
+private:
+    std::vector<TSQLResultField> items_;
+};
+
+struct TSQLTable {
+    // Takes the name as alias too while there is none.
+    void SetTableName(std::string_view name);
+
+    std::string_view TableName;
+    std::string_view Alias;
+    int Line = 0;
+};
+
+using TSQLTableList = std::vector<TSQLTable>;
+
+// A node of the WHERE tree. Nodes are owned by the result.
+class TSQLConditionNode {
+public:
+    bool IsBracket() const { return isBracket_; }
+    TSQLBracket* GetParent() const { return parent_; }
+    TSQLConditionNode* GetNext() const { return next_; } // in the parent; none for the last
+    int Line = 0;
+
+protected:
+    explicit TSQLConditionNode(bool isBracket) : isBracket_(isBracket) {}
+
+private:
+    friend class TSQLBracket;
+
+    TSQLBracket* parent_ = nullptr;
+    TSQLConditionNode* next_ = nullptr;
+    bool isBracket_;
+};
+
+class TSQLBracket : public TSQLConditionNode {
+public:
+    TSQLBracket() : TSQLConditionNode(true) {}
+
+    void AddNode(TSQLConditionNode* node);
+    TSQLConditionNode* GetFirst() const { return first_; }
+    int GetCount() const { return count_; }
+    // Puts the node of every bracket that holds just one in the bracket's place, all the way down.
+    void DeleteEmptyBrackets();
+
+    std::string_view Operator; // "or" or "and", which joins the nodes
+    bool Negated = false;      // a strict parser found "not" before the bracket
+
+private:
+    TSQLConditionNode* first_ = nullptr;
+    TSQLConditionNode* last_ = nullptr;
+    int count_ = 0;
+};
+
+class TSQLCondition : public TSQLConditionNode {
+public:
+    TSQLCondition() : TSQLConditionNode(false) {}
+
+    // "left operator value", in "not(...)" when negated.
+    std::string GetSQLExpr() const;
+
+    std::string_view Left;
+    std::string_view Operator; // empty: a strict parser found a predicate without a comparison
+    std::string_view Value;
+    bool Negated = false;
+    bool SubQuery = false; // the value is one
+};
+
+// A join of FROM, as a strict parser records it.
+struct TSQLJoin {
+    int Table = 0;                    // the joined table's index
+    TSQLWord Kind = swInner;          // swInner, swLeft, swRight or swFull
+    TSQLBracket* Condition = nullptr; // what stands behind ON
+    int Line = 0;
+};
+
+// Hands out objects at lasting addresses and takes all of them back at once, keeping the memory.
+template <typename T>
+class TNodePool {
+public:
+    T* New() {
+        if (used_ == chunks_.size() * ChunkSize)
+            chunks_.push_back(std::make_unique<T[]>(ChunkSize));
+        T* const item = &chunks_[used_ / ChunkSize][used_ % ChunkSize];
+        ++used_;
+        *item = T();
+        return item;
+    }
+    void Clear() { used_ = 0; }
+
+private:
+    static constexpr std::size_t ChunkSize = 32;
+
+    std::vector<std::unique_ptr<T[]>> chunks_;
+    std::size_t used_ = 0;
+};
+
+class TVParserResult {
+public:
+    TVParserResult() = default;
+    TVParserResult(const TVParserResult&) = delete;
+    TVParserResult& operator=(const TVParserResult&) = delete;
+
+    bool Distinct = false;
+    bool SelectAll = false;
+    TSQLResultFieldList ResultFields;
+    TSQLTableList Tables;
+    TSQLBracket* RootBracket = nullptr; // never none once parsed
+
+    // Recorded by a strict parser only.
+    std::vector<TSQLJoin> Joins;
+    struct TGroupItem {
+        std::string_view Text;
+        int Line;
+    };
+    std::vector<TGroupItem> GroupBy;
+
+private:
+    friend class TVSQLParser;
+
+    void Clear();
+    // Keeps a text that does not stand so in the statement.
+    std::string_view Keep(std::string text);
+
+    std::string source_;
+    std::vector<std::unique_ptr<std::string>> kept_;
+    TNodePool<TSQLBracket> brackets_;
+    TNodePool<TSQLCondition> conditions_;
+};
+
+} // namespace lumora

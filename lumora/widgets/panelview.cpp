@@ -1,0 +1,92 @@
+#include "lumora/widgets/panelview.h"
+
+#include "lumora/panel/Vquerpnl.h"
+#include "lumora/widgets/querypanelwidget.h"
+#include "lumora/widgets/subquerydialog.h"
+
+#include <QPointer>
+
+namespace lumora {
+
+void PanelView::setPanel(TVQueryPanel* panel) {
+    if (panel == panel_)
+        return;
+    if (panel_) {
+        // Another view may have taken the panel over.
+        if (&panel_->View() == this)
+            panel_->SetView(nullptr);
+        UnwatchRemovalOf(panel_);
+    }
+    panel_ = panel;
+    if (panel_) {
+        if (auto* const other = dynamic_cast<PanelView*>(&panel_->View()))
+            other->widget_.setPanel(nullptr);
+        panel_->SetView(this);
+        WatchRemovalOf(panel_);
+    }
+}
+
+void PanelView::Notification(TComponent* component, TOperation operation) {
+    TComponent::Notification(component, operation);
+    if (operation == opRemove && component == panel_)
+        widget_.setPanel(nullptr);
+}
+
+void PanelView::Repaint() {
+    widget_.panelChanged();
+}
+
+void PanelView::RepaintRow(TFilterRow& row) {
+    widget_.rowChanged(row);
+}
+
+void PanelView::PlaceAllRows() {
+    widget_.rowsChanged();
+}
+
+void PanelView::ShowHeader(bool) {
+    widget_.rowsChanged();
+}
+
+void PanelView::ShowRow(TFilterRow&) {
+    widget_.rowsChanged();
+}
+
+// What was added is the current row, wherever it stands.
+void PanelView::ScrollToEnd() {
+    widget_.scrollToCurrentSoon();
+}
+
+void PanelView::DropDownWord(TFilterRow& row, int word) {
+    widget_.openEditor(row, word);
+}
+
+void PanelView::ShowRowMenu(TFilterRow& row, int word, TPopupMenu& menu) {
+    widget_.showRowMenu(row, word, menu);
+}
+
+void PanelView::ShowValueMenu(TFilterRow& row, int word, TPopupMenu& menu) {
+    widget_.showValueMenu(row, word, menu);
+}
+
+bool PanelView::EditResultFields(TVQueryPanel& panel, int helpContext, int options) {
+    const auto& edit = widget_.dialogs().editResultFields;
+    return edit && edit(&widget_, panel, helpContext, options);
+}
+
+bool PanelView::EditTitles(TVQueryPanel& panel) {
+    const auto& edit = widget_.dialogs().editTitles;
+    return edit && edit(&widget_, panel);
+}
+
+bool PanelView::RunSubQueryDialog(TdlgSubQuery& dialog) {
+    // The window's owner may go while the window is open, and the window with it.
+    const QPointer<SubQueryDialog> window = new SubQueryDialog(dialog, &widget_);
+    window->queryPanel()->setDialogs(widget_.dialogs());
+    window->queryPanel()->setImages(widget_.images());
+    const bool isConfirmed = window->exec() == QDialog::Accepted && window;
+    delete window;
+    return isConfirmed;
+}
+
+} // namespace lumora

@@ -1,4 +1,0 @@
-// The data model unit.
-#pragma once
-
-#include "model/structure.h"
