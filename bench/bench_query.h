@@ -1,7 +1,7 @@
 // The queries that are measured: conditions nested four deep, made from a fixed seed.
 #pragma once
 
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 
 #include <string>
 #include <vector>

@@ -1,6 +1,6 @@
 // The panel on the screen with ten thousand rows: what one change costs until it can be seen.
 #include "bench_model.h"
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 #include "lumora/widgets/querypanelwidget.h"
 
 #include <benchmark/benchmark.h>

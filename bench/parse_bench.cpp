@@ -1,7 +1,7 @@
 // Reading SELECT statements: the parser beside a bare scan of the same tokens, and SQL to query.
 #include "bench_model.h"
 
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 #include "lumora/sqlparse/Vsqlpars.h"
 
 #include <benchmark/benchmark.h>

@@ -1,5 +1,5 @@
 // Query text on the sample model: any bytes give a query or an exception, and SQL or an exception from there.
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,5 @@
 // The titles merge: whatever the source, exactly the default keys come out.
-#include "lumora/panel/default_titles.h"
+#include "lumora/titles/default_titles.h"
 #include "lumora/titles/titles_merge.h"
 
 #include <cstddef>

@@ -1,6 +1,6 @@
 // SQL to query on the sample model, and on from there to SQL and text. What a strict panel makes must read
 // back the same.
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,5 @@
 // Metadata of real databases, and models that are filled from them.
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 #include "lumora/qtsql/captions.h"
 #include "lumora/qtsql/catalogues.h"
 #include "lumora/qtsql/databaseerror.h"

@@ -1,6 +1,6 @@
 // Datasets, the model that makes itself from one, and filters over rows.
+#include "lumora/lumora.h"
 #include "lumora/metadata/Vdsstruc.h"
-#include "lumora/panel/Vquerpnl.h"
 #include "lumora/platform/filter_expression.h"
 #include "lumora/platform/form_text.h"
 #include "tests/memory_dataset.h"

@@ -1,7 +1,7 @@
 // Small models and panels that several tests build on.
 #pragma once
 
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 #include "tests/message_of.h"
 
 #include <memory>

@@ -1,7 +1,7 @@
-#include "lumora/panel/Vquerdlg.h"
-#include "lumora/panel/value_lists.h"
-#include "lumora/panel/word_editors.h"
+#include "lumora/lumora.h"
 #include "lumora/query/value_text.h"
+#include "lumora/screen/value_lists.h"
+#include "lumora/screen/word_editors.h"
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>
@@ -46,7 +46,7 @@ std::string Captions(const TDropDownContent& content) {
 class PanelEditors : public testing::Test {
 protected:
     TWordEditor Editor(TFilterRow& row, TWordRole role, int value = 1) {
-        return TWordEditor(Shop.Panel, row, role, value);
+        return TWordEditor(Shop.Panel.GetScreen(), row, role, value);
     }
     std::string Offered(TFilterRow& row, TWordRole role, int value = 1) {
         return Captions(Editor(row, role, value).GetContent());
@@ -273,7 +273,7 @@ TEST_F(PanelEditors, EditSubQueries) {
     Shop.Model.GetOperator(index)->ValueKind = vkSubQuery;
     Shop.Field("orders.custno")->AddOperatorByName("InSub");
     TSimpleCond& condition = *Shop.Where("orders.custno", "InSub", "");
-    EXPECT_EQ(RowProblem(panel, condition).Text, "\"custno\" has no sub-query yet");
+    EXPECT_EQ(RowProblem(panel.GetScreen(), condition).Text, "\"custno\" has no sub-query yet");
     TDialogView view;
     panel.SetView(&view);
     panel.SetSQLOptions({soSelectDistinct});
@@ -309,7 +309,7 @@ TEST_F(PanelEditors, EditSubQueries) {
     EXPECT_EQ(condition.GetCaption(1), "Sub-query");
     EXPECT_FALSE(condition.GetSubQueryOptions().Contains(soSelectDistinct));
     EXPECT_TRUE(panel.GetSQLOptions().Contains(soSelectDistinct));
-    EXPECT_FALSE(RowProblem(panel, condition));
+    EXPECT_FALSE(RowProblem(panel.GetScreen(), condition));
     TStringList saved;
     panel.SaveToStrings(saved);
     const std::string value = condition.GetValue(1);

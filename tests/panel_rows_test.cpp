@@ -1,4 +1,4 @@
-#include "lumora/panel/panel_layout.h"
+#include "lumora/screen/layout.h"
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>
@@ -43,7 +43,7 @@ std::string Captions(const std::vector<TScreenWord>& words) {
 
 class PanelRows : public testing::Test {
 protected:
-    PanelRows() : Layout(Shop.Panel, Measurer) { Shop.Panel.SetView(&View); }
+    PanelRows() : Layout(Shop.Panel.GetScreen(), Measurer) { Shop.Panel.SetView(&View); }
     ~PanelRows() override { Shop.Panel.SetView(nullptr); }
 
     void Option(TQPAppearanceOption option, bool on = true) {
@@ -76,7 +76,7 @@ protected:
     TShop Shop;
     TFakeView View;
     TFakeMeasurer Measurer;
-    TPanelLayout Layout;
+    TScreenLayout Layout;
 };
 
 } // namespace
@@ -87,7 +87,7 @@ TEST_F(PanelRows, SayWhatIsThereAndAskForWhatIsNot) {
     panel.GetAppearance().SetValueColor({7});
     Option(aoShowCheckBoxes);
     const std::string text = panel.GetQueryText();
-    const std::vector<TScreenWord> words = ScreenWords(panel, *condition);
+    const std::vector<TScreenWord> words = ScreenWords(panel.GetScreen(), *condition);
     EXPECT_EQ(Captions(words), "||amount|is between|5|and|?<value>");
     EXPECT_EQ(words[4].Color, TColor{7});
     EXPECT_EQ(words[5].Action, waNone);
@@ -96,32 +96,34 @@ TEST_F(PanelRows, SayWhatIsThereAndAskForWhatIsNot) {
     EXPECT_EQ(words[6].Name, "Value: <value>");
     EXPECT_EQ(text, panel.GetQueryText());
     EXPECT_EQ(text.find("<value>"), std::string::npos);
-    EXPECT_EQ(Captions(ScreenWords(panel, Shop.Root())), "||Choose records where|all|of the following apply");
+    EXPECT_EQ(Captions(ScreenWords(panel.GetScreen(), Shop.Root())),
+              "||Choose records where|all|of the following apply");
 
     condition->SetValue(2, "many");
-    EXPECT_EQ(RowProblem(panel, *condition).State, rsWrong);
-    EXPECT_EQ(RowName(panel, *condition),
+    EXPECT_EQ(RowProblem(panel.GetScreen(), *condition).State, rsWrong);
+    EXPECT_EQ(RowName(panel.GetScreen(), *condition),
               "amount is between 5 and many. Invalid value \"many\" for \"amount\"");
     condition->SetValueIsParam(2, true);
-    EXPECT_FALSE(RowProblem(panel, *condition));
-    EXPECT_EQ(ScreenWords(panel, *condition)[6].Action, waValueMenu);
+    EXPECT_FALSE(RowProblem(panel.GetScreen(), *condition));
+    EXPECT_EQ(ScreenWords(panel.GetScreen(), *condition)[6].Action, waValueMenu);
 
     TSimpleCond* const list = Shop.Where("orders.custno", "InList", "1, x");
-    EXPECT_EQ(RowProblem(panel, *list).Text, "Invalid value \"x\" for \"custno\"");
+    EXPECT_EQ(RowProblem(panel.GetScreen(), *list).Text, "Invalid value \"x\" for \"custno\"");
     list->SetValue(1, std::string(300, 'x') + "\nlast");
-    EXPECT_EQ(ScreenWords(panel, *list)[4].Caption.size(), MaxScreenCaption + 3u);
-    EXPECT_EQ(WordHint(*list, ScreenWords(panel, *list)[4]), RowProblem(panel, *list).Text);
+    EXPECT_EQ(ScreenWords(panel.GetScreen(), *list)[4].Caption.size(), MaxScreenCaption + 3u);
+    EXPECT_EQ(WordHint(*list, ScreenWords(panel.GetScreen(), *list)[4]),
+              RowProblem(panel.GetScreen(), *list).Text);
     TFilterBracket* const bracket = panel.AddBracket(Shop.Root());
     TSimpleCond* const inner = Shop.Where("customers.company", "Equal", "", {}, bracket);
-    EXPECT_EQ(RowProblem(panel, *inner).State, rsUnfinished);
+    EXPECT_EQ(RowProblem(panel.GetScreen(), *inner).State, rsUnfinished);
     inner->SetValue(1, " "); // a blank is a text
-    EXPECT_FALSE(RowProblem(panel, *inner));
+    EXPECT_FALSE(RowProblem(panel.GetScreen(), *inner));
     inner->SetField(Shop.Model.GetUnrecognizedField());
-    EXPECT_EQ(PanelProblems(panel).size(), 2u);
+    EXPECT_EQ(PanelProblems(panel.GetScreen()).size(), 2u);
     bracket->SetEnabled(false);
-    EXPECT_FALSE(ScreenWords(panel, *inner)[2].Enabled);
-    ASSERT_EQ(PanelProblems(panel).size(), 1u);
-    EXPECT_EQ(PanelProblems(panel)[0].Row, list);
+    EXPECT_FALSE(ScreenWords(panel.GetScreen(), *inner)[2].Enabled);
+    ASSERT_EQ(PanelProblems(panel.GetScreen()).size(), 1u);
+    EXPECT_EQ(PanelProblems(panel.GetScreen())[0].Row, list);
 }
 
 TEST_F(PanelRows, StandWhereTheirWordsAre) {
@@ -166,7 +168,7 @@ TEST_F(PanelRows, StandWhereTheirWordsAre) {
     Shop.Panel.GetAppearance().SetStyle(psAndOr);
     EXPECT_EQ(Layout.RowOfLine(0), first);
     EXPECT_EQ(Layout.PlaceLine(0).Bounds.Left, 5);
-    EXPECT_EQ(Captions(ScreenWords(Shop.Panel, *last)), "|and|company|is equal to|c");
+    EXPECT_EQ(Captions(ScreenWords(Shop.Panel.GetScreen(), *last)), "|and|company|is equal to|c");
     Shop.Panel.SetCurrentRow(first);
     Shop.Panel.DecCurRow(); // the root has no line
     EXPECT_EQ(Shop.Panel.GetCurrentRow(), first);
@@ -195,7 +197,7 @@ TEST_F(PanelRows, AreDroppedWhereTheMarkIs) {
     Shop.Panel.SetCurrentRow(b);
     const auto drop = [&](TFilterRow& row, int line, int x) {
         const TDropTarget target = Layout.DropTargetAt(row, x, Layout.GetLineTop(line));
-        return target.Target.Bracket && MoveRow(Shop.Panel, row, target.Target);
+        return target.Target.Bracket && MoveRow(Shop.Panel.GetQuery(), row, target.Target);
     };
     EXPECT_TRUE(drop(*a, 3, 0)); // between the bracket and its first row
     EXPECT_EQ(Tree(), "((ab)c)");
@@ -209,13 +211,14 @@ TEST_F(PanelRows, AreDroppedWhereTheMarkIs) {
     EXPECT_EQ(Tree(), "(c(ab))");
     EXPECT_FALSE(drop(Shop.Root(), 2, 0));
     EXPECT_FALSE(drop(*c, 1, 0)); // where it is
-    EXPECT_FALSE(MoveRow(Shop.Panel, *bracket, {bracket, 0}));
+    EXPECT_FALSE(MoveRow(Shop.Panel.GetQuery(), *bracket, {bracket, 0}));
 
     Option(aoNonEmptyBrackets);
-    EXPECT_TRUE(MoveRow(Shop.Panel, *a, {&Shop.Root(), 0}));
+    EXPECT_TRUE(MoveRow(Shop.Panel.GetQuery(), *a, {&Shop.Root(), 0}));
     TFilterBracket* const outer = Shop.Panel.AddBracket(Shop.Root());
-    EXPECT_TRUE(MoveRow(Shop.Panel, *bracket, {outer, 0}));
-    EXPECT_TRUE(MoveRow(Shop.Panel, *b, {outer, 0})); // the emptied bracket goes, the one it stood in stays
+    EXPECT_TRUE(MoveRow(Shop.Panel.GetQuery(), *bracket, {outer, 0}));
+    EXPECT_TRUE(MoveRow(Shop.Panel.GetQuery(), *b,
+                        {outer, 0})); // the emptied bracket goes, the one it stood in stays
     EXPECT_EQ(Tree(), "(ac(b))");
 
     TFilterBracket* deep = outer;
@@ -224,7 +227,7 @@ TEST_F(PanelRows, AreDroppedWhereTheMarkIs) {
     TFilterBracket* const two = Shop.Panel.AddBracket(Shop.Root());
     Text("d", two);
     const std::string before = Tree();
-    EXPECT_THROW(MoveRow(Shop.Panel, *two, {deep, 0}), EVQueryPanelError);
+    EXPECT_THROW(MoveRow(Shop.Panel.GetQuery(), *two, {deep, 0}), EVQueryPanelError);
     EXPECT_EQ(Tree(), before);
     EXPECT_EQ(two->GetParent(), &Shop.Root());
 }
@@ -370,7 +373,7 @@ TEST_F(PanelRows, SurviveRandomOperations) {
             TFilterRow* const row = Layout.RowOfLine(pick(Layout.GetLineCount()));
             const int y = pick(Layout.GetContentSize().Height + 20);
             if (row)
-                MoveRow(panel, *row, Layout.DropTargetAt(*row, pick(200), y).Target);
+                MoveRow(panel.GetQuery(), *row, Layout.DropTargetAt(*row, pick(200), y).Target);
         } else if (operation < 18) {
             const TWordPlace at = Layout.WordAt(pick(300), pick(Layout.GetContentSize().Height));
             if (TFilterRow* const row = Layout.RowOfLine(at.Line))

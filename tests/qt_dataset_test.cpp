@@ -1,4 +1,5 @@
 // Datasets over item models, and filters of models that a panel makes.
+#include "lumora/lumora.h"
 #include "lumora/qtsql/databaseerror.h"
 #include "lumora/qtsql/datasetfilter.h"
 #include "lumora/qtsql/datasetfilterproxymodel.h"

@@ -1,6 +1,6 @@
-#include "lumora/panel/default_titles.h"
 #include "lumora/platform/formats.h"
 #include "lumora/platform/text_file.h"
+#include "lumora/titles/default_titles.h"
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>

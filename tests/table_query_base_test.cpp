@@ -1,6 +1,6 @@
 #include "lumora/qtsql/tablequerybase.h"
 
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 #include "lumora/qtsql/catalogues.h"
 #include "lumora/qtsql/databaseconnection.h"
 #include "lumora/qtsql/databaseerror.h"

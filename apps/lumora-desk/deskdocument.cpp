@@ -1,12 +1,12 @@
 #include "apps/lumora-desk/deskdocument.h"
 
 #include "apps/lumora-desk/querybases.h"
-#include "lumora/panel/row_problems.h"
 #include "lumora/platform/ascii.h"
 #include "lumora/qtsql/engine.h"
 #include "lumora/qtsql/placeholders.h"
 #include "lumora/qtsql/queryparameters.h"
 #include "lumora/querybase/stored_text.h"
+#include "lumora/screen/row_problems.h"
 
 #include <QRegularExpression>
 #include <QScopedValueRollback>
@@ -400,7 +400,7 @@ QString problemSentences(const std::vector<TRowProblem>& problems) {
 } // namespace
 
 BuiltStatement DeskDocument::build() {
-    if (const std::vector<TRowProblem> problems = PanelProblems(*panel_); !problems.empty())
+    if (const std::vector<TRowProblem> problems = PanelProblems(panel_->GetScreen()); !problems.empty())
         return {{}, problemSentences(problems)};
     try {
         panel_->BuildQuery();

@@ -3,7 +3,7 @@
 
 #include "apps/lumora-desk/databaseopener.h"
 #include "apps/lumora-desk/statement.h"
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 #include "lumora/qtsql/databaseconnection.h"
 #include "lumora/querybase/stored_base.h"
 

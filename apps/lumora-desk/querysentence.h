@@ -1,7 +1,7 @@
 // A query in words.
 #pragma once
 
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 
 #include <QString>
 

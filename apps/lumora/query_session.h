@@ -2,7 +2,7 @@
 #pragma once
 
 #include "apps/lumora/arguments.h"
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 
 #include <optional>
 #include <string>

@@ -1,7 +1,7 @@
 // The queries that the pictures show.
 #pragma once
 
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 
 #include <string_view>
 

@@ -66,6 +66,11 @@ TVCustomDBStructure::TVCustomDBStructure(TComponent* owner)
 TVCustomDBStructure::~TVCustomDBStructure() {
     updating_ = true;
     BeginDestruction();
+    while (!listeners_.empty()) {
+        TModelListener* const listener = listeners_.back();
+        listeners_.pop_back();
+        listener->ModelDestroyed();
+    }
     ClearItems();
 }
 

@@ -6,6 +6,7 @@
 #include "lumora/model/join_path.h"
 #include "lumora/model/links.h"
 #include "lumora/model/lookup.h"
+#include "lumora/model/model_listener.h"
 #include "lumora/model/operators.h"
 #include "lumora/model/sql_formats.h"
 #include "lumora/model/tables.h"
@@ -25,19 +26,6 @@ class TVCustomDBStructure;
 inline constexpr double CurrentModelVersion = 3.5;
 inline constexpr std::string_view UnrecognizedFieldName = "Unrecognized field";
 inline constexpr std::string_view UnrecognizedOperatorName = "Unrecognized operator";
-
-// Whoever keeps references to items of a model is told before they go away.
-class TModelListener {
-public:
-    virtual ~TModelListener() = default;
-    virtual void FieldRemoved(TDSField&) {}
-    virtual void OperatorRemoved(TDSOperator&) {}
-    virtual void TableRemoved(TDSTable&) {}
-    virtual void ConditionRemoved(TDSCondition&) {}
-    // All items go away together; new ones may stand in their place at ModelReplaced.
-    virtual void ModelReplacing() {}
-    virtual void ModelReplaced() {}
-};
 
 class TVCustomDBStructure : public TComponent {
 public:
@@ -172,8 +160,8 @@ public:
     void BeginUpdate() { updating_ = true; }
     void EndUpdate() { updating_ = false; }
     std::function<void(TVCustomDBStructure& sender)> OnChange;
-    void AddListener(TModelListener& listener) { listeners_.push_back(&listener); }
-    void RemoveListener(TModelListener& listener) { std::erase(listeners_, &listener); }
+    void AddListener(TModelListener& listener) const { listeners_.push_back(&listener); }
+    void RemoveListener(TModelListener& listener) const { std::erase(listeners_, &listener); }
 
     // --- Text.
     void SaveToStrings(TStringList& lines);
@@ -272,7 +260,7 @@ private:
     bool updating_ = false;
     bool storeStruct_ = true;
     int replacing_ = 0; // replacements that are going on, one within another
-    std::vector<TModelListener*> listeners_;
+    mutable std::vector<TModelListener*> listeners_;
 
     mutable TDSPath path_;
     mutable std::unique_ptr<TJoinGraph> graph_;

@@ -6,6 +6,7 @@
 #include "lumora/model/sql_syntax.h"
 #include "lumora/model/value_editors.h"
 #include "lumora/platform/field_types.h"
+#include "lumora/platform/rect.h"
 #include "lumora/platform/string_list.h"
 
 #include <memory>
@@ -22,13 +23,6 @@ class TVCustomDBStructure;
 
 using TDSTableList = std::vector<TDSTable*>;
 using TDSFieldList = std::vector<TDSField*>;
-
-struct TRect {
-    int Left = 0;
-    int Top = 0;
-    int Right = 0;
-    int Bottom = 0;
-};
 
 // Owned by its model.
 class TDSTable {

@@ -1,9 +1,16 @@
 #include "lumora/panel/Vquerdlg.h"
 
+#include "lumora/model/structure.h"
+#include "lumora/panel/panel_view.h"
+#include "lumora/platform/drop_down.h"
+#include "lumora/query/query_result.h"
+#include "lumora/screen/appearance.h"
+
 namespace lumora {
 
 TdlgSubQuery::TdlgSubQuery() {
-    // The parent's events and looks come with SetParentQPanel.
+    // Those of a dialog without a parent; a parent's looks and events come with SetParentQPanel.
+    QPanel.GetAppearance().SetOptions(AllAppearanceOptions - TQPAppearanceOptions{aoAllowParams});
     QPanel.SetSaveTitles(false);
 }
 
@@ -17,6 +24,7 @@ void TdlgSubQuery::SetParentQPanel(TVQueryPanel& panel) {
     QPanel.OnCustomValue = panel.OnCustomValue;
     QPanel.OnValueDblClick = panel.OnValueDblClick;
     QPanel.OnConditionChange = panel.OnConditionChange;
+    QPanel.OnBuildSQL = panel.OnBuildSQL;
     QPanel.SetDbStruct(panel.GetDbStruct());
     QPanel.SetTitles(panel.GetTitles());
     QPanel.GetAppearance().Assign(panel.GetAppearance());
@@ -77,11 +85,14 @@ TDropDownContent TdlgSubQuery::ResultFieldContent() const {
     content.Kind = ddList;
     for (int i = 0; i < model->GetFieldCount(); ++i) {
         const TDSField& field = *model->GetField(i);
+        const bool isCurrent = isPlain && fields.GetRField(0)->GetFields().front() == &field;
+        if (!field.UIR && !isCurrent) // not to be chosen as a column
+            continue;
         TDropDownItem& item = content.Items.emplace_back();
         item.Caption = field.GetDisplayName();
         item.Value = std::to_string(field.GetID());
-        if (isPlain && fields.GetRField(0)->GetFields().front() == &field)
-            content.CurrentItem = i;
+        if (isCurrent)
+            content.CurrentItem = static_cast<int>(content.Items.size()) - 1;
     }
     return content;
 }

@@ -2,11 +2,13 @@
 #pragma once
 
 #include "lumora/panel/Vquerpnl.h"
-#include "lumora/platform/drop_down.h"
 
 #include <string>
 
 namespace lumora {
+
+struct TDropDownContent;
+struct TDropDownItem;
 
 class TdlgSubQuery {
 public:

@@ -1,33 +1,55 @@
-// The query panel: the component that holds one query.
+// The query panel: the component that a host places. It owns one query (lumora/query/), shows it on a screen
+// (lumora/screen/) and tells the host of it by events:
+//
+//     TVQueryPanel panel;
+//     panel.SetDbStruct(&model);
+//     panel.OnChange = [](TVQueryPanel& changed) { ... };
+//     panel.Activate();
+//
+// A handler may do anything with the query, removing the row that it is told of included, but it must not
+// free the panel. A panel belongs to one thread.
 #pragma once
 
-#include "lumora/model/Vdbstruc.h"
-#include "lumora/panel/appearance.h"
-#include "lumora/panel/panel_keyboard.h"
-#include "lumora/panel/panel_links.h"
-#include "lumora/panel/panel_menus.h"
-#include "lumora/panel/panel_view.h"
-#include "lumora/panel/row_moves.h"
 #include "lumora/platform/component.h"
-#include "lumora/query/errors.h"
-#include "lumora/query/filter_rows.h"
-#include "lumora/query/query_host.h"
-#include "lumora/query/query_result.h"
-#include "lumora/sqlparse/Vsqlpars.h"
+#include "lumora/platform/keys.h"
+#include "lumora/query/sql_options.h"
 
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace lumora {
 
-enum TVBuilderState : std::uint8_t { stIdle, stBuilding, stLoading, stSaving };
+class TCustomCond;
+class TDSCondition;
+class TDSField;
+class TDSFieldGroup;
+class TDSOperator;
+class TDSTable;
+class TFilterBracket;
+class TFilterCond;
+class TFilterRow;
+class TQPAppearance;
+class TVQuery;
+class TQueryPanelView;
+class TQueryResult;
+class TQueryScreen;
+class TScreenKeyboard;
+class TScreenMenus;
+class TSimpleCond;
+class TSQLBracket;
+class TSQLCondition;
+class TVCustomDBStructure;
+class TVQueryBase;
+class TVQueryPanelLink;
+struct TMenuItem;
+struct TPopupMenu;
+enum TConditionChange : int;
+enum TFieldType : std::uint8_t;
+enum TVBuilderState : std::uint8_t;
 
-inline constexpr double CurrentQueryVersion = 3.5;
-
-class TVQueryPanel : public TComponent, private TQueryHost, private TModelListener {
+class TVQueryPanel : public TComponent {
 public:
     using TNotifyEvent = std::function<void(TVQueryPanel& sender)>;
     using TConditionEvent = std::function<void(TVQueryPanel& sender, TFilterCond& condition)>;
@@ -39,39 +61,43 @@ public:
     std::string_view ClassName() const override { return "TVQueryPanel"; }
     std::span<const TPropertyInfo> PublishedProperties() const override;
 
+    // What the panel is made of.
+    TVQuery& GetQuery() const;
+    TQueryScreen& GetScreen() const;
+
     // --- Data model and main table.
-    TVCustomDBStructure* GetDbStruct() const override { return dbStruct_; }
+    TVCustomDBStructure* GetDbStruct() const { return dbStruct_; }
     void SetDbStruct(TVCustomDBStructure* structure);
-    const std::string& GetMainTableName() const { return mainTableName_; }
+    const std::string& GetMainTableName() const;
     void SetMainTableName(const std::string& name);
-    TDSTable* GetMainTable() const { return mainTable_; }
-    std::string GetMainTableAlias() const { return mainTable_ ? mainTable_->GetAlias() : std::string(); }
+    TDSTable* GetMainTable() const;
+    std::string GetMainTableAlias() const;
     void RefreshMainTable();
     // EVQueryPanelError "DBStructure is not specified" without a model.
     void CheckIfDBStructAssigned() const;
 
     // --- The query.
-    TFilterBracket* GetRootBracket() const { return root_.get(); } // none without a model
+    TFilterBracket* GetRootBracket() const; // none without a model
     void RecreateRootBracket();
-    TQueryResult& GetQResult() override { return result_; }
-    const TQueryResult& GetQResult() const { return result_; }
-    const std::string& GetQueryName() const { return queryName_; }
+    TQueryResult& GetQResult();
+    const TQueryResult& GetQResult() const;
+    const std::string& GetQueryName() const;
     void SetQueryName(const std::string& name);
-    const TStringList& GetDescription() const { return description_; }
+    const TStringList& GetDescription() const;
     void SetDescription(const TStringList& lines);
-    const TStringList& GetUserData() const { return userData_; }
-    void SetUserData(const TStringList& lines) { userData_ = lines; }
-    TSQLOptions GetSQLOptions() const override { return sqlOptions_; }
+    const TStringList& GetUserData() const;
+    void SetUserData(const TStringList& lines);
+    TSQLOptions GetSQLOptions() const;
     void SetSQLOptions(TSQLOptions options);
-    TSQLSyntax GetSQLSyntax() const override { return sqlSyntax_; }
+    TSQLSyntax GetSQLSyntax() const;
     void SetSQLSyntax(TSQLSyntax syntax);
     // The statement keeps its shape and means what the rows say, or building it is refused.
-    bool GetStrict() const override { return strict_; }
+    bool GetStrict() const;
     void SetStrict(bool strict);
-    bool GetSaveSQLOptions() const { return saveSQLOptions_; }
-    void SetSaveSQLOptions(bool on) { saveSQLOptions_ = on; }
+    bool GetSaveSQLOptions() const;
+    void SetSaveSQLOptions(bool on);
 
-    // --- Rows.
+    // --- Rows. Those that add a row return none when a handler that was told of it has removed it.
     TSimpleCond* AddCondition(TFilterBracket& bracket);
     TSimpleCond* AddConditionNum(TFilterBracket& bracket, int number);
     TCustomCond* AddCustomCondition(TFilterBracket& bracket, TDSCondition& condition);
@@ -83,19 +109,19 @@ public:
     void ClearRows();
     // Result fields, parameters and rows.
     void ClearAll();
-    bool GetEmpty() const { return !root_ || root_->GetRowCount() == 0; }
+    bool GetEmpty() const;
 
-    TFilterRow* GetCurrentRow() const { return currentRow_; }
+    TFilterRow* GetCurrentRow() const;
     void SetCurrentRow(TFilterRow* row);
     TFilterBracket* GetCurrentBracket() const;
-    int GetCurrentRowNum() const { return currentRow_ ? currentRow_->GetRowNum() : -1; }
+    int GetCurrentRowNum() const;
     void SetCurrentRowNum(int number) { SetCurrentRow(GetRowByNum(number)); }
     TFilterRow* GetRowByNum(int number); // none when no row has the number
-    TFilterRow* GetLastRow() { return root_ ? root_->GetLastRow() : nullptr; }
+    TFilterRow* GetLastRow();
     // To the visible row after or before the current one; such moves come from the keyboard.
     void IncCurRow();
     void DecCurRow();
-    bool GetMovedByKeyboard() const { return movedByKeyboard_; }
+    bool GetMovedByKeyboard() const;
     // Move the current row: before or behind its neighbour, out of its bracket, into the bracket before it.
     // Nothing happens when it cannot go there.
     void MoveCurRowUp();
@@ -107,10 +133,10 @@ public:
     // Whether the row is one of the panel's; the pointer may be one to a row that is gone.
     bool HasRow(const TFilterRow* row);
     // Another number than the last time when rows have come, gone, moved, been hidden or shown.
-    unsigned GetRowsVersion() const { return rowsVersion_; }
+    unsigned GetRowsVersion() const;
 
     // --- Activity. An inactive panel shows no rows and builds no conditions.
-    bool GetActive() const { return active_; }
+    bool GetActive() const;
     void SetActive(bool active);
     void Activate() { SetActive(true); }
     void Deactivate() { SetActive(false); }
@@ -142,9 +168,9 @@ public:
 
     // --- Keyboard, mouse and menus. Without a model they do nothing.
     // True when the key was handled. Needs an active panel and aoAllowKeyboard.
-    bool KeyDown(int key, TShiftState shift) { return keyboard_.KeyDown(key, shift); }
+    bool KeyDown(int key, TShiftState shift);
     // The current row's current word, for drawing it and for stepping through its words.
-    TPanelKeyboard& GetKeyboard() { return keyboard_; }
+    TScreenKeyboard& GetKeyboard();
     // A click on a word, given by its index in ScreenWords of the row (-1: beside the words): the row becomes
     // current and the word does what it is there for. The screen shows the rest through the view.
     void ClickWord(TFilterRow& row, int word);
@@ -153,16 +179,14 @@ public:
     void DblClickWord(TFilterRow& row, int word);
     // The menu that a right click on a word or the menu key asks for (-1: beside the words).
     void ContextMenu(TFilterRow& row, int word);
-    void CreateMenus() { menus_.CreateMenus(); }
+    void CreateMenus();
     void UpdateMenus();
-    void VPopup(TPopupMenu& menu) { menus_.VPopup(menu); }
-    void MenuItemClick(const TMenuItem& item) { menus_.MenuItemClick(item); }
+    void VPopup(TPopupMenu& menu);
+    void MenuItemClick(const TMenuItem& item);
     // The model's condition of that index, at the end of the current bracket.
-    void AddCustomConditionClick(int condition) { menus_.AddCustomConditionClick(condition); }
-    void ValueMenuItemClick(const TMenuItem& item, TFilterCond& condition, int value) {
-        menus_.ValueMenuItemClick(item, condition, value);
-    }
-    TPanelMenus& GetMenus() { return menus_; }
+    void AddCustomConditionClick(int condition);
+    void ValueMenuItemClick(const TMenuItem& item, TFilterCond& condition, int value);
+    TScreenMenus& GetMenus();
     // Whether a value may be made a parameter: aoAllowParams is on, and it is no sub-query.
     bool AllowsParam(const TFilterCond& condition, int value) const;
 
@@ -185,51 +209,52 @@ public:
     void LoadValues(std::string_view value1, std::string_view value2, TFilterCond& condition) const;
     static int SQLOptionsToInt(TSQLOptions options);
     static TSQLOptions IntToSQLOptions(int bits);
-    double GetVersion() const { return version_; } // of the text read last
+    double GetVersion() const; // of the text read last
 
     // --- Titles.
-    const TStringList& GetTitles() const { return titles_; }
+    const TStringList& GetTitles() const;
     void SetTitles(const TStringList& titles);
-    std::string GetTitle(std::string_view key) const { return std::string(titles_.Value(key)); }
+    std::string GetTitle(std::string_view key) const;
     void SetTitle(std::string_view key, std::string_view value); // only a key that is there
     void LoadDefTitles();
-    const TStringList& GetDefTitles() const { return defTitles_; }
+    const TStringList& GetDefTitles() const;
     void LoadOldTitlesFromStrings(const TStringList& lines);
     void MergeDFMTitles(const TStringList& lines);
     bool GetSaveTitles() const { return saveTitles_; }
     void SetSaveTitles(bool on) { saveTitles_ = on; }
 
-    // --- Notices.
-    void QueryChanged() override;
-    void ParametersListChanged() override;
-    void BeginUpdate() override;
-    void EndUpdate() override;
-    TVBuilderState GetState() const { return state_; }
-    bool GetModified() const { return modified_; }
-    void SetModified(bool modified) { modified_ = modified; }
-    void AddLink(TVQueryPanelLink* link) { links_.Add(link); }
-    void DeleteLink(TVQueryPanelLink* link) { links_.Remove(link); }
+    // --- Notices. The query calls the first two for each change, unless it is loading or an update is under
+    // way; so may the host.
+    virtual void QueryChanged();
+    void ParametersListChanged();
+    void BeginUpdate();
+    void EndUpdate();
+    TVBuilderState GetState() const;
+    bool GetModified() const;
+    void SetModified(bool modified);
+    void AddLink(TVQueryPanelLink* link);
+    void DeleteLink(TVQueryPanelLink* link);
 
     // --- Query base.
-    TVQueryBase* GetQueryBase() const { return baseLink_.GetQueryBase(); }
+    TVQueryBase* GetQueryBase() const;
     void SetQueryBase(TVQueryBase* base);
     void LoadCurBaseQuery();
 
-    // --- Looks.
-    TQPAppearance& GetAppearance() { return appearance_; }
-    const TQPAppearance& GetAppearance() const { return appearance_; }
-    int GetRowSpace() const { return rowSpace_; } // pixels, as those below
-    void SetRowSpace(int space) { SetLayout(rowSpace_, space); }
-    int GetTabSpace() const { return tabSpace_; }
-    void SetTabSpace(int space) { SetLayout(tabSpace_, space); }
-    int GetElemSpace() const { return elemSpace_; }
-    void SetElemSpace(int space) { SetLayout(elemSpace_, space); }
-    int GetHeaderLeft() const { return headerLeft_; }
-    void SetHeaderLeft(int left) { SetLayout(headerLeft_, left); }
-    int GetHeaderTop() const { return headerTop_; }
-    void SetHeaderTop(int top) { SetLayout(headerTop_, top); }
-    int GetMaxPopupItemCount() const { return maxPopupItemCount_; }
-    void SetMaxPopupItemCount(int count) { maxPopupItemCount_ = count; }
+    // --- Looks; pixels.
+    TQPAppearance& GetAppearance();
+    const TQPAppearance& GetAppearance() const;
+    int GetRowSpace() const;
+    void SetRowSpace(int space);
+    int GetTabSpace() const;
+    void SetTabSpace(int space);
+    int GetElemSpace() const;
+    void SetElemSpace(int space);
+    int GetHeaderLeft() const;
+    void SetHeaderLeft(int left);
+    int GetHeaderTop() const;
+    void SetHeaderTop(int top);
+    int GetMaxPopupItemCount() const;
+    void SetMaxPopupItemCount(int count);
     const std::string& GetHelpFileName() const { return helpFileName_; }
     void SetHelpFileName(const std::string& name) { helpFileName_ = name; }
     int GetRFEHelpContext() const { return rfeHelpContext_; }
@@ -261,119 +286,20 @@ protected:
     void DefineProperties(TFiler& filer) override;
 
 private:
-    friend class TQueryTextReader;
-    friend class TSQLJoins;
-    friend class TSQLReader;
-    friend class TRowMover;
-
-    // TQueryHost.
-    bool RemovesEmptyBrackets() const override {
-        return !keepsEmptyBrackets_ && appearance_.GetOptions().Contains(aoNonEmptyBrackets);
-    }
-    bool IsLoadingQuery() const override { return state_ == stLoading; }
-    void RowsChanged() override;
-    void EnsureRowNumbers() override;
-    void RowChanged(TFilterRow& row) override;
-    void RowHidden(TFilterRow& row) override;
-    void RowDeleting(TFilterRow& row) override;
-    void RowDestroyed(TFilterRow& row) override;
-    void ValueChanged(TFilterCond& condition, int value) override;
-    void ConditionChanged(TFilterCond& condition, TConditionChange change) override;
-    bool WantsConditionText() const override { return static_cast<bool>(OnBuildSQL); }
-    void ConditionText(TFilterCond& condition, std::string& text) override {
-        OnBuildSQL(*this, condition, text);
-    }
-
-    // TModelListener.
-    void FieldRemoved(TDSField& field) override;
-    void OperatorRemoved(TDSOperator& op) override;
-    void TableRemoved(TDSTable& table) override;
-    void ConditionRemoved(TDSCondition& condition) override;
-    void ModelReplacing() override;
-    void ModelReplaced() override;
+    struct TParts;
 
     template <typename TRead>
     void ReadWhileInactive(TRead read);
-    void InitStructureRelatedProperties();
-    void InitializeNewRow(TFilterRow& row);
-    void SQLOptionsChanged();
-    void AppearanceChanged();
     void ReadOldOptions(const TFormValue& value);
-    void CheckHeaderTitle() const;
-    void MoveCurRow(TRowTarget target);
-    void StepCurRow(int by);
-    void PlaceRowsAnew();
-    void NumberRows(TFilterRow& row);
-    template <typename TVisit>
-    void ForEachCondition(TVisit visit);
-    void AppendQueryText(const TFilterRow& row, const std::string& indent);
-    void SetLayout(int& member, int value);
-
-    // What a condition or a result field refers to, kept by ID and name while the model is replaced.
-    struct TFieldTarget {
-        int ID;
-        std::string FullName;
-    };
-    static TFieldTarget TargetOf(const TDSField& field) { return {field.GetID(), field.GetFullName()}; }
-    TDSField* FindTarget(const TFieldTarget& target) const;
-    struct TConditionTarget {
-        TFilterCond* Condition;
-        TFieldTarget Field; // of a predefined condition the ID alone
-        std::string OperatorName;
-    };
-    std::vector<TConditionTarget> conditionTargets_;
-    std::vector<std::vector<TFieldTarget>> resultFieldTargets_;
 
     TVCustomDBStructure* dbStruct_ = nullptr;
-    std::string mainTableName_;
-    TDSTable* mainTable_ = nullptr;
-    TQueryResult result_;
-    std::unique_ptr<TFilterBracket> root_;
-    std::string queryName_;
-    TStringList description_;
-    TStringList userData_;
-    TStringList titles_;
-    TStringList defTitles_;
-    TStringList loadDefTitles_; // the defaults that a query text's titles are laid over
-    TStringList oldTitles_;     // a positional titles list from an old form, until it is loaded
+    std::unique_ptr<TParts> parts_;
+    TQueryPanelView* view_;
+    TStringList oldTitles_; // a positional titles list from an old form, until it is loaded
     bool saveTitles_ = true;
-    TStringList pendingRFields_; // result fields that wait for a model
-    TStringList queryText_;
-    TStringList sqlParams_;
-    TSQLOptions sqlOptions_ = DefaultSQLOptions;
-    TSQLSyntax sqlSyntax_ = ssSQL2;
-    bool saveSQLOptions_ = false;
-    bool strict_ = false;
-    double version_ = CurrentQueryVersion;
-    int subQueryLevel_ = 0; // how many panels around this one read the same statement
-
-    TVBuilderState state_ = stIdle;
-    bool active_ = false;
-    bool modified_ = false;
-    bool updating_ = false;
-    int updateCount_ = 0;
-    TFilterRow* currentRow_ = nullptr;
-    bool movedByKeyboard_ = false;
-    std::vector<TFilterRow*> rowOrder_; // all rows by number, while the numbers are right
-    bool rowNumbersStale_ = true;
-    unsigned rowsVersion_ = 1;
-    bool keepsEmptyBrackets_ = false; // while a row moves
-    TPanelKeyboard keyboard_{*this};
-    TPanelMenus menus_{*this};
-
-    int rowSpace_ = 3;
-    int tabSpace_ = 20;
-    int elemSpace_ = 5;
-    int headerLeft_ = 5;
-    int headerTop_ = 5;
-    int maxPopupItemCount_ = 0;
     std::string helpFileName_;
     int rfeHelpContext_ = 0;
     TComponent* images_ = nullptr;
-    TQPAppearance appearance_;
-    TVQPBaseLink baseLink_;
-    TVQueryPanelLinkList links_;
-    TQueryPanelView* view_;
 };
 
 } // namespace lumora

@@ -30,12 +30,19 @@ private:
 class TVQueryPanelLinkList {
 public:
     int Count() const { return static_cast<int>(links_.size()); }
-    TVQueryPanelLink* GetItem(int index) const { return links_.at(static_cast<std::size_t>(index)); }
+    TVQueryPanelLink* GetItem(int index) const; // EVQueryPanelError for a bad index
     void Add(TVQueryPanelLink* link) { links_.push_back(link); }
-    void Remove(TVQueryPanelLink* link) { std::erase(links_, link); }
+    void Remove(TVQueryPanelLink* link);
+    // Calls `tell` with each link that is there when its turn comes; links may come and go meanwhile.
+    template <typename TTell>
+    void ForEach(TTell tell) {
+        for (next_ = 0; next_ < links_.size();)
+            tell(*links_[next_++]);
+    }
 
 private:
     std::vector<TVQueryPanelLink*> links_;
+    std::size_t next_ = 0; // to be told
 };
 
 // Follows the base's current query and hands the panel's query over when it is to be stored.

@@ -1,8 +1,9 @@
 // What the panel publishes, and what it stores in a form besides.
-#include "lumora/panel/Vquerpnl.h"
-#include "lumora/panel/default_titles.h"
+#include "lumora/model/structure.h"
+#include "lumora/panel/panel_parts.h"
 #include "lumora/platform/errors.h"
 #include "lumora/platform/form_text.h"
+#include "lumora/titles/default_titles.h"
 
 namespace lumora {
 
@@ -56,15 +57,14 @@ void TVQueryPanel::DefineProperties(TFiler& filer) {
         "RFields",
         [this](const TFormValue& value) {
             // The model may not be known yet; Loaded takes them when it is.
-            result_.GetResultFields().Clear();
-            pendingRFields_ = value.ToStrings();
+            parts_->Query.SetPendingResultFields(value.ToStrings());
         },
         [this] {
             TStringList lines;
-            result_.GetResultFields().SaveToStrings(lines);
+            GetQResult().GetResultFields().SaveToStrings(lines);
             return TFormValue::FromStrings(lines);
         },
-        result_.GetResultFields().Count() > 0);
+        GetQResult().GetResultFields().Count() > 0);
     filer.DefineProperty(
         "Options", [this](const TFormValue& value) { ReadOldOptions(value); }, {}, false);
 }
@@ -130,12 +130,12 @@ void TVQueryPanel::ReadOldOptions(const TFormValue& value) {
         {poQuoteAliases, soQuoteAliases},
         {poBracketJoins, soBracketJoins},
         {poBracketConditions, soBracketConditions}};
-    TQPAppearanceOptions appearance = appearance_.GetOptions();
+    TQPAppearanceOptions appearance = GetAppearance().GetOptions();
     for (const auto& [oldOption, option] : appearanceOptions)
         if (old.Contains(oldOption))
             appearance.Include(option);
-    appearance_.SetOptions(appearance);
-    TSQLOptions sql = sqlOptions_;
+    GetAppearance().SetOptions(appearance);
+    TSQLOptions sql = GetSQLOptions();
     for (const auto& [oldOption, option] : sqlOptions)
         if (old.Contains(oldOption))
             sql.Include(option);

@@ -1,5 +1,7 @@
 #include "lumora/qtsql/datasetfilter.h"
 
+#include "lumora/lumora.h"
+
 #include "lumora/platform/filter_expression.h"
 #include "lumora/qtsql/databaseerror.h"
 

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "lumora/metadata/Vdsstruc.h"
-#include "lumora/panel/Vquerpnl.h"
 #include "lumora/platform/filter_value.h"
 
 #include <QString>
@@ -10,6 +9,8 @@
 class QSqlTableModel;
 
 namespace lumora {
+
+class TVQueryPanel;
 
 // Builds the panel's query and gives its conditions as the text of a filter, empty when there are none.
 // Whatever TVQueryPanel::BuildQuery raises.

@@ -36,6 +36,8 @@ TMessageId MessageOf(TQueryPanelErrorCode code) {
         return msgCantSortDistinct;
     case qpeNoTable:
         return msgNoTable;
+    case qpeInvalidIndex:
+        return msgInvalidIndex;
     }
     return msgQueryWasNotBuilt;
 }

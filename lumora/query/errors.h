@@ -23,7 +23,8 @@ enum TQueryPanelErrorCode : int {
     qpeCantBeKept = 12,
     qpeOtherJoin = 13,
     qpeNoTable = 14,
-    qpeCantSortDistinct = 15
+    qpeCantSortDistinct = 15,
+    qpeInvalidIndex = 16
 };
 
 class EVQueryPanelError : public EVLumoraError {

@@ -1,6 +1,9 @@
 #include "lumora/query/filter_rows.h"
 
+#include "lumora/model/structure.h"
 #include "lumora/query/errors.h"
+#include "lumora/query/query.h"
+#include "lumora/query/query_listener.h"
 #include "lumora/query/query_result.h"
 #include "lumora/support/string_helpers.h"
 
@@ -18,7 +21,7 @@ void TFilterRow::BeginDestruction() {
     if (destroying_)
         return;
     destroying_ = true;
-    host_.RowDestroyed(*this);
+    query_.RowDestroyed(*this);
 }
 
 std::string TFilterRow::GetRowID() const {
@@ -27,8 +30,18 @@ std::string TFilterRow::GetRowID() const {
     return parent_->GetRowID() + std::to_string(index_ + 1) + ".";
 }
 
+int TFilterRow::GetDepth() const {
+    if (type_ != frtBracket)
+        return 0;
+    const auto& bracket = static_cast<const TFilterBracket&>(*this);
+    int deepest = 0;
+    for (int i = 0; i < bracket.GetRowCount(); ++i)
+        deepest = std::max(deepest, bracket.GetRow(i)->GetDepth() + 1);
+    return deepest;
+}
+
 int TFilterRow::GetRowNum() const {
-    host_.EnsureRowNumbers();
+    query_.EnsureRowNumbers();
     return rowNum_;
 }
 
@@ -36,17 +49,17 @@ void TFilterRow::SetEnabled(bool enabled) {
     if (enabled == enabled_)
         return;
     enabled_ = enabled;
-    host_.RowChanged(*this);
+    query_.RowChanged(*this);
     if (parent_)
-        parent_->CheckIfAllDisabled();
-    host_.QueryChanged();
+        parent_->AdjustEnabled();
+    query_.QueryChanged();
 }
 
 void TFilterRow::SetHidden(bool hidden) {
     if (hidden == hidden_)
         return;
     hidden_ = hidden;
-    host_.RowHidden(*this);
+    query_.RowsChanged();
 }
 
 // --- Brackets.
@@ -57,43 +70,48 @@ TFilterBracket::~TFilterBracket() {
         rows_.pop_back();
 }
 
+void TFilterBracket::RaiseInvalidIndex(int index) {
+    throw EVQueryPanelError(qpeInvalidIndex, {std::to_string(index)});
+}
+
 void TFilterBracket::SetLinkType(TFilterLinkType type) {
     if (type == linkType_)
         return;
     linkType_ = type;
-    GetHost().RowChanged(*this);
-    GetHost().QueryChanged();
+    GetQuery().RowChanged(*this);
+    GetQuery().QueryChanged();
 }
-
-namespace {
-
-int Depth(const TFilterRow& row) {
-    if (row.GetRowType() != frtBracket)
-        return 0;
-    const auto& bracket = static_cast<const TFilterBracket&>(row);
-    int deepest = 0;
-    for (int i = 0; i < bracket.GetRowCount(); ++i)
-        deepest = std::max(deepest, Depth(*bracket.GetRow(i)) + 1);
-    return deepest;
-}
-
-} // namespace
 
 TFilterRow* TFilterBracket::InsertRow(int index, std::unique_ptr<TFilterRow> row) {
-    const int level = GetRowLevel() + 1;
-    if (level + Depth(*row) > MaxRowLevel)
+    if (GetRowLevel() + 1 + row->GetDepth() > MaxRowLevel)
         throw EVQueryPanelError(qpeTooDeep, {std::to_string(MaxRowLevel)});
+    TVQuery& query = GetQuery();
+    const TRowRef<TFilterRow> inserted(row.get());
+    PutIn(index, std::move(row));
+    if (!GetEnabled())
+        AdjustEnabled();
+    query.RowsChanged();
+    query.QueryChanged();
+    return inserted.Get();
+}
+
+void TFilterBracket::PutIn(int index, std::unique_ptr<TFilterRow> row) {
     if (index < 0 || index > GetRowCount())
         index = GetRowCount();
-    TFilterRow* const inserted = row.get();
-    inserted->parent_ = this;
-    SetLevels(*inserted, level);
+    row->parent_ = this;
+    SetLevels(*row, GetRowLevel() + 1);
     rows_.insert(rows_.begin() + index, std::move(row));
     RenumberFrom(index);
-    if (!GetEnabled())
-        CheckIfAllDisabled();
-    GetHost().RowsChanged();
-    return inserted;
+}
+
+void TFilterBracket::TakeOut(int index, std::vector<std::unique_ptr<TFilterRow>>& taken) {
+    taken.push_back(std::move(rows_[static_cast<std::size_t>(index)]));
+    rows_.erase(rows_.begin() + index);
+    RenumberFrom(index);
+    taken.back()->parent_ = nullptr;
+    taken.back()->index_ = 0;
+    if (rows_.empty() && GetParent() && !GetQuery().KeepsEmptyBrackets())
+        GetParent()->TakeOut(GetIndex(), taken);
 }
 
 void TFilterBracket::SetLevels(TFilterRow& row, int level) const {
@@ -110,25 +128,25 @@ void TFilterBracket::RenumberFrom(int index) {
 }
 
 TFilterBracket* TFilterBracket::InsertNewBracket(int index) {
-    return static_cast<TFilterBracket*>(InsertRow(index, std::make_unique<TFilterBracket>(GetHost())));
+    return static_cast<TFilterBracket*>(InsertRow(index, std::make_unique<TFilterBracket>(GetQuery())));
 }
 
 TSimpleCond* TFilterBracket::InsertSimpleCondByNum(int number) {
     const int index = IndexForNewRow(number);
-    return static_cast<TSimpleCond*>(InsertRow(index, std::make_unique<TSimpleCond>(GetHost())));
+    return static_cast<TSimpleCond*>(InsertRow(index, std::make_unique<TSimpleCond>(GetQuery())));
 }
 
 TCustomCond* TFilterBracket::InsertCustomCondByNum(int number, TDSCondition* condition) {
     const int index = IndexForNewRow(number);
-    return static_cast<TCustomCond*>(InsertRow(index, std::make_unique<TCustomCond>(GetHost(), *condition)));
+    return static_cast<TCustomCond*>(InsertRow(index, std::make_unique<TCustomCond>(GetQuery(), *condition)));
 }
 
 TSimpleCond* TFilterBracket::AddCond() {
-    return static_cast<TSimpleCond*>(AddRow(std::make_unique<TSimpleCond>(GetHost())));
+    return static_cast<TSimpleCond*>(AddRow(std::make_unique<TSimpleCond>(GetQuery())));
 }
 
 TCustomCond* TFilterBracket::AddCustomCond(TDSCondition* condition) {
-    return static_cast<TCustomCond*>(AddRow(std::make_unique<TCustomCond>(GetHost(), *condition)));
+    return static_cast<TCustomCond*>(AddRow(std::make_unique<TCustomCond>(GetQuery(), *condition)));
 }
 
 int TFilterBracket::IndexByRowNum(int number) const {
@@ -145,28 +163,29 @@ int TFilterBracket::IndexForNewRow(int number) const {
 }
 
 void TFilterBracket::DeleteRow(int index) {
-    TQueryHost& host = GetHost();
-    host.RowDeleting(*GetRow(index));
-    ExtractRow(index).reset();
-    host.RowsChanged();
+    TVQuery& query = GetQuery();
+    query.RowDeleting(*GetRow(index));
+    std::vector<std::unique_ptr<TFilterRow>> gone;
+    TakeOut(index, gone);
+    query.FreeRows(std::move(gone));
+    query.QueryChanged();
 }
 
 std::unique_ptr<TFilterRow> TFilterBracket::ExtractRow(int index) {
-    std::unique_ptr<TFilterRow> row = std::move(rows_.at(static_cast<std::size_t>(index)));
-    rows_.erase(rows_.begin() + index);
-    RenumberFrom(index);
-    row->parent_ = nullptr;
-    row->index_ = 0;
-    GetHost().RowsChanged();
-    if (rows_.empty() && GetParent() && GetHost().RemovesEmptyBrackets())
-        GetParent()->ExtractRow(GetIndex());
+    CheckIndex(index);
+    TVQuery& query = GetQuery();
+    std::vector<std::unique_ptr<TFilterRow>> gone;
+    TakeOut(index, gone);
+    std::unique_ptr<TFilterRow> row = std::move(gone.front());
+    query.FreeRows(std::move(gone));
+    query.QueryChanged();
     return row;
 }
 
 void TFilterBracket::ClearRows() {
-    while (!rows_.empty())
-        rows_.pop_back();
-    GetHost().RowsChanged();
+    TVQuery& query = GetQuery();
+    query.FreeRows(std::move(rows_));
+    query.QueryChanged();
 }
 
 TFilterRow* TFilterBracket::RowByID(std::string_view id) {
@@ -212,20 +231,50 @@ void TFilterBracket::EndUpdate() {
 }
 
 void TFilterBracket::CheckIfAllDisabled() {
-    if (updating_ > 0 || GetHost().IsLoadingQuery())
-        return;
-    const bool allDisabled =
-        std::none_of(rows_.begin(), rows_.end(), [](const auto& row) { return row->GetEnabled(); });
-    if (GetEnabled() == allDisabled)
-        SetEnabled(!allDisabled);
+    const bool wasEnabled = GetEnabled();
+    AdjustEnabled();
+    if (GetEnabled() != wasEnabled)
+        GetQuery().QueryChanged();
+}
+
+// Outwards as long as a bracket changes.
+void TFilterBracket::AdjustEnabled() {
+    for (TFilterBracket* bracket = this; bracket; bracket = bracket->GetParent()) {
+        if (bracket->updating_ > 0 || GetQuery().GetState() == stLoading)
+            return;
+        const bool anyEnabled = std::any_of(bracket->rows_.begin(), bracket->rows_.end(),
+                                            [](const auto& row) { return row->GetEnabled(); });
+        if (bracket->enabled_ == anyEnabled)
+            return;
+        bracket->enabled_ = anyEnabled;
+        GetQuery().RowChanged(*bracket);
+    }
 }
 
 // --- Conditions.
 
+TFilterCond::TFilterCond(TFilterRowType type, TVQuery& query) : TFilterRow(type, query) {}
+
 TFilterCond::~TFilterCond() {
     BeginDestruction();
     if (slots_[0].Param || slots_[1].Param)
-        GetHost().GetQResult().DeleteParameters(this);
+        GetQuery().GetQResult().DeleteParameters(this);
+}
+
+const TSQLTemplate* TFilterCond::GetTemplate() const {
+    return nullptr;
+}
+
+int TFilterCond::GetValueCount() const {
+    return 0;
+}
+
+std::string TFilterCond::GetSQLExpr() const {
+    return GetTemplate() ? GetTemplate()->GetText() : std::string();
+}
+
+std::string TFilterCond::GetCaptionText() const {
+    return {};
 }
 
 const TDSTableList& TFilterCond::GetTables() const {
@@ -250,26 +299,27 @@ void TFilterCond::SetValue(int value, const std::string& text) {
         return;
     slot.Text = text;
     slot.Caption.clear();
-    GetHost().ValueChanged(*this, value);
-    GetHost().ConditionChanged(*this, value == 1 ? ccValue1 : ccValue2);
+    GetQuery().ValueChanged(*this, value);
 }
 
 void TFilterCond::SetCaption(int value, const std::string& caption) {
     Slot(value).Caption = caption;
-    GetHost().RowChanged(*this);
+    GetQuery().RowChanged(*this);
 }
 
 void TFilterCond::SetValueIsParam(int value, bool isParam) {
     TSlot& slot = Slot(value);
     if (isParam == (slot.Param != nullptr))
         return;
-    TQueryResult& result = GetHost().GetQResult();
+    TVQuery& query = GetQuery();
+    query.HoldParamNotices();
     if (isParam)
-        slot.Param = result.AddParameter(*this, value);
+        slot.Param = query.GetQResult().AddParameter(*this, value);
     else
-        result.DeleteParameter(slot.Param);
-    GetHost().RowChanged(*this);
-    GetHost().QueryChanged();
+        query.GetQResult().DeleteParameter(slot.Param);
+    query.RowChanged(*this);
+    query.ReleaseParamNotices();
+    query.QueryChanged();
 }
 
 void TFilterCond::ParamDeleted(const TSQLParam* param) {
@@ -296,14 +346,30 @@ void TSimpleCond::SetField(TDSField* field) {
     const auto& offered = field ? field->GetOperators() : std::vector<TDSOperator*>();
     if (std::find(offered.begin(), offered.end(), operator_) == offered.end())
         operator_ = offered.empty() ? nullptr : offered.front();
-    GetHost().ConditionChanged(*this, ccField);
+    GetQuery().ConditionChanged(*this, ccField);
 }
 
 void TSimpleCond::SetOperator(TDSOperator* op) {
     if (op == operator_)
         return;
     operator_ = op;
-    GetHost().ConditionChanged(*this, ccOperator);
+    GetQuery().ConditionChanged(*this, ccOperator);
+}
+
+const TSQLTemplate* TSimpleCond::GetTemplate() const {
+    return operator_ ? &operator_->GetTemplate() : nullptr;
+}
+
+int TSimpleCond::GetValueCount() const {
+    return operator_ ? operator_->GetParamCount() : 0;
+}
+
+TValueKind TSimpleCond::GetValueKind(int) const {
+    return operator_ ? operator_->ValueKind : vkScalar;
+}
+
+std::string TSimpleCond::GetValueName(int) const {
+    return field_ ? field_->GetDisplayName() : std::string();
 }
 
 const TDSTableList& TSimpleCond::GetTables() const {
@@ -330,6 +396,22 @@ const TStringList* TSimpleCond::GetCustomData() const {
 }
 
 // --- Predefined conditions.
+
+const TSQLTemplate* TCustomCond::GetTemplate() const {
+    return condition_ ? &condition_->GetTemplate() : nullptr;
+}
+
+const TDSTableList& TCustomCond::GetTables() const {
+    return condition_ ? condition_->GetTables() : TFilterCond::GetTables();
+}
+
+int TCustomCond::GetValueCount() const {
+    return condition_ ? static_cast<int>(condition_->Values.size()) : 0;
+}
+
+std::string TCustomCond::GetCaptionText() const {
+    return condition_ ? condition_->GetCaption() : std::string();
+}
 
 const TDSValue* TCustomCond::ValueSlot(int value) const {
     return value >= 1 && value <= GetValueCount() ? &condition_->Values[static_cast<std::size_t>(value - 1)]

@@ -1,10 +1,8 @@
 // The condition tree: brackets, whose rows one boolean link joins, and conditions.
 #pragma once
 
-#include "lumora/model/structure.h"
-#include "lumora/query/query_host.h"
+#include "lumora/query/row_types.h"
 #include "lumora/query/sql_options.h"
-#include "lumora/query/sql_params.h"
 
 #include <memory>
 #include <string>
@@ -13,23 +11,18 @@
 
 namespace lumora {
 
-enum TFilterRowType : std::uint8_t { frtSimpleCondition, frtBracket, frtCustomCondition };
-template <>
-struct TEnumNames<TFilterRowType> {
-    static constexpr std::string_view Names[] = {"frtSimpleCondition", "frtBracket", "frtCustomCondition"};
-};
-
-enum TFilterLinkType : std::uint8_t {
-    fltAll,   // all rows hold
-    fltAny,   // any row holds
-    fltNone,  // no row holds
-    fltNotAll // not all rows hold
-};
-template <>
-struct TEnumNames<TFilterLinkType> {
-    static constexpr std::string_view Names[] = {"fltAll", "fltAny", "fltNone", "fltNotAll"};
-};
-using TFilterLinkTypes = TEnumSet<TFilterLinkType>;
+class TDSCondition;
+class TDSField;
+class TDSOperator;
+class TDSTable;
+class TVQuery;
+class TSQLParam;
+class TSQLTemplate;
+class TStringList;
+class TDSValue;
+enum TFieldType : std::uint8_t;
+enum TValueKind : std::uint8_t;
+using TDSTableList = std::vector<TDSTable*>;
 
 // Brackets do not nest deeper than this; so no walk over the tree can use up the stack.
 inline constexpr int MaxRowLevel = 2000;
@@ -43,13 +36,15 @@ public:
     virtual ~TFilterRow();
 
     TFilterRowType GetRowType() const { return type_; }
-    TQueryHost& GetHost() const { return host_; }
+    TVQuery& GetQuery() const { return query_; }
     TFilterBracket* GetParent() const { return parent_; } // none for the root
     int GetIndex() const { return index_; }               // in the parent; 0 for the root
 
     // The path in the tree: the parent's, the position from 1 and "."; empty for the root.
     std::string GetRowID() const;
     int GetRowLevel() const { return level_; }
+    // How many levels of rows stand below this one.
+    int GetDepth() const;
     // The line in the panel: rows are numbered in display order over the whole tree, the root is 0.
     int GetRowNum() const;
     void SetRowNum(int number) { rowNum_ = number; }
@@ -62,14 +57,14 @@ public:
     bool IsDestroying() const { return destroying_; }
 
 protected:
-    TFilterRow(TFilterRowType type, TQueryHost& host) : host_(host), type_(type) {}
+    TFilterRow(TFilterRowType type, TVQuery& query) : query_(query), type_(type) {}
     // To be called first by the destructors of descendants.
     void BeginDestruction();
 
 private:
     friend class TFilterBracket;
 
-    TQueryHost& host_;
+    TVQuery& query_;
     TFilterBracket* parent_ = nullptr;
     int index_ = 0;
     int level_ = 0;
@@ -86,18 +81,22 @@ class TCustomCond;
 
 class TFilterBracket : public TFilterRow {
 public:
-    explicit TFilterBracket(TQueryHost& host) : TFilterRow(frtBracket, host) {}
+    explicit TFilterBracket(TVQuery& query) : TFilterRow(frtBracket, query) {}
     ~TFilterBracket() override;
 
     TFilterLinkType GetLinkType() const { return linkType_; }
     void SetLinkType(TFilterLinkType type);
 
     int GetRowCount() const { return static_cast<int>(rows_.size()); }
-    TFilterRow* GetRow(int index) const { return rows_.at(static_cast<std::size_t>(index)).get(); }
+    TFilterRow* GetRow(int index) const { // EVQueryPanelError for a bad index
+        CheckIndex(index);
+        return rows_[static_cast<std::size_t>(index)].get();
+    }
     int IndexOf(const TFilterRow* row) const { return row && row->parent_ == this ? row->index_ : -1; }
 
     // Inserts a row before position i (at the end when i is no position). EVQueryPanelError when brackets
-    // would nest too deep; the row is then freed and the tree as it was.
+    // would nest too deep; the row is then freed and the tree as it was. These return none when whoever was
+    // told of the row has removed it.
     TFilterRow* InsertRow(int index, std::unique_ptr<TFilterRow> row);
     TFilterRow* AddRow(std::unique_ptr<TFilterRow> row) { return InsertRow(GetRowCount(), std::move(row)); }
     TFilterBracket* InsertNewBracket(int index);
@@ -111,9 +110,10 @@ public:
     // Position of the row of that number; -1 when it is not one of the bracket's own rows.
     int IndexByRowNum(int number) const;
     int IndexForNewRow(int number) const;
+    // A bracket that is left empty may go with its last row, so nothing of this bracket may be touched
+    // afterwards. EVQueryPanelError for a bad index.
     void DeleteRow(int index);
-    // Takes a row out without freeing it. A bracket that is left empty may go with it, so nothing of this
-    // bracket may be touched afterwards.
+    // Takes a row out without freeing it.
     std::unique_ptr<TFilterRow> ExtractRow(int index);
     void ClearRows();
 
@@ -130,6 +130,19 @@ public:
     void CheckIfAllDisabled();
 
 private:
+    friend class TFilterRow;
+    friend class TVQuery;
+    friend class TRowMover;
+
+    void CheckIndex(int index) const {
+        if (index < 0 || index >= GetRowCount())
+            RaiseInvalidIndex(index);
+    }
+    [[noreturn]] static void RaiseInvalidIndex(int index);
+    // Puts a row in, or takes one out with the brackets that are left empty, without telling anyone.
+    void PutIn(int index, std::unique_ptr<TFilterRow> row);
+    void TakeOut(int index, std::vector<std::unique_ptr<TFilterRow>>& taken);
+    void AdjustEnabled();
     void RenumberFrom(int index);
     void SetLevels(TFilterRow& row, int level) const;
 
@@ -144,15 +157,15 @@ public:
     ~TFilterCond() override;
 
     // What the condition hands to the generator.
-    virtual const TSQLTemplate* GetTemplate() const { return nullptr; }
+    virtual const TSQLTemplate* GetTemplate() const;
     virtual const TDSTableList& GetTables() const;
-    virtual int GetValueCount() const { return 0; }
+    virtual int GetValueCount() const;
     virtual TValueKind GetValueKind(int value) const;
     virtual TFieldType GetValueType(int value) const;
     virtual std::string GetValueName(int value) const;
-    std::string GetSQLExpr() const { return GetTemplate() ? GetTemplate()->GetText() : std::string(); }
+    std::string GetSQLExpr() const;
     // What an error message calls the condition.
-    virtual std::string GetCaptionText() const { return {}; }
+    virtual std::string GetCaptionText() const;
     // Keeps the name=value lines that value lists from SQL take their parameters from.
     virtual void UpdateSQLParams(TStringList& params) const;
 
@@ -177,7 +190,7 @@ public:
     void SetSubQueryOptions(TSQLOptions options) { subQueryOptions_ = options; }
 
 protected:
-    TFilterCond(TFilterRowType type, TQueryHost& host) : TFilterRow(type, host) {}
+    TFilterCond(TFilterRowType type, TVQuery& query);
 
 private:
     struct TSlot {
@@ -198,7 +211,7 @@ private:
 // A field, an operator and the values.
 class TSimpleCond : public TFilterCond {
 public:
-    explicit TSimpleCond(TQueryHost& host) : TFilterCond(frtSimpleCondition, host) {}
+    explicit TSimpleCond(TVQuery& query) : TFilterCond(frtSimpleCondition, query) {}
 
     TDSField* GetField() const { return field_; }
     // Takes the field's first operator when the field does not offer the present one.
@@ -206,14 +219,12 @@ public:
     TDSOperator* GetOperator() const { return operator_; }
     void SetOperator(TDSOperator* op);
 
-    const TSQLTemplate* GetTemplate() const override {
-        return operator_ ? &operator_->GetTemplate() : nullptr;
-    }
+    const TSQLTemplate* GetTemplate() const override;
     const TDSTableList& GetTables() const override;
-    int GetValueCount() const override { return operator_ ? operator_->GetParamCount() : 0; }
-    TValueKind GetValueKind(int) const override { return operator_ ? operator_->ValueKind : vkScalar; }
+    int GetValueCount() const override;
+    TValueKind GetValueKind(int value) const override;
     TFieldType GetValueType(int) const override { return GetExprType(); }
-    std::string GetValueName(int) const override { return field_ ? field_->GetDisplayName() : std::string(); }
+    std::string GetValueName(int value) const override;
     std::string GetCaptionText() const override { return GetValueName(1); }
     void UpdateSQLParams(TStringList& params) const override;
     // The operator's own type of value, or the field's.
@@ -222,6 +233,8 @@ public:
     const TStringList* GetCustomData() const;
 
 private:
+    friend class TVQuery;
+
     TDSField* field_ = nullptr;
     TDSOperator* operator_ = nullptr;
 };
@@ -229,28 +242,20 @@ private:
 // A predefined condition of the data model.
 class TCustomCond : public TFilterCond {
 public:
-    TCustomCond(TQueryHost& host, TDSCondition& condition)
-        : TFilterCond(frtCustomCondition, host), condition_(&condition) {}
+    TCustomCond(TVQuery& query, TDSCondition& condition)
+        : TFilterCond(frtCustomCondition, query), condition_(&condition) {}
 
     // None only while the model is being replaced.
     TDSCondition* GetCondition() const { return condition_; }
     void SetCondition(TDSCondition* condition) { condition_ = condition; }
 
-    const TSQLTemplate* GetTemplate() const override {
-        return condition_ ? &condition_->GetTemplate() : nullptr;
-    }
-    const TDSTableList& GetTables() const override {
-        return condition_ ? condition_->GetTables() : TFilterCond::GetTables();
-    }
-    int GetValueCount() const override {
-        return condition_ ? static_cast<int>(condition_->Values.size()) : 0;
-    }
+    const TSQLTemplate* GetTemplate() const override;
+    const TDSTableList& GetTables() const override;
+    int GetValueCount() const override;
     TValueKind GetValueKind(int value) const override;
     TFieldType GetValueType(int value) const override;
     std::string GetValueName(int value) const override;
-    std::string GetCaptionText() const override {
-        return condition_ ? condition_->GetCaption() : std::string();
-    }
+    std::string GetCaptionText() const override;
 
 private:
     const TDSValue* ValueSlot(int value) const;

@@ -9,7 +9,7 @@
 
 namespace lumora {
 
-TQueryBuilder::TQueryBuilder(TQueryHost& panel, const TVCustomDBStructure& structure)
+TQueryBuilder::TQueryBuilder(TVQuery& panel, const TVCustomDBStructure& structure)
     : panel_(panel),
       result_(panel.GetQResult()),
       values_(structure, panel.GetSQLSyntax(), panel.GetStrict()),

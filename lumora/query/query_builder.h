@@ -13,7 +13,7 @@ namespace lumora {
 
 class TQueryBuilder {
 public:
-    TQueryBuilder(TQueryHost& panel, const TVCustomDBStructure& structure);
+    TQueryBuilder(TVQuery& panel, const TVCustomDBStructure& structure);
 
     // Fills the panel's query result. `mainTable` comes first in FROM; without a `root` (an inactive panel)
     // there are no conditions, and a query without tables is not refused here.
@@ -46,7 +46,7 @@ private:
     void RefreshPatterns(const TTemplatePlan& plan, TFilterCond& condition);
     void AppendParamName(std::string& out, const TSQLParam& param) const;
 
-    TQueryHost& panel_;
+    TVQuery& panel_;
     TQueryResult& result_;
     TValueWriter values_;
     const TVCustomDBStructure& structure_;

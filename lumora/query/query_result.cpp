@@ -7,7 +7,7 @@
 
 namespace lumora {
 
-TQueryResult::TQueryResult(TQueryHost& panel) : panel_(panel), resultFields_(nullptr, &panel) {}
+TQueryResult::TQueryResult(TVQuery& panel) : panel_(panel), resultFields_(nullptr, &panel) {}
 
 std::span<const TPropertyInfo> TQueryResult::PublishedProperties() const {
     static const std::vector<TPropertyInfo> properties = {
@@ -30,7 +30,7 @@ void TQueryResult::SetSQLOptions(TSQLOptions options) {
     resultFields_.ASCIIAliases = options.Contains(soASCIIRFields);
 }
 
-void TQueryResult::DbStructChanged(TVCustomDBStructure* structure) {
+void TQueryResult::DbStructChanged(const TVCustomDBStructure* structure) {
     ClearBuild();
     resultFields_.SetDBStruct(structure);
 }

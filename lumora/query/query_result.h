@@ -3,7 +3,7 @@
 #pragma once
 
 #include "lumora/platform/properties.h"
-#include "lumora/query/query_host.h"
+#include "lumora/query/query.h"
 #include "lumora/query/result_fields.h"
 #include "lumora/query/result_tables.h"
 #include "lumora/query/sql_options.h"
@@ -16,7 +16,7 @@ namespace lumora {
 
 class TQueryResult : public TPersistent {
 public:
-    explicit TQueryResult(TQueryHost& panel);
+    explicit TQueryResult(TVQuery& panel);
 
     std::string_view ClassName() const override { return "TQueryResult"; }
     std::span<const TPropertyInfo> PublishedProperties() const override;
@@ -33,7 +33,7 @@ public:
     TSQLSyntax GetSQLSyntax() const { return sqlSyntax_; }
     void SetSQLSyntax(TSQLSyntax syntax) { sqlSyntax_ = syntax; }
     // The panel has another model now.
-    void DbStructChanged(TVCustomDBStructure* structure);
+    void DbStructChanged(const TVCustomDBStructure* structure);
 
     // --- The statement, from what the build step has put together.
     // The whole statement, one clause part a line. EVQueryPanelError when no query was built.
@@ -70,7 +70,7 @@ private:
     TNameQuoting Quoting() const { return Strict() ? nqStrict : nqPlain; }
     void ReplaceForeignAliases();
 
-    TQueryHost& panel_;
+    TVQuery& panel_;
     TRFieldList resultFields_;
     TRTableList resultTables_;
     TStringList from_;

@@ -30,15 +30,15 @@ std::string LowerOutsideLiterals(std::string_view sql) {
 
 } // namespace
 
-TQueryHost* TResultField::GetQueryPanel() const {
+TVQuery* TResultField::GetQueryPanel() const {
     return owner_.GetQueryPanel();
 }
-TVCustomDBStructure* TResultField::GetDBStruct() const {
+const TVCustomDBStructure* TResultField::GetDBStruct() const {
     return owner_.GetDBStruct();
 }
 
 void TResultField::Changed() const {
-    if (TQueryHost* const panel = GetQueryPanel())
+    if (TVQuery* const panel = GetQueryPanel())
         panel->QueryChanged();
 }
 
@@ -79,7 +79,7 @@ std::string TResultField::FillFormula(TAppendField appendField) const {
 }
 
 std::string TResultField::GetSQLExpr() const {
-    const TQueryHost* const panel = GetQueryPanel();
+    const TVQuery* const panel = GetQueryPanel();
     const TNameQuoting quoting = panel && panel->GetStrict() ? nqStrict : nqPlain;
     return FillFormula(
         [quoting](std::string& text, const TDSField& field) { field.AppendSQLExpr(text, quoting); });
@@ -99,7 +99,7 @@ std::string TResultField::GetSelectExpr() const {
 }
 
 std::string TResultField::GetSQLAlias() const {
-    const TQueryHost* const panel = GetQueryPanel();
+    const TVQuery* const panel = GetQueryPanel();
     const bool strict = panel && panel->GetStrict();
     if (!owner_.QuoteAliases && !(strict && !IsPlainName(alias_)))
         return alias_;
@@ -115,7 +115,7 @@ std::string TResultField::GetOrderName() const {
 
 bool TResultField::GetAgregate() const {
     const std::string sql = LowerAscii(GetSQLExpr());
-    if (const TQueryHost* const panel = GetQueryPanel(); panel && panel->GetStrict())
+    if (const TVQuery* const panel = GetQueryPanel(); panel && panel->GetStrict())
         return CallsAggregate(sql);
     for (const char* const function : {"sum(", "count(", "max(", "min(", "avg("})
         if (sql.find(function) != std::string::npos)
@@ -147,9 +147,9 @@ void TResultField::ProcessExpression(std::string_view expression) {
 }
 
 void TResultField::ProcessSQLExpr(std::string_view sql) {
-    const TQueryHost* const panel = GetQueryPanel();
+    const TVQuery* const panel = GetQueryPanel();
     formula_.SetText(panel && panel->GetStrict() ? LowerOutsideLiterals(sql) : LowerAscii(sql));
-    TVCustomDBStructure* const structure = GetDBStruct();
+    const TVCustomDBStructure* const structure = GetDBStruct();
     if (!structure)
         return;
     if (TDSField* const field = structure->FieldByName(3, sql)) {
@@ -168,7 +168,7 @@ void TResultField::ProcessSQLExpr(std::string_view sql) {
 // none does.
 bool TResultField::TakeWholeWords(int nameMode) {
     std::string formula = GetFormula();
-    TVCustomDBStructure& structure = *GetDBStruct();
+    const TVCustomDBStructure& structure = *GetDBStruct();
     for (int i = 0; i < structure.GetFieldCount(); ++i) {
         TDSField* const field = structure.GetField(i);
         const std::string name = LowerAscii(nameMode == 3 ? field->GetSQLExpr() : field->GetFullName());
@@ -238,7 +238,7 @@ void TResultField::SetSorting(TSortingType sorting) {
 }
 
 void TResultField::Assign(const TResultField& source) {
-    TQueryHost* const panel = GetQueryPanel();
+    TVQuery* const panel = GetQueryPanel();
     if (panel)
         panel->BeginUpdate();
     fields_ = source.fields_;

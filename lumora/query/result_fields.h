@@ -2,7 +2,7 @@
 #pragma once
 
 #include "lumora/model/structure.h"
-#include "lumora/query/query_host.h"
+#include "lumora/query/query.h"
 #include "lumora/query/sql_options.h"
 #include "lumora/support/section_reader.h"
 
@@ -37,6 +37,8 @@ public:
     const std::string& GetAlias() const { return alias_; }
     // Made unique in the list; empty: the column has no alias.
     void SetAlias(const std::string& alias);
+    // As it was written, whether it is unique or not.
+    void KeepAlias(const std::string& alias) { alias_ = alias; }
     TSortingType GetSorting() const { return sorting_; }
     // The first sorting of a field puts it behind all that are sorted.
     void SetSorting(TSortingType sorting);
@@ -63,8 +65,8 @@ public:
     void ProcessSQLExpr(std::string_view sql);
 
     void Assign(const TResultField& source);
-    TQueryHost* GetQueryPanel() const;
-    TVCustomDBStructure* GetDBStruct() const;
+    TVQuery* GetQueryPanel() const;
+    const TVCustomDBStructure* GetDBStruct() const;
     // An automation object of the host, stored and handed on.
     void* GetOleObject() const { return oleObject_; }
     void SetOleObject(void* object) { oleObject_ = object; }
@@ -91,7 +93,8 @@ private:
 class TRFieldList {
 public:
     // The panel may be none; then nobody is told of changes.
-    TRFieldList(TVCustomDBStructure* structure, TQueryHost* panel) : structure_(structure), panel_(panel) {}
+    TRFieldList(const TVCustomDBStructure* structure, TVQuery* panel)
+        : structure_(structure), panel_(panel) {}
 
     int Count() const { return static_cast<int>(fields_.size()); }
     TResultField* GetRField(int index) const { return fields_.at(static_cast<std::size_t>(index)).get(); }
@@ -132,9 +135,9 @@ public:
     // Puts another model field in the place of one, or of all when `field` is none.
     void ReplaceDSField(const TDSField* field, TDSField* by);
 
-    TVCustomDBStructure* GetDBStruct() const { return structure_; }
-    void SetDBStruct(TVCustomDBStructure* structure) { structure_ = structure; }
-    TQueryHost* GetQueryPanel() const { return panel_; }
+    const TVCustomDBStructure* GetDBStruct() const { return structure_; }
+    void SetDBStruct(const TVCustomDBStructure* structure) { structure_ = structure; }
+    TVQuery* GetQueryPanel() const { return panel_; }
     bool Distinct = false;   // the statement that the fields were read from said so
     bool JustSorting = true; // the fields serve only to sort: the select list is "*"
     bool AutoAliases = true;
@@ -147,8 +150,8 @@ private:
     void FinishInsert(TResultField& field, TSortingType sorting, int sortOrder);
     void LoadField(const TSectionLines& lines);
 
-    TVCustomDBStructure* structure_;
-    TQueryHost* panel_;
+    const TVCustomDBStructure* structure_;
+    TVQuery* panel_;
     std::vector<std::unique_ptr<TResultField>> fields_;
 };
 

@@ -1,6 +1,7 @@
 // The text with which a condition's constant value stands in a statement.
 #pragma once
 
+#include "lumora/model/structure.h"
 #include "lumora/query/filter_rows.h"
 
 #include <string>

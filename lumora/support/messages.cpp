@@ -68,6 +68,7 @@ std::vector<TMessageRecord>& Records() {
         {msgNoDataSet, "", "DataSet is not specified"},
         {msgDataSetNotOpened, "", "DataSet is not opened"},
         {msgCantSortDistinct, "", "Distinct records can not be sorted by \"%s\""},
+        {msgInvalidIndex, "", "Invalid index %d"},
         {msgYes, "", "Yes"},
         {msgNo, "", "No"},
         {msgFieldPrompt, "", "<field>"},

@@ -63,6 +63,7 @@ enum TMessageId : int {
     msgNoDataSet,
     msgDataSetNotOpened,
     msgCantSortDistinct,
+    msgInvalidIndex,
     // On screen.
     msgYes,
     msgNo,

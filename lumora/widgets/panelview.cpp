@@ -1,6 +1,6 @@
 #include "lumora/widgets/panelview.h"
 
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 #include "lumora/widgets/querypanelwidget.h"
 #include "lumora/widgets/subquerydialog.h"
 

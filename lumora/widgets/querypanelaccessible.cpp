@@ -1,6 +1,6 @@
 #include "lumora/widgets/querypanelaccessible.h"
 
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 #include "lumora/widgets/querypanelwidget.h"
 
 #include <QAccessibleWidget>
@@ -198,9 +198,10 @@ public:
                        ? QString::fromStdString(line.Words.front().Word.Name)
                        : QString();
         if (kind == QAccessible::Name)
-            return QString::fromStdString(RowName(*panel, *line.Row));
-        return kind == QAccessible::Description ? QString::fromStdString(RowProblem(*panel, *line.Row).Text)
-                                                : QString();
+            return QString::fromStdString(RowName(panel->GetScreen(), *line.Row));
+        return kind == QAccessible::Description
+                   ? QString::fromStdString(RowProblem(panel->GetScreen(), *line.Row).Text)
+                   : QString();
     }
     QAccessible::State state() const override {
         const TPlacedLine line = widget_->line(line_);
@@ -209,8 +210,8 @@ public:
         state.selected = line.IsCurrent;
         state.focused = line.IsCurrent && widget_->hasFocus() && widget_->currentPlace().Word < 0;
         state.disabled = line.Row && !IsRowEnabled(*line.Row);
-        state.invalid =
-            line.Row && widget_->panel() && RowProblem(*widget_->panel(), *line.Row).State == rsWrong;
+        state.invalid = line.Row && widget_->panel() &&
+                        RowProblem(widget_->panel()->GetScreen(), *line.Row).State == rsWrong;
         return state;
     }
 

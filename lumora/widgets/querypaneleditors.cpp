@@ -1,6 +1,6 @@
 // What drops down from a panel's words, and the menus of its rows.
-#include "lumora/panel/Vquerpnl.h"
-#include "lumora/panel/word_editors.h"
+#include "lumora/lumora.h"
+#include "lumora/screen/word_editors.h"
 #include "lumora/widgets/panelmenu.h"
 #include "lumora/widgets/querypanelwidget.h"
 
@@ -9,13 +9,13 @@ namespace lumora {
 void QueryPanelWidget::openEditor(TFilterRow& row, int word) {
     closeWindows();
     updateNow();
-    const std::vector<TScreenWord> words = ScreenWords(*panel(), row);
+    const std::vector<TScreenWord> words = ScreenWords(panel()->GetScreen(), row);
     if (word < 0 || word >= static_cast<int>(words.size()))
         return;
     const TWordRole role = words[static_cast<std::size_t>(word)].Role;
     const int value = words[static_cast<std::size_t>(word)].Value;
     scrollToCurrent();
-    TWordEditor editor(*panel(), row, role, value);
+    TWordEditor editor(panel()->GetScreen(), row, role, value);
     TDropDownContent content = editor.GetContent();
     if (content.Kind == ddDialog) {
         attempt([&editor] { editor.RunDialog(); });
@@ -66,7 +66,7 @@ void QueryPanelWidget::acceptAnswer(TWordEditor editor, const TDropDownResult& a
 void QueryPanelWidget::goToNextWord(bool forward) {
     if (!panel() || !refusal_.isEmpty())
         return;
-    TPanelKeyboard& keyboard = panel()->GetKeyboard();
+    TScreenKeyboard& keyboard = panel()->GetKeyboard();
     const bool hasMoved = forward ? keyboard.NextCurControl() : keyboard.PrevCurControl();
     viewport()->update();
     if (TFilterRow* const row = panel()->GetCurrentRow(); hasMoved && row)
@@ -107,7 +107,7 @@ void QueryPanelWidget::showRowMenu(TFilterRow& row, int word, TPopupMenu& menu) 
 }
 
 void QueryPanelWidget::showValueMenu(TFilterRow& row, int word, TPopupMenu& menu) {
-    const std::vector<TScreenWord> words = ScreenWords(*panel(), row);
+    const std::vector<TScreenWord> words = ScreenWords(panel()->GetScreen(), row);
     const int value = words.at(static_cast<std::size_t>(word)).Value;
     openMenu(menu, row, word, [this, &row, value](const TMenuItem& item) {
         panel()->ValueMenuItemClick(item, static_cast<TFilterCond&>(row), value);

@@ -1,5 +1,5 @@
 // The keyboard on a panel's widget: most keys are the panel's, some move over the screen.
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 #include "lumora/widgets/querypanelaccessible.h"
 #include "lumora/widgets/querypanelwidget.h"
 

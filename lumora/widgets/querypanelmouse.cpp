@@ -1,5 +1,5 @@
 // The mouse on a panel's widget: clicks, what the pointer is over, and dragging rows.
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 #include "lumora/widgets/querypanelwidget.h"
 
 #include <QApplication>

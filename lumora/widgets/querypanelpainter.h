@@ -1,8 +1,8 @@
 // Draws the lines of a query panel.
 #pragma once
 
-#include "lumora/panel/appearance.h"
-#include "lumora/panel/panel_layout.h"
+#include "lumora/screen/appearance.h"
+#include "lumora/screen/layout.h"
 
 #include <QFont>
 #include <QPalette>

@@ -1,6 +1,6 @@
 #include "lumora/widgets/querypanelwidget.h"
 
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 #include "lumora/widgets/querypanelaccessible.h"
 #include "lumora/widgets/querypanelpainter.h"
 
@@ -47,7 +47,7 @@ void QueryPanelWidget::setPanel(TVQueryPanel* panel) {
     toldRow_ = nullptr;
     view_.setPanel(panel);
     if (panel)
-        layout_ = std::make_unique<TPanelLayout>(*panel, measurer_);
+        layout_ = std::make_unique<TScreenLayout>(panel->GetScreen(), measurer_);
     verticalScrollBar()->setValue(0);
     horizontalScrollBar()->setValue(0);
     rowsChanged();

@@ -1,8 +1,8 @@
 // A query panel on the screen: rows of words that are clicked to change them.
 #pragma once
 
-#include "lumora/panel/panel_layout.h"
 #include "lumora/platform/menus.h"
+#include "lumora/screen/layout.h"
 #include "lumora/widgets/dropdownpopup.h"
 #include "lumora/widgets/fontmeasurer.h"
 #include "lumora/widgets/panelview.h"
@@ -135,7 +135,7 @@ private:
 
     PanelView view_{*this};
     FontMeasurer measurer_;
-    std::unique_ptr<TPanelLayout> layout_; // none without a panel
+    std::unique_ptr<TScreenLayout> layout_; // none without a panel
     QList<QIcon> images_;
     QueryPanelDialogs dialogs_;
     QPointer<DropDownPopup> popup_;

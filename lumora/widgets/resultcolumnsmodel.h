@@ -2,6 +2,8 @@
 #pragma once
 
 #include "lumora/panel/Vquerpnl.h"
+#include "lumora/panel/panel_links.h"
+#include "lumora/query/query_result.h"
 
 #include <QAbstractTableModel>
 #include <QStringList>

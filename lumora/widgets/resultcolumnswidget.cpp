@@ -1,5 +1,7 @@
 #include "lumora/widgets/resultcolumnswidget.h"
 
+#include "lumora/lumora.h"
+
 #include "lumora/query/filter_rows.h"
 #include "lumora/widgets/choicedelegate.h"
 #include "lumora/widgets/fieldchooser.h"

@@ -1,6 +1,6 @@
 #include "lumora/widgets/rowdrag.h"
 
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 
 namespace lumora {
 
@@ -10,7 +10,7 @@ void RowDrag::begin(TVQueryPanel& panel, TFilterRow& row) {
     target_ = {};
 }
 
-bool RowDrag::moveTo(TPanelLayout& layout, const TVQueryPanel& panel, int x, int y) {
+bool RowDrag::moveTo(TScreenLayout& layout, const TVQueryPanel& panel, int x, int y) {
     if (!row_ || version_ != panel.GetRowsVersion()) {
         cancel();
         return false;
@@ -23,7 +23,7 @@ void RowDrag::drop(TVQueryPanel& panel) {
     const RowDrag drag = *this;
     cancel();
     if (drag.row_ && drag.version_ == panel.GetRowsVersion() && drag.target_.Target.Bracket)
-        MoveRow(panel, *drag.row_, drag.target_.Target);
+        MoveRow(panel.GetQuery(), *drag.row_, drag.target_.Target);
 }
 
 } // namespace lumora

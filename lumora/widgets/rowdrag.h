@@ -1,9 +1,11 @@
 // A row that is being dragged with the mouse, and where it would go.
 #pragma once
 
-#include "lumora/panel/panel_layout.h"
+#include "lumora/screen/layout.h"
 
 namespace lumora {
+
+class TVQueryPanel;
 
 class RowDrag {
 public:
@@ -14,7 +16,7 @@ public:
 
     void begin(TVQueryPanel& panel, TFilterRow& row);
     // The point is one of the panel's. False when the rows have changed, which ends the drag.
-    bool moveTo(TPanelLayout& layout, const TVQueryPanel& panel, int x, int y);
+    bool moveTo(TScreenLayout& layout, const TVQueryPanel& panel, int x, int y);
     // Moves the row if it can go there. Raises what MoveRow does; the drag has ended then, too.
     void drop(TVQueryPanel& panel);
     void cancel() { *this = {}; }

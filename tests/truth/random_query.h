@@ -1,7 +1,7 @@
 // Makes a panel's query at random.
 #pragma once
 
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 #include "tests/truth/rows.h"
 
 #include <vector>

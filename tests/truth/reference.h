@@ -1,7 +1,7 @@
 // The rows that a query asks for, worked out from its rows, result fields and links alone.
 #pragma once
 
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 #include "tests/truth/catalogue.h"
 
 #include <string>

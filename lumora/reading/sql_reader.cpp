@@ -1,0 +1,450 @@
+#include "lumora/reading/sql_reader.h"
+
+#include "lumora/model/structure.h"
+#include "lumora/platform/formats.h"
+#include "lumora/query/date_values.h"
+#include "lumora/query/errors.h"
+#include "lumora/query/query_result.h"
+#include "lumora/query/query_state.h"
+#include "lumora/query/strict_checks.h"
+#include "lumora/query/value_text.h"
+#include "lumora/querytext/query_text.h"
+#include "lumora/reading/read_sql.h"
+#include "lumora/reading/sql_joins.h"
+#include "lumora/support/string_helpers.h"
+
+namespace lumora {
+
+TSQLReader::TSQLReader(TVQuery& query, const TTitles* subQueryTitles, int level)
+    : query_(query),
+      model_(*query.GetDbStruct()),
+      subQueryTitles_(subQueryTitles),
+      level_(level),
+      strict_(query.GetStrict()) {}
+
+void TSQLReader::Read(const TVParserResult& statement) {
+    query_.GetQResult().GetResultFields().Distinct = statement.Distinct;
+    ReadFields(statement);
+    if (!strict_)
+        return ReadBracket(*query_.GetRootBracket(), *statement.RootBracket);
+    TSQLOptions options = query_.GetSQLOptions();
+    options.Exclude(soSelectDistinct);
+    if (statement.Distinct)
+        options.Include(soSelectDistinct);
+    query_.SetSQLOptions(options);
+    TSQLJoins joins(query_, statement);
+    ReadBracket(*query_.GetRootBracket(), joins.WhereWithoutJoins());
+    joins.CheckAgainstQuery();
+}
+
+void TSQLReader::ReadFields(const TVParserResult& statement) {
+    TRFieldList& fields = query_.GetQResult().GetResultFields();
+    for (int i = 0; i < statement.ResultFields.Count(); ++i) {
+        const TSQLResultField& parsed = statement.ResultFields.GetItem(i);
+        TResultField* const field =
+            fields.AddBySQLExpr(std::string(parsed.Alias), parsed.SQLExpr,
+                                static_cast<TSortingType>(parsed.Sorting), parsed.SortOrder);
+        if (strict_ && field->GetFields().front() == model_.GetUnrecognizedField())
+            throw EVQueryPanelError(qpeUnrecognizedField, {parsed.SQLExpr}, parsed.Line);
+        if (parsed.Alias.empty()) {
+            field->SetCaption(field->GenerateCaption());
+            field->SetAlias("");
+        } else if (strict_) {
+            field->KeepAlias(std::string(parsed.Alias));
+        }
+    }
+    fields.JustSorting = statement.SelectAll;
+}
+
+// --- Brackets.
+
+void TSQLReader::ReadBracket(TFilterBracket& bracket, const TSQLBracket& parsed) {
+    const bool any = parsed.Operator == "or";
+    bracket.SetLinkType(parsed.Negated ? (any ? fltNone : fltNotAll) : (any ? fltAny : fltAll));
+    for (const TSQLConditionNode* node = parsed.GetFirst(); node; node = node->GetNext())
+        ReadNode(bracket, *node);
+}
+
+void TSQLReader::ReadNode(TFilterBracket& bracket, const TSQLConditionNode& node) {
+    if (node.IsBracket())
+        ReadBracket(*bracket.AddNewBracket(), static_cast<const TSQLBracket&>(node));
+    else
+        ReadCondition(bracket, static_cast<const TSQLCondition&>(node));
+}
+
+// --- Conditions.
+
+void TSQLReader::Refuse(const TSQLCondition& parsed) const {
+    throw EVQueryPanelError(qpeCantBeKept, {parsed.GetSQLExpr()}, parsed.Line);
+}
+
+void TSQLReader::ReadCondition(TFilterBracket& bracket, const TSQLCondition& parsed) {
+    if (strict_ && ReadPredefined(bracket, parsed))
+        return;
+    const TFit fit = strict_ ? FindStrictFit(parsed) : FindPlainFit(parsed);
+    TSimpleCond* const condition = Owner(bracket, fit.Opposite).AddCond();
+    condition->SetField(fit.Field ? fit.Field : model_.GetUnrecognizedField());
+    condition->SetOperator(fit.Operator ? fit.Operator : model_.GetUnrecognizedOperator());
+    SetValues(*condition, parsed, fit.Values);
+}
+
+TSQLReader::TFit TSQLReader::FindPlainFit(const TSQLCondition& parsed) {
+    TFit fit = FindFit(parsed, parsed.Negated, parsed.Operator);
+    if (!fit.Operator)
+        fit = LikeFallback(parsed);
+    fit.Field = model_.FieldByName(3, parsed.Left);
+    return fit;
+}
+
+// A condition that no operator fits may be the opposite of one that an operator fits.
+TSQLReader::TFit TSQLReader::FindStrictFit(const TSQLCondition& parsed) {
+    TDSField* const field = model_.FieldByName(3, parsed.Left);
+    if (!field) {
+        TFit fit = FindFitAroundField(parsed);
+        if (!fit.Field)
+            throw EVQueryPanelError(qpeUnrecognizedField, {parsed.Left}, parsed.Line);
+        fit.Opposite = parsed.Negated;
+        return fit;
+    }
+    TFit fit = FindFit(parsed, parsed.Negated, parsed.Operator);
+    if (!fit.Operator) {
+        fit = FindFit(parsed, !parsed.Negated, parsed.Operator);
+        fit.Opposite = true;
+    }
+    if (!fit.Operator && parsed.Operator == "is" && FoldBlanks(parsed.Value) == "notnull") {
+        TSQLCondition isNull = parsed;
+        isNull.Value = "null";
+        fit = FindFit(isNull, false, "is");
+        fit.Opposite = !parsed.Negated;
+    }
+    if (!fit.Operator)
+        throw EVQueryPanelError(qpeUnrecognizedOperator, {parsed.GetSQLExpr()}, parsed.Line);
+    fit.Field = field;
+    return fit;
+}
+
+// A predicate of the model that stands in the statement as it is, or its opposite.
+bool TSQLReader::ReadPredefined(TFilterBracket& bracket, const TSQLCondition& parsed) {
+    struct TForm {
+        std::string Text;
+        bool Opposite;
+    };
+    TSQLCondition plain = parsed;
+    plain.Negated = false;
+    const std::string text = plain.GetSQLExpr();
+    const TForm forms[] = {
+        {text, parsed.Negated}, {"not " + text, !parsed.Negated}, {"not(" + text + ")", !parsed.Negated}};
+    std::vector<TCapture> values;
+    for (const bool opposite : {false, true})
+        for (const TForm& form : forms)
+            for (int i = 0; form.Opposite == opposite && i < model_.GetConditionCount(); ++i) {
+                TDSCondition* const target = model_.GetCondition(i);
+                if (!target->GetPattern().Match(form.Text, values) || values.size() > 2)
+                    continue;
+                SetValues(*Owner(bracket, opposite).AddCustomCond(target), parsed, values);
+                return true;
+            }
+    return false;
+}
+
+// The bracket itself, or a new one in it that turns its row into the opposite.
+TFilterBracket& TSQLReader::Owner(TFilterBracket& bracket, bool opposite) {
+    if (!opposite)
+        return bracket;
+    TFilterBracket* const none = bracket.AddNewBracket();
+    none->SetLinkType(fltNone);
+    return *none;
+}
+
+// --- Operators.
+
+namespace {
+
+// The comparison that holds when the other does not.
+std::string_view OppositeOf(std::string_view op) {
+    static constexpr std::string_view pairs[][2] = {{"=", "<>"}, {"<", ">="}, {">", "<="}};
+    for (const auto& [one, other] : pairs) {
+        if (op == one)
+            return other;
+        if (op == other)
+            return one;
+    }
+    return {};
+}
+
+} // namespace
+
+// The operators whose template begins as a condition with this operator does.
+const std::vector<TDSOperator*>& TSQLReader::Candidates(bool negated, std::string_view op) {
+    std::string key(negated ? "!" : " ");
+    key.append(op);
+    const auto [known, isNew] = candidates_.try_emplace(std::move(key));
+    if (!isNew)
+        return known->second;
+    const std::string head = negated ? "not(" : "";
+    for (int i = 0; i < model_.GetOperatCount(); ++i) {
+        TDSOperator* const candidate = model_.GetOperator(i);
+        const TSQLPattern& pattern = candidate->GetPattern();
+        if (pattern.Head() == head && pattern.Tail().starts_with(op))
+            known->second.push_back(candidate);
+    }
+    return known->second;
+}
+
+// "!=" and a negated "=" are other ways to write "<>". A value that is a sub-query belongs to operators that
+// take one.
+TSQLReader::TFit TSQLReader::FindFit(const TSQLCondition& parsed, bool negated, std::string_view op) {
+    if (op == "!=")
+        op = "<>";
+    if (negated && op == "=") {
+        negated = false;
+        op = "<>";
+    }
+    const std::size_t fieldStart = negated ? 4 : 0;
+    text_.assign(negated ? "not(" : "")
+        .append(parsed.Left)
+        .append(" ")
+        .append(op)
+        .append(" ")
+        .append(parsed.Value);
+    text_.append(negated ? ")" : "");
+    TFit fit;
+    for (const bool wanted : {true, false}) {
+        for (TDSOperator* const candidate : Candidates(negated, op)) {
+            const bool takesSubQuery = candidate->ValueKind == vkSubQuery;
+            if ((takesSubQuery == parsed.SubQuery) != wanted || (takesSubQuery && !parsed.SubQuery))
+                continue;
+            if (!candidate->GetPattern().Match(text_, fieldStart, parsed.Left.size(), fit.Values))
+                continue;
+            fit.Operator = candidate;
+            return fit;
+        }
+        if (strict_ && parsed.SubQuery)
+            break;
+    }
+    fit.Values.clear();
+    if (const std::string_view opposite = OppositeOf(op); strict_ && negated && !opposite.empty())
+        return FindFit(parsed, false, opposite);
+    return fit;
+}
+
+// An operator whose template has more than the field on its left side, a function for example.
+TSQLReader::TFit TSQLReader::FindFitAroundField(const TSQLCondition& parsed) {
+    TSQLCondition plain = parsed;
+    plain.Negated = false;
+    const std::string text = plain.GetSQLExpr();
+    TFit fit;
+    for (int i = 0; i < model_.GetOperatCount() && !fit.Operator; ++i) {
+        const TSQLPattern& pattern = model_.GetOperator(i)->GetPattern();
+        std::string_view name;
+        if (pattern.Head().empty() || !pattern.Match(text, name, fit.Values) || name.empty())
+            continue;
+        fit.Field = model_.FieldByName(3, name);
+        fit.Operator = fit.Field ? model_.GetOperator(i) : nullptr;
+    }
+    return fit;
+}
+
+// A pattern of another form is taken as "contains", or "starts with".
+TSQLReader::TFit TSQLReader::LikeFallback(const TSQLCondition& parsed) {
+    TFit fit;
+    if (parsed.Operator != "like")
+        return fit;
+    fit.Operator = model_.OperatorByName("contains");
+    if (!fit.Operator)
+        fit.Operator = model_.OperatorByName("startswith");
+    std::string_view value = parsed.Value;
+    const bool quoted = value.size() >= 2 && value.front() == '\'' && value.back() == '\'';
+    if (quoted)
+        value = value.substr(1, value.size() - 2);
+    if (value.starts_with('%'))
+        value.remove_prefix(1);
+    if (value.ends_with('%'))
+        value.remove_suffix(1);
+    fit.Values.push_back({quoted ? ReplaceText(value, "''", "'") : std::string(value), quoted, true});
+    return fit;
+}
+
+TDSOperator* TSQLReader::FindOperator(const TSQLCondition& parsed, bool negated, std::string& value1,
+                                      std::string& value2, TStringList& subQuery) {
+    TFit fit = FindFit(parsed, negated, parsed.Operator);
+    if (!fit.Operator)
+        fit = LikeFallback(parsed);
+    value1 = fit.Values.empty() ? std::string() : fit.Values[0].Text;
+    value2 = fit.Values.size() < 2 ? std::string() : fit.Values[1].Text;
+    if (fit.Operator && fit.Operator->ValueKind == vkSubQuery)
+        UnfoldSubQuery(value1, subQuery);
+    return fit.Operator;
+}
+
+// --- Values.
+
+void TSQLReader::SetValues(TFilterCond& condition, const TSQLCondition& parsed,
+                           const std::vector<TCapture>& values) {
+    const int count = std::min<int>({condition.GetValueCount(), 2, static_cast<int>(values.size())});
+    for (int value = 1; value <= count; ++value) {
+        const TCapture& capture = values[static_cast<std::size_t>(value - 1)];
+        if (!capture.Quoted && capture.Text.starts_with(':')) {
+            if (strict_ && parsed.Operator == "like")
+                Refuse(parsed); // the statement does not hold the parameter's pattern
+            if (strict_ && !IsParamName(std::string_view(capture.Text).substr(1)))
+                Refuse(parsed);
+            condition.SetValueIsParam(value, true);
+            condition.GetParam(value)->Name = capture.Text.substr(1);
+        } else {
+            condition.SetValue(value, ValueOf(condition, value, parsed, capture));
+        }
+    }
+    if (condition.GetValueKind(1) == vkSubQuery && count > 0)
+        ReadSubQuery(condition, parsed, values[0].Text);
+}
+
+void TSQLReader::ReadSubQuery(TFilterCond& condition, const TSQLCondition& parsed, const std::string& sql) {
+    TStringList lines;
+    try {
+        UnfoldSubQuery(sql, lines);
+    } catch (const EVLumoraError&) {
+        if (strict_)
+            Refuse(parsed); // the lines that the error counts are the sub-query's own
+        throw;
+    }
+    condition.SetSubQuery(lines);
+}
+
+std::string TSQLReader::ValueOf(const TFilterCond& condition, int value, const TSQLCondition& parsed,
+                                const TCapture& capture) {
+    switch (condition.GetValueKind(value)) {
+    case vkSubQuery:
+        return capture.Text;
+    case vkList:
+        if (capture.Quoted && strict_)
+            Refuse(parsed);
+        return ListValue(condition, parsed, capture.Text);
+    case vkScalar:
+        break;
+    }
+    return DisplayValue(condition, value, parsed, capture.Text, capture.Quoted);
+}
+
+namespace {
+
+// The items of an SQL list, split at commas outside quotes and parentheses.
+std::vector<std::string_view> SplitSQLList(std::string_view text) {
+    std::vector<std::string_view> items;
+    int depth = 0;
+    std::size_t start = 0;
+    bool inLiteral = false;
+    for (std::size_t i = 0; i <= text.size(); ++i) {
+        const char c = i < text.size() ? text[i] : ',';
+        if (i < text.size() && c == '\'')
+            inLiteral = !inLiteral;
+        if (inLiteral && i < text.size())
+            continue;
+        depth += c == '(' ? 1 : c == ')' ? -1 : 0;
+        if (c == ',' && (depth <= 0 || i == text.size())) {
+            items.push_back(Trim(text.substr(start, i - start)));
+            start = i + 1;
+        }
+    }
+    return items;
+}
+
+bool IsLiteral(std::string_view text) {
+    if (text.size() < 2 || text.front() != '\'' || text.back() != '\'')
+        return false;
+    text = text.substr(1, text.size() - 2);
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if (text[i] == '\'' && (i + 1 == text.size() || text[++i] != '\''))
+            return false;
+    return true;
+}
+
+} // namespace
+
+// Single quotes become double quotes, as list values are entered. A strict reader takes the items apart.
+std::string TSQLReader::ListValue(const TFilterCond& condition, const TSQLCondition& parsed,
+                                  std::string_view items) {
+    const bool dates = IsDateOrTime(condition.GetValueType(1));
+    if (!strict_ && !dates)
+        return ReplaceText(items, "'", "\"");
+    std::string list;
+    for (const std::string_view item : SplitSQLList(items)) {
+        const bool quoted = IsLiteral(item);
+        const std::string inner =
+            quoted ? ReplaceText(item.substr(1, item.size() - 2), "''", "'") : std::string(item);
+        const std::string value = DisplayValue(condition, 1, parsed, inner, quoted);
+        list.append(list.empty() ? "" : ",");
+        if (quoted && !dates)
+            list.append(QuoteText(value, '"', '"'));
+        else
+            list.append(value);
+    }
+    return list;
+}
+
+// Dates and times as the user writes them. What the generator put for an empty one is empty again.
+std::string TSQLReader::DisplayValue(const TFilterCond& condition, int value, const TSQLCondition& parsed,
+                                     const std::string& text, bool quoted) {
+    const TFieldType type = condition.GetValueType(value);
+    std::string display = text;
+    if (IsDateOrTime(type)) {
+        const std::optional<std::string> date = TryDateValueFromSQL(model_.GetSQLFormats(), type, text);
+        display = date ? *date : text == "00/00/00" ? std::string() : text;
+    }
+    if (strict_)
+        CheckValue(condition, value, parsed, text, quoted);
+    return display;
+}
+
+// A value that is none (another column, an expression) and one that would come back as another is refused.
+void TSQLReader::CheckValue(const TFilterCond& condition, int value, const TSQLCondition& parsed,
+                            const std::string& text, bool quoted) const {
+    const TFieldType type = condition.GetValueType(value);
+    if (!IsCheckedType(type)) {
+        if (!quoted)
+            Refuse(parsed);
+        return;
+    }
+    if (IsDateOrTime(type)) {
+        const std::optional<std::string> date = TryDateValueFromSQL(model_.GetSQLFormats(), type, text);
+        if (!date || !IsValidValue(type, *date))
+            Refuse(parsed);
+        const std::string again =
+            DateValueToSQL(model_.GetSQLFormats(), type, *date, query_.GetSQLSyntax(), true);
+        if (TryDateValueFromSQL(model_.GetSQLFormats(), type, again) != date)
+            Refuse(parsed);
+        return;
+    }
+    if (!IsValidValue(type, text))
+        Refuse(parsed);
+}
+
+// --- Sub-queries.
+
+// A query text inside a query text doubles its quotes, so deep ones are not unfolded: their SQL alone is
+// kept.
+void TSQLReader::UnfoldSubQuery(std::string_view sql, TStringList& lines) const {
+    constexpr int maxUnfoldedLevels = 6;
+    lines.Clear();
+    if (level_ == maxUnfoldedLevels)
+        return;
+    TVQuery subQuery(model_);
+    subQuery.SetSQLOptions(query_.GetSQLOptions());
+    subQuery.SetSQLSyntax(query_.GetSQLSyntax());
+    subQuery.SetStrict(strict_);
+    ReadSQL(subQuery, TStringList(sql), subQueryTitles_, level_ + 1);
+    WriteQueryText(subQuery, lines, subQueryTitles_);
+}
+
+void ReadSQL(TVQuery& query, const TStringList& lines, const TTitles* subQueryTitles, int level) {
+    query.CheckIfDBStructAssigned();
+    const TQueryStateGuard guard(query, stLoading);
+    query.ClearAll();
+    TVSQLParser parser;
+    parser.SetStrict(query.GetStrict());
+    parser.SetSQL(lines);
+    parser.Parse();
+    TSQLReader(query, subQueryTitles, level).Read(parser.GetResult());
+}
+
+} // namespace lumora
