@@ -77,7 +77,7 @@ TEST(Fields, KnowTheirTablesAndNames) {
 TEST(Fields, AreFoundThroughEveryChange) {
     TShop shop;
     TDSField* const amount = shop.Field("orders.amount");
-    EXPECT_EQ(shop.Model.FieldByName(0, "AMOUNT"), amount);
+    EXPECT_EQ(shop.Model.FieldByName(fnText, "AMOUNT"), amount);
     EXPECT_EQ(shop.Field("  ORDERS . Amount "), amount);
     shop.Model.GetTable(1)->SetAlias("o");
     EXPECT_EQ(shop.Field("orders.amount"), nullptr);
@@ -86,11 +86,11 @@ TEST(Fields, AreFoundThroughEveryChange) {
     amount->SetQuoted(true);
     EXPECT_EQ(shop.Field("o.`amount\""), amount);
     amount->SetDisplayName("Total");
-    EXPECT_EQ(shop.Model.FieldByName(1, "total"), amount);
+    EXPECT_EQ(shop.Model.FieldByName(fnDisplayName, "total"), amount);
     // The first of equal names is found, whichever came to the list when.
-    EXPECT_EQ(shop.Model.FieldByName(0, "custno")->GetTable(), shop.Model.GetTable(0));
+    EXPECT_EQ(shop.Model.FieldByName(fnText, "custno")->GetTable(), shop.Model.GetTable(0));
     shop.Model.DelField(0);
-    EXPECT_EQ(shop.Model.FieldByName(0, "custno")->GetTable(), shop.Model.GetTable(1));
+    EXPECT_EQ(shop.Model.FieldByName(fnText, "custno")->GetTable(), shop.Model.GetTable(1));
     EXPECT_EQ(shop.Model.FieldByID(1), nullptr);
 }
 

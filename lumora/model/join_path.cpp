@@ -129,10 +129,10 @@ bool TJoinGraph::FindPath(const TDSTable& from, const TDSTable& to, TDSPath& pat
 // --- Paths of a model.
 
 const TDSPath& TVCustomDBStructure::GetPath(std::string_view alias1, std::string_view alias2) const {
-    const TDSTable* const from = TableByName(1, alias1);
+    const TDSTable* const from = TableByName(tnAlias, alias1);
     if (!from)
         throw EVDBStructError(dseNoTable, {alias1});
-    const TDSTable* const to = TableByName(1, alias2);
+    const TDSTable* const to = TableByName(tnAlias, alias2);
     if (!to)
         throw EVDBStructError(dseNoTable, {alias2});
     return GetPath(*from, *to);
@@ -173,7 +173,7 @@ void TVCustomDBStructure::ExcludeTablesBySQLExpr(std::string_view expression, TD
         if (!alias.IsName() || !scanner.Token().IsSymbol('.'))
             continue;
         const TToken field = scanner.Next();
-        TDSTable* const table = field.IsName() ? TableByName(1, alias.Name()) : nullptr;
+        TDSTable* const table = field.IsName() ? TableByName(tnAlias, alias.Name()) : nullptr;
         if (!table)
             continue;
         if (std::find(tables.begin(), tables.end(), table) == tables.end())

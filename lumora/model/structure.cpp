@@ -21,8 +21,6 @@ std::array<TLookup<TDSTable>, 5> TableLookups() {
             TLookup([](const TDSTable& t, std::string& key) { AppendFolded(key, t.GetSQLExpr()); })};
 }
 
-constexpr int FieldSQLMode = 3;
-
 std::array<TLookup<TDSField>, 4> FieldLookups() {
     using TLookup = lumora::TLookup<TDSField>;
     return {TLookup([](const TDSField& f, std::string& key) { AppendFolded(key, f.GetFieldText()); }),
@@ -127,27 +125,27 @@ void TVCustomDBStructure::DelTable(int index) {
     Changed();
 }
 
-TDSTable* TVCustomDBStructure::TableByName(int mode, std::string_view text) const {
-    return tablesByName_.at(static_cast<std::size_t>(mode)).Find(tables_, LowerAscii(text));
+TDSTable* TVCustomDBStructure::TableByName(TTableNameMode mode, std::string_view text) const {
+    return tablesByName_[mode].Find(tables_, LowerAscii(text));
 }
 
-void TVCustomDBStructure::GetTableNames(int mode, TStringList& names) const {
+void TVCustomDBStructure::GetTableNames(TTableNameMode mode, TStringList& names) const {
     names.Clear();
     for (const auto& table : tables_)
         switch (mode) {
-        case 1:
+        case tnAlias:
             names.Add(table->GetAlias());
             break;
-        case 2:
+        case tnDisplayName:
             names.Add(table->GetDisplayName());
             break;
-        case 3:
+        case tnCompoundName:
             names.Add(table->GetCompoundName());
             break;
-        case 4:
+        case tnSQLText:
             names.Add(table->GetSQLExpr());
             break;
-        default:
+        case tnName:
             names.Add(table->GetName());
         }
 }
@@ -234,9 +232,8 @@ void TVCustomDBStructure::RemoveFromGroup(TDSField& field) {
     field.group_ = nullptr;
 }
 
-TDSField* TVCustomDBStructure::FieldByName(int mode, std::string_view text) const {
-    return fieldsByName_.at(static_cast<std::size_t>(mode))
-        .Find(fields_, mode == FieldSQLMode ? FoldBlanks(text) : LowerAscii(text));
+TDSField* TVCustomDBStructure::FieldByName(TFieldNameMode mode, std::string_view text) const {
+    return fieldsByName_[mode].Find(fields_, mode == fnSQLExpr ? FoldBlanks(text) : LowerAscii(text));
 }
 
 TDSField* TVCustomDBStructure::FieldByID(int id) const {
@@ -255,20 +252,20 @@ void TVCustomDBStructure::RenumberFields(const std::function<int(const TDSField&
     Changed();
 }
 
-void TVCustomDBStructure::GetFieldNames(int mode, TStringList& names) const {
+void TVCustomDBStructure::GetFieldNames(TFieldNameMode mode, TStringList& names) const {
     names.Clear();
     for (const auto& field : fields_)
         switch (mode) {
-        case 1:
+        case fnDisplayName:
             names.Add(field->GetDisplayName());
             break;
-        case 2:
+        case fnFullName:
             names.Add(field->GetFullName());
             break;
-        case 3:
+        case fnSQLExpr:
             names.Add(field->GetSQLExpr());
             break;
-        default:
+        case fnText:
             names.Add(field->GetFieldText());
         }
 }

@@ -26,6 +26,22 @@ inline constexpr double CurrentModelVersion = 3.5;
 inline constexpr std::string_view UnrecognizedFieldName = "Unrecognized field";
 inline constexpr std::string_view UnrecognizedOperatorName = "Unrecognized operator";
 
+// What tables and fields are looked up and listed by. Letter case is ignored, and in SQL expressions of
+// fields blanks too.
+enum TTableNameMode : std::uint8_t {
+    tnName,
+    tnAlias,
+    tnDisplayName,
+    tnCompoundName, // "name - alias"
+    tnSQLText       // as FROM names the table
+};
+enum TFieldNameMode : std::uint8_t {
+    fnText, // the column name or the expression
+    fnDisplayName,
+    fnFullName, // "table.column"
+    fnSQLExpr
+};
+
 // Whoever keeps references to items of a model is told before they go away.
 class TModelListener {
 public:
@@ -53,9 +69,9 @@ public:
     int AddTable(std::string name, std::string caption);
     // Takes the links that touch it along; fields and conditions lose the table.
     void DelTable(int index);
-    // 0 name, 1 alias, 2 caption, 3 compound name, 4 SQL text; the first match, letter case ignored, or none.
-    TDSTable* TableByName(int mode, std::string_view text) const;
-    void GetTableNames(int mode, TStringList& names) const;
+    // The first match, or none.
+    TDSTable* TableByName(TTableNameMode mode, std::string_view text) const;
+    void GetTableNames(TTableNameMode mode, TStringList& names) const;
     TDSTable* GetDefaultMainTable() const { return defaultMainTable_; }
     void SetDefaultMainTable(TDSTable* table) { defaultMainTable_ = table; }
 
@@ -65,13 +81,12 @@ public:
     // Needs a metadata provider, which gives a data field's type and size.
     int AddField(TVFieldKind kind, std::string text, std::string caption, TDSTable* table);
     void DelField(int index);
-    // 0 column name or expression, 1 caption, 2 full name (letter case ignored), 3 SQL expression (blanks
-    // ignored too); the first match or none.
-    TDSField* FieldByName(int mode, std::string_view text) const;
+    // The first match, or none.
+    TDSField* FieldByName(TFieldNameMode mode, std::string_view text) const;
     TDSField* FieldByID(int id) const;
     // Gives each field the ID that `idOf` tells, above 0, or the next one that is free.
     void RenumberFields(const std::function<int(const TDSField&)>& idOf);
-    void GetFieldNames(int mode, TStringList& names) const;
+    void GetFieldNames(TFieldNameMode mode, TStringList& names) const;
     // Stands for fields that a query names and the model does not know. In no list.
     TDSField* GetUnrecognizedField() const;
 

@@ -94,7 +94,7 @@ void TModelReader::Read() {
     ReadOperators();
     ReadTables();
     ReadLinks();
-    model_.SetDefaultMainTable(model_.TableByName(0, main_.Value("DefaultMainTable")));
+    model_.SetDefaultMainTable(model_.TableByName(tnName, main_.Value("DefaultMainTable")));
     ReadFields();
     ReadGroups();
     ReadConditions();
@@ -210,9 +210,9 @@ void TModelReader::ReadLinks() {
 
 // Links between the same tables share a section name; the n-th link reads the n-th such section.
 void TModelReader::ReadLink(TDSTable& table, std::string_view partner) {
-    const int mode = version_ < 1.4 ? 0 : 1;
+    const TTableNameMode mode = version_ < 1.4 ? tnName : tnAlias;
     std::string section =
-        "Link:" + (mode == 0 ? table.GetName() : table.GetAlias()) + "-" + std::string(partner);
+        "Link:" + (mode == tnName ? table.GetName() : table.GetAlias()) + "-" + std::string(partner);
     const TSectionLines lines = sections_.Read(section, linkSectionsRead_[LowerAscii(section)]);
     if (lines.Empty())
         throw EVDBStructError(dseCantFindSection, {section});
@@ -235,7 +235,7 @@ void TModelReader::ReadLink(TDSTable& table, std::string_view partner) {
 TDSTable* TModelReader::TableByAlias(std::string_view alias) {
     if (alias != lastAlias_ || !lastTable_) {
         lastAlias_ = alias;
-        lastTable_ = model_.TableByName(1, alias);
+        lastTable_ = model_.TableByName(tnAlias, alias);
     }
     return lastTable_;
 }
@@ -387,7 +387,7 @@ void TModelReader::ReadGroupFields(std::string_view items, TDSFieldGroup* group)
         if (version_ >= 2.92)
             field = model_.FieldByID(XStrToInt(item, -1));
         else
-            for (const int mode : {0, 2, 1})
+            for (const TFieldNameMode mode : {fnText, fnFullName, fnDisplayName})
                 field = field ? field : model_.FieldByName(mode, item);
         if (field && !Trim(item).empty())
             Place(field, group);

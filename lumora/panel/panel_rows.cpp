@@ -337,7 +337,7 @@ TDSField* TVQueryPanel::FindTarget(const TFieldTarget& target) const {
     TDSField* const field = dbStruct_->FieldByID(target.ID);
     if (field && field->GetFullName() == target.FullName)
         return field;
-    TDSField* const namesake = dbStruct_->FieldByName(2, target.FullName);
+    TDSField* const namesake = dbStruct_->FieldByName(fnFullName, target.FullName);
     return namesake ? namesake : field;
 }
 

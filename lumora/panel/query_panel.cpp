@@ -90,14 +90,14 @@ void TVQueryPanel::InitStructureRelatedProperties() {
 void TVQueryPanel::SetMainTableName(const std::string& name) {
     mainTableName_ = name;
     if (dbStruct_)
-        mainTable_ = dbStruct_->TableByName(0, name);
+        mainTable_ = dbStruct_->TableByName(tnName, name);
 }
 
 void TVQueryPanel::RefreshMainTable() {
     if (!dbStruct_)
         return;
     if (!mainTableName_.empty())
-        mainTable_ = dbStruct_->TableByName(0, mainTableName_);
+        mainTable_ = dbStruct_->TableByName(tnName, mainTableName_);
     if (!mainTable_ && dbStruct_->GetDefaultMainTable()) {
         mainTable_ = dbStruct_->GetDefaultMainTable();
         mainTableName_ = mainTable_->GetName();

@@ -135,7 +135,7 @@ void TResultField::ProcessExpression(std::string_view expression) {
         const std::string_view name = expression.substr(open + 1, close - open - 1);
         const auto [known, isNew] = numbers.try_emplace(name, fields_.size() + 1);
         if (isNew) {
-            TDSField* const field = GetDBStruct() ? GetDBStruct()->FieldByName(1, name) : nullptr;
+            TDSField* const field = GetDBStruct() ? GetDBStruct()->FieldByName(fnDisplayName, name) : nullptr;
             if (!field && !GetDBStruct())
                 break;
             fields_.push_back(field ? field : GetDBStruct()->GetUnrecognizedField());
@@ -152,7 +152,7 @@ void TResultField::ProcessSQLExpr(std::string_view sql) {
     TVCustomDBStructure* const structure = GetDBStruct();
     if (!structure)
         return;
-    if (TDSField* const field = structure->FieldByName(3, sql)) {
+    if (TDSField* const field = structure->FieldByName(fnSQLExpr, sql)) {
         fields_ = {field};
         formula_.SetText("@1");
         return;
