@@ -6,7 +6,7 @@ using namespace lumora;
 using namespace lumora::tests;
 
 TEST(Messages, CarryCodeAndText) {
-    const TVDBStructure model;
+    TVDBStructure model;
     try {
         model.GetTable(7);
         FAIL();

@@ -5,13 +5,12 @@
 #include "lumora/model/conditions.h"
 #include "lumora/model/join_path.h"
 #include "lumora/model/links.h"
-#include "lumora/model/lookup.h"
 #include "lumora/model/operators.h"
 #include "lumora/model/sql_formats.h"
 #include "lumora/model/tables.h"
 #include "lumora/platform/component.h"
+#include "lumora/platform/notice_list.h"
 
-#include <array>
 #include <functional>
 #include <memory>
 #include <string>
@@ -20,6 +19,7 @@
 
 namespace lumora {
 
+class TModelIndexes;
 class TVCustomDBStructure;
 
 inline constexpr double CurrentModelVersion = 3.5;
@@ -42,7 +42,8 @@ enum TFieldNameMode : std::uint8_t {
     fnSQLExpr
 };
 
-// Whoever keeps references to items of a model is told before they go away.
+// Whoever keeps references to items of a model is told before they are freed; they are in no list any more
+// then. A handler may do anything to the model but free it, and may free any listener.
 class TModelListener {
 public:
     virtual ~TModelListener() = default;
@@ -55,6 +56,10 @@ public:
     virtual void ModelReplaced() {}
 };
 
+// Everything const may be called in many threads at once, and so may what is const of its tables, fields,
+// links, operators and conditions; AddListener and RemoveListener too. Changing any of them, saving, GetPath,
+// and filling or emptying a value editor needs to be alone. What a host changes for all models
+// (FormatSettings, SetMessage, TSession::SetDefault) it changes before threads start.
 class TVCustomDBStructure : public TComponent {
 public:
     explicit TVCustomDBStructure(TComponent* owner = nullptr);
@@ -77,7 +82,7 @@ public:
 
     // --- Fields.
     int GetFieldCount() const { return static_cast<int>(fields_.size()); }
-    TDSField* GetField(int index) const { return fields_.at(static_cast<std::size_t>(index)).get(); }
+    TDSField* GetField(int index) const; // EVDBStructError for a bad index
     // Needs a metadata provider, which gives a data field's type and size.
     int AddField(TVFieldKind kind, std::string text, std::string caption, TDSTable* table);
     void DelField(int index);
@@ -109,8 +114,10 @@ public:
     // --- Join paths.
     // The shortest chain between two tables given by alias. The path is the model's own, and the next call
     // overwrites it. EVDBStructError when a table is unknown or no chain joins them; the path then stays.
-    const TDSPath& GetPath(std::string_view alias1, std::string_view alias2) const;
-    const TDSPath& GetPath(const TDSTable& from, const TDSTable& to) const;
+    const TDSPath& GetPath(std::string_view alias1, std::string_view alias2);
+    const TDSPath& GetPath(const TDSTable& from, const TDSTable& to);
+    // The same into a path of the caller's.
+    void FindPath(const TDSTable& from, const TDSTable& to, TDSPath& path) const;
     // One step of a search path by path: true when the path's end has a link to the target; otherwise the
     // path extended by every neighbour that is not on it is appended to `newPaths`.
     bool CheckPath(const TDSPath& path, const TDSTable* target, TDSPathList& newPaths) const;
@@ -164,9 +171,7 @@ public:
 
     // --- Predefined conditions.
     int GetConditionCount() const { return static_cast<int>(conditions_.size()); }
-    TDSCondition* GetCondition(int index) const {
-        return conditions_.at(static_cast<std::size_t>(index)).get();
-    }
+    TDSCondition* GetCondition(int index) const; // EVDBStructError for a bad index
     TDSCondition* AddCondition(int id, std::string displayFormat, std::string sqlExpr);
     void DelCondition(int index);
     int ConditionIndexByID(int id) const;
@@ -183,12 +188,16 @@ public:
     // True when the model has at most one field.
     bool GetEmpty() const { return fields_.size() <= 1; }
     double GetVersion() const { return version_; }
+    // Tells OnChange, but not between BeginUpdate and its EndUpdate. Updates nest; their end tells nothing by
+    // itself.
     void Changed();
-    void BeginUpdate() { updating_ = true; }
-    void EndUpdate() { updating_ = false; }
+    void BeginUpdate() { ++updates_; }
+    void EndUpdate() { updates_ -= updates_ > 0 ? 1 : 0; }
+    bool IsUpdating() const { return updates_ > 0; }
     std::function<void(TVCustomDBStructure& sender)> OnChange;
-    void AddListener(TModelListener& listener) { listeners_.push_back(&listener); }
-    void RemoveListener(TModelListener& listener) { std::erase(listeners_, &listener); }
+    // Not owned. A listener takes itself off before it goes.
+    void AddListener(TModelListener& listener) const;
+    void RemoveListener(TModelListener& listener) const;
 
     // --- Text.
     void SaveToStrings(TStringList& lines);
@@ -228,6 +237,8 @@ protected:
     void Loaded() override;
     void DefineProperties(TFiler& filer) override;
 
+    // Runs a change of several steps, which is told once.
+    void ChangeAsOne(const std::function<void()>& change);
     // The extended operators have their own templates again.
     virtual void ExOperatorsUpdated() {}
     // A field for a column, in the root group and with the operators of its type, without telling of it.
@@ -246,11 +257,12 @@ private:
     // Items tell of changes that look-ups must know.
     void TableKeysChanged();
     void FieldKeysChanged();
-    void OperatorKeysChanged() { operatorsByName_.Invalidate(); }
-    void OperatorsChanged();
-    void ConditionKeysChanged() { conditionsByID_.Invalidate(); }
-    void LinksChanged() { graph_.reset(); }
+    void OperatorKeysChanged();
+    void OperatorsRemoved(const std::vector<std::unique_ptr<TDSOperator>>& removed);
+    void ConditionKeysChanged();
+    void LinksChanged();
 
+    void WriteText(TStringList& lines) const;
     TDSField* AppendField(int id, TVFieldKind kind);
     int NewFieldID();
     void FindLargestFieldID();
@@ -271,7 +283,6 @@ private:
     TDSFieldGroupList fieldGroups_;
     TDSFieldGroup rootGroup_;
     std::unique_ptr<TDSField> unrecognizedField_;
-    mutable bool unrecognizedFieldStale_ = true; // its operators are to be found anew
     std::unique_ptr<TDSOperator> unrecognizedOperator_;
     TDSTable* defaultMainTable_ = nullptr;
 
@@ -284,18 +295,13 @@ private:
     TStringList dbSpecInfo_;
     bool autoAddFields_ = true;
     double version_ = CurrentModelVersion;
-    bool updating_ = false;
+    int updates_ = 0;
     bool storeStruct_ = true;
     int replacing_ = 0; // replacements that are going on, one within another
-    std::vector<TModelListener*> listeners_;
+    mutable TNoticeList<TModelListener> listeners_;
 
-    mutable TDSPath path_;
-    mutable std::unique_ptr<TJoinGraph> graph_;
-    mutable std::array<TLookup<TDSTable>, 5> tablesByName_;
-    mutable std::array<TLookup<TDSField>, 4> fieldsByName_;
-    mutable TLookup<TDSField> fieldsByID_;
-    mutable TLookup<TDSOperator> operatorsByName_;
-    mutable TLookup<TDSCondition> conditionsByID_;
+    TDSPath path_;
+    std::unique_ptr<TModelIndexes> indexes_;
 };
 
 // The model as it is placed on forms.

@@ -434,19 +434,18 @@ void TModelReader::ReadCondition(const TSectionLines& lines) {
 // --- Loading a model.
 
 void TVCustomDBStructure::LoadFromStrings(const TStringList& lines) {
-    const bool wasUpdating = updating_;
     const double oldVersion = version_;
     TStringList old;
     SaveToStrings(old);
     AnnounceReplacing();
-    updating_ = true;
+    BeginUpdate();
     const auto read = [this](const TStringList& text) {
         ClearItems();
         ClearOperators();
         TModelReader(*this, text).Read();
     };
     const auto finish = [&] {
-        updating_ = wasUpdating;
+        EndUpdate();
         AnnounceReplaced();
     };
     try {

@@ -19,7 +19,7 @@ void TVQueryPanel::SetTitles(const TStringList& titles) {
     if (IsLoading() && !titles.Empty() && !hasKeys)
         oldTitles_ = titles; // an old form keeps its titles by position
     else
-        LoadTitlesFromStrings(defTitles_, titles_, titles);
+        LayTitlesOver(defTitles_, titles_, titles);
     view_->PlaceAllRows();
 }
 

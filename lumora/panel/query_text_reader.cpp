@@ -42,7 +42,7 @@ void TQueryTextReader::Read() {
 // The version looked at is the one of the text read before: the own version comes behind the titles.
 void TQueryTextReader::ReadTitles() {
     if (panel_.version_ >= 2.2) {
-        LoadTitlesFromSections(panel_.loadDefTitles_, panel_.titles_, lines_, sections_);
+        LayTitlesOver(panel_.loadDefTitles_, panel_.titles_, lines_, sections_);
         return;
     }
     TStringList old;

@@ -69,7 +69,8 @@ std::string TResultField::FillFormula(TAppendField appendField) const {
     TPlanRequest request;
     request.ValueCount = static_cast<int>(fields_.size());
     std::string text;
-    for (const TTemplatePiece& piece : formula_.Plan(request).Pieces) {
+    TTemplatePlan spare;
+    for (const TTemplatePiece& piece : formula_.Plan(request, spare).Pieces) {
         if (piece.Kind == tpLiteral)
             text += piece.Text;
         else

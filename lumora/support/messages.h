@@ -63,6 +63,9 @@ enum TMessageId : int {
     msgNoDataSet,
     msgDataSetNotOpened,
     msgCantSortDistinct,
+    msgInvalidFieldIndex,
+    msgInvalidConditionIndex,
+    msgInvalidGroupIndex,
     // On screen.
     msgYes,
     msgNo,
@@ -90,7 +93,7 @@ enum TMessageId : int {
 const std::string& Message(TMessageId id);
 // The record name of a message ("_SDeleteGroup"); empty for the few that have none.
 std::string_view MessageRecordName(TMessageId id);
-// Puts a translated text in the place of the default; unknown ids are ignored.
+// Puts a translated text in the place of the default; unknown ids are ignored. Before threads start.
 void SetMessage(TMessageId id, std::string text);
 
 // Replaces each "%s" and "%d" of the format, in order, by an argument.
