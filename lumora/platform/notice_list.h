@@ -26,38 +26,39 @@ public:
             return false;
         const auto at = static_cast<std::size_t>(found - items_.begin());
         items_.erase(found);
-        for (TRound* round = round_; round; round = round->Outer) {
-            round->Next -= at < round->Next ? 1 : 0;
-            round->End -= at < round->End ? 1 : 0;
+        for (TRound& round : rounds_) {
+            round.Next -= at < round.Next ? 1 : 0;
+            round.End -= at < round.End ? 1 : 0;
         }
         return true;
     }
     // Tells those that are in the list now, in order, but for those that are taken off before their turn.
     template <typename TTell>
     void ForEach(TTell tell) {
-        TRound round(*this);
-        while (round.Next < round.End)
-            tell(*items_[round.Next++]);
+        const TTelling telling(rounds_);
+        rounds_.back().End = items_.size();
+        const std::size_t round = rounds_.size() - 1; // others may begin within it
+        while (rounds_[round].Next < rounds_[round].End)
+            tell(*items_[rounds_[round].Next++]);
     }
 
 private:
-    // One call of ForEach; Remove keeps its places right.
+    // Where a call of ForEach is; Remove keeps it right.
     struct TRound {
-        explicit TRound(TNoticeList& owner) : List(owner), End(owner.items_.size()), Outer(owner.round_) {
-            List.round_ = this;
-        }
-        ~TRound() { List.round_ = Outer; }
-        TRound(const TRound&) = delete;
-        TRound& operator=(const TRound&) = delete;
-
-        TNoticeList& List;
         std::size_t Next = 0;
-        std::size_t End;
-        TRound* Outer;
+        std::size_t End = 0;
+    };
+    struct TTelling {
+        explicit TTelling(std::vector<TRound>& rounds) : Rounds(rounds) { Rounds.emplace_back(); }
+        ~TTelling() { Rounds.pop_back(); }
+        TTelling(const TTelling&) = delete;
+        TTelling& operator=(const TTelling&) = delete;
+
+        std::vector<TRound>& Rounds;
     };
 
     std::vector<T*> items_;
-    TRound* round_ = nullptr;
+    std::vector<TRound> rounds_;
 };
 
 } // namespace lumora
