@@ -94,7 +94,8 @@ void TModelReader::Read() {
     ReadOperators();
     ReadTables();
     ReadLinks();
-    model_.SetDefaultMainTable(model_.TableByName(tnName, main_.Value("DefaultMainTable")));
+    if (const std::string_view name = main_.Value("DefaultMainTable"); !name.empty())
+        model_.SetDefaultMainTable(model_.TableByName(tnName, name));
     ReadFields();
     ReadGroups();
     ReadConditions();
