@@ -51,19 +51,21 @@ void Measure(benchmark::State& state, TKeyOf keyOf, TFind find) {
 void TableByAlias(benchmark::State& state) {
     Measure(
         state, [](const TDSField& field) { return field.GetTable()->GetAlias(); },
-        [](const TVDBStructure& model, const std::string& key) { return model.TableByName(1, key); });
+        [](const TVDBStructure& model, const std::string& key) { return model.TableByName(tnAlias, key); });
 }
 
 void FieldByFullName(benchmark::State& state) {
     Measure(
         state, [](const TDSField& field) { return field.GetFullName(); },
-        [](const TVDBStructure& model, const std::string& key) { return model.FieldByName(2, key); });
+        [](const TVDBStructure& model, const std::string& key) {
+            return model.FieldByName(fnFullName, key);
+        });
 }
 
 void FieldBySQLExpression(benchmark::State& state) {
     Measure(
         state, [](const TDSField& field) { return field.GetSQLExpr(); },
-        [](const TVDBStructure& model, const std::string& key) { return model.FieldByName(3, key); });
+        [](const TVDBStructure& model, const std::string& key) { return model.FieldByName(fnSQLExpr, key); });
 }
 
 void FieldByID(benchmark::State& state) {

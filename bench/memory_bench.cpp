@@ -61,7 +61,7 @@ std::int64_t LoadedBytes(const std::string& text, bool lookUp, std::int64_t* own
     TVDBStructure model;
     model.LoadFromStrings(lines);
     if (lookUp) // so that every index is there
-        for (const int mode : {0, 1, 2, 3})
+        for (const TFieldNameMode mode : {fnText, fnDisplayName, fnFullName, fnSQLExpr})
             benchmark::DoNotOptimize(model.FieldByName(mode, "Name"));
     const std::int64_t bytes = counter.LiveBytes();
     for (int i = 0; ownTexts && i < model.GetFieldCount(); ++i)

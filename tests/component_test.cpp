@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <utility>
+
 #include <limits>
 #include <random>
 
@@ -108,6 +111,7 @@ public:
     double Weight = 0;
     TStringList Struct;
     std::string Notices; // "+name" and "-name" as the notices came
+    std::function<void()> OnNotice;
     bool FailsToLoad = false;
 
 protected:
@@ -116,6 +120,8 @@ protected:
         Notices += (operation == opInsert ? '+' : '-') + component->GetName();
         if (operation == opRemove && component == Peer)
             Peer = nullptr;
+        if (const auto act = std::exchange(OnNotice, nullptr))
+            act();
     }
     void Loaded() override {
         EXPECT_TRUE(IsLoading());
@@ -174,6 +180,37 @@ TEST(Component, OwnersFreeAndNamesAreUnique) {
     }
     EXPECT_EQ(watcher.Peer, nullptr);
     EXPECT_EQ(watcher.Notices, "-child");
+}
+
+TEST(Component, OthersMayGoInANotice) {
+    TGadget owner;
+    auto* const first = new TGadget(&owner);
+    auto* const second = new TGadget(&owner);
+    auto* const third = new TGadget(&owner);
+    auto leaving = std::make_unique<TGadget>();
+    for (TGadget* const gadget : {first, second, third})
+        gadget->Notices.clear();
+    leaving->SetName("Leaving");
+    for (TGadget* const gadget : {first, second, third})
+        gadget->SetPeer(leaving.get());
+    third->OnNotice = [&] { delete second; }; // watchers are told last first
+    leaving.reset();
+    EXPECT_EQ(first->Notices, "--Leaving"); // second has no name
+    EXPECT_EQ(first->Peer, nullptr);
+    EXPECT_EQ(owner.GetComponentCount(), 2);
+
+    auto* const fourth = new TGadget(&owner);
+    auto* const fifth = new TGadget(&owner);
+    first->OnNotice = [&] { delete fourth; }; // siblings are told first to last
+    fifth->Notices.clear();
+    delete third;
+    EXPECT_EQ(fifth->Notices, "--") << "of both";
+    EXPECT_EQ(owner.GetComponent(1), fifth);
+    EXPECT_THROW(owner.GetComponent(2), EListError);
+    EXPECT_THROW(owner.GetComponent(-1), EListError);
+    EXPECT_THROW(owner.FindProperty("Tag")->Write(owner, std::string("1")), EConvertError);
+    EXPECT_THROW(owner.FindProperty("Shade")->Write(owner, std::int64_t{3}), EConvertError);
+    EXPECT_THROW(owner.FindProperty("Lines")->Write(owner, std::int64_t{3}), EConvertError);
 }
 
 TEST(Component, NoticesReachOwnersSiblingsAndWatchers) {

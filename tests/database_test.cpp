@@ -216,13 +216,13 @@ TEST_P(FilledModel, NamesAreQuotedWhereNeededAndReadWell) {
     EXPECT_EQ(name.GetDisplayName(), "Name (Customers)"); // the view has one too
     EXPECT_EQ(field("customers", "opens")->GetDisplayName(), "Opens");
     EXPECT_EQ(field("customers", "order date")->GetSQLExpr(), "customers.\"order date\"");
-    EXPECT_EQ(model_.TableByName(0, "Order")->GetSQLExpr(), "\"Order\" t_order");
-    const TDSTable* const lines = model_.TableByName(2, "Order lines");
+    EXPECT_EQ(model_.TableByName(tnName, "Order")->GetSQLExpr(), "\"Order\" t_order");
+    const TDSTable* const lines = model_.TableByName(tnDisplayName, "Order lines");
     ASSERT_TRUE(lines);
     EXPECT_EQ(lines->GetSQLExpr(),
               isSqlite() ? "Sales.\"Order Lines\" order_lines" : "\"Sales\".\"Order Lines\" order_lines");
     EXPECT_EQ(name.GetGroup()->GroupName, "Customers");
-    EXPECT_EQ(model_.TableByName(0, "broken"), nullptr);
+    EXPECT_EQ(model_.TableByName(tnName, "broken"), nullptr);
 
     TStringList text, again;
     model_.SaveToStrings(text);

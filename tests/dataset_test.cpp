@@ -117,10 +117,21 @@ TEST(DatasetModel, TellsOfItsContentAfterAFill) {
     EXPECT_TRUE(model.GetActive());
     model.SetActive(false);
     EXPECT_EQ(model.GetTableCount(), 0);
+    EXPECT_EQ(std::exchange(notices, {}), "5 6 0 ");
 
-    orders.DataSet.AddField("odd", ftString).FieldKind = fkLookup;
-    orders.DataSet.FieldByName("odd").KeyFields = "nowhere";
+    TField& odd = orders.DataSet.AddField("odd", ftString);
+    odd.FieldKind = fkLookup;
+    odd.KeyFields = "nowhere";
     EXPECT_EQ(MessageOf<EDatabaseError>([&] { model.FillStructure(); }), "Field 'nowhere' not found");
+    EXPECT_TRUE(model.IsUpdating()) << "the update has not ended";
+    EXPECT_EQ(notices, "");
+    odd.KeyFields = "note";
+    model.SetActive(true); // ends it
+    EXPECT_FALSE(model.IsUpdating());
+    EXPECT_EQ(std::exchange(notices, {}), "7 ");
+    orders.DataSet.Open = false;
+    EXPECT_THROW(model.ReloadStructure(), EVDatasetStructureError);
+    EXPECT_EQ(notices, "0 ") << "what was cleared before";
 }
 
 TEST(DatasetModel, KeepsTheRowsOfPanels) {

@@ -70,7 +70,7 @@ public:
         Panel.Activate();
     }
 
-    TDSField* Field(std::string_view sql) { return Model.FieldByName(3, sql); }
+    TDSField* Field(std::string_view sql) { return Model.FieldByName(fnSQLExpr, sql); }
     TDSOperator* Operator(std::string_view name) { return Model.OperatorByName(name); }
     TFilterBracket& Root() { return *Panel.GetRootBracket(); }
     TResultField* Select(std::string_view sql, const std::string& caption) {

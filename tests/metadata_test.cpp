@@ -52,6 +52,8 @@ public:
                 Session.Asked += DatabaseName + ": " + SQL + "\n";
                 if (SQL.empty())
                     throw Exception("empty query");
+                if (SQL == "throw 7")
+                    throw 7;
             }
             int GetFieldCount() const override { return Session.ColumnCount; }
             std::string GetFieldText(int field) const override {
@@ -159,6 +161,8 @@ TEST(DatabaseProvider, ValueListsEndQuietlyAtAFailure) {
     info.GetSQLValues("select", values, captions);
     EXPECT_TRUE(values.Empty() && captions.Empty());
     EXPECT_EQ(info.GetLastError(), "Field count must be >= 2");
+    info.GetSQLValues("throw 7", values, captions); // not even an exception's class is known
+    EXPECT_EQ(info.GetLastError(), "Unknown error");
     info.GetSQLValues("", values, captions);
     EXPECT_EQ(info.GetLastError(), "empty query");
     EXPECT_FALSE(session.Busy);

@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <utility>
+
 using namespace lumora;
 using namespace lumora::tests;
 
 TEST(Messages, CarryCodeAndText) {
-    const TVDBStructure model;
+    TVDBStructure model;
     try {
         model.GetTable(7);
         FAIL();
@@ -77,20 +80,25 @@ TEST(Fields, KnowTheirTablesAndNames) {
 TEST(Fields, AreFoundThroughEveryChange) {
     TShop shop;
     TDSField* const amount = shop.Field("orders.amount");
-    EXPECT_EQ(shop.Model.FieldByName(0, "AMOUNT"), amount);
+    EXPECT_EQ(shop.Model.FieldByName(fnText, "AMOUNT"), amount);
     EXPECT_EQ(shop.Field("  ORDERS . Amount "), amount);
     shop.Model.GetTable(1)->SetAlias("o");
     EXPECT_EQ(shop.Field("orders.amount"), nullptr);
     EXPECT_EQ(shop.Field("o.amount"), amount);
-    shop.Model.GetSQLFormats().SetQuoteSymbol1('`');
+    int quoteChanges = 0;
+    shop.Model.GetSQLFormats().OnQuotesChange = [&] { ++quoteChanges; }; // the host's, not the model's
     amount->SetQuoted(true);
+    EXPECT_EQ(shop.Field("o.\"amount\""), amount);
+    shop.Model.GetSQLFormats().SetQuoteSymbol1('`');
+    shop.Model.GetSQLFormats().SetQuoteSymbol1('`');
     EXPECT_EQ(shop.Field("o.`amount\""), amount);
+    EXPECT_EQ(quoteChanges, 1);
     amount->SetDisplayName("Total");
-    EXPECT_EQ(shop.Model.FieldByName(1, "total"), amount);
+    EXPECT_EQ(shop.Model.FieldByName(fnDisplayName, "total"), amount);
     // The first of equal names is found, whichever came to the list when.
-    EXPECT_EQ(shop.Model.FieldByName(0, "custno")->GetTable(), shop.Model.GetTable(0));
+    EXPECT_EQ(shop.Model.FieldByName(fnText, "custno")->GetTable(), shop.Model.GetTable(0));
     shop.Model.DelField(0);
-    EXPECT_EQ(shop.Model.FieldByName(0, "custno")->GetTable(), shop.Model.GetTable(1));
+    EXPECT_EQ(shop.Model.FieldByName(fnText, "custno")->GetTable(), shop.Model.GetTable(1));
     EXPECT_EQ(shop.Model.FieldByID(1), nullptr);
 }
 
@@ -175,6 +183,15 @@ TEST(ValueEditors, HoldTheirSettings) {
     text.SetOption(2, true);
     EXPECT_EQ(text.GetOptions(), 2 | 4);
     EXPECT_FALSE(text.GetOption(1 | 2));
+    EXPECT_TRUE(text.GetOption(2 | 4));
+    text.SetOption(1, true);
+    EXPECT_EQ(text.GetOptions(), 1 | 4);
+    text.SetOption(1 | 2, true); // never both, however they are set
+    EXPECT_EQ(text.GetOptions(), 2 | 4);
+    text.SetOptions(1 | 2 | 8);
+    EXPECT_EQ(text.GetOptions(), 2 | 8);
+    text.SetOption(2, false);
+    EXPECT_EQ(text.GetOptions(), 8);
 
     field.SetEditType(etSQL);
     auto& sql = dynamic_cast<TDSSQLEditor&>(*field.GetValueEditor());
@@ -259,6 +276,172 @@ TEST(Model, FillsItselfFromAProvider) {
         shop.Model.SetDatabaseInfo(&other);
     }
     EXPECT_EQ(shop.Model.GetDatabaseInfo(), nullptr);
+}
+
+TEST(Model, TellsOnceOfEachChange) {
+    TShop shop;
+    int changes = 0;
+    shop.Model.OnChange = [&](TVCustomDBStructure&) { ++changes; };
+    const auto told = [&] { return std::exchange(changes, 0); };
+    shop.Model.SetExOperators({});
+    EXPECT_EQ(told(), 1);
+    shop.Model.ClearOperators();
+    EXPECT_EQ(told(), 1);
+    shop.Model.ClearTables();
+    EXPECT_EQ(told(), 1);
+    shop.Model.ClearStructure();
+    EXPECT_EQ(told(), 1);
+
+    shop.Model.BeginUpdate();
+    shop.Model.BeginUpdate();
+    shop.Model.EndUpdate();
+    shop.Model.AddTable("a", "a");
+    EXPECT_EQ(told(), 0) << "the outer update goes on";
+    shop.Model.EndUpdate();
+    EXPECT_EQ(told(), 0) << "an end tells nothing by itself";
+    shop.Model.EndUpdate(); // one too many
+    shop.Model.BeginUpdate();
+    shop.Model.AddTable("b", "b");
+    EXPECT_EQ(told(), 0);
+    shop.Model.EndUpdate();
+    shop.Model.SetStructString(shop.Model.GetStructString());
+    EXPECT_EQ(told(), 0);
+    shop.Model.DelTable(0);
+    EXPECT_EQ(told(), 1);
+}
+
+TEST(Model, ForgetsItsMainTableWhenItGoes) {
+    TShop shop;
+    const auto isForgotten = [&](const std::function<void()>& change) {
+        shop.Model.RetriveDataModelInfo();
+        shop.Model.SetDefaultMainTable(shop.Model.GetTable(1));
+        change();
+        return shop.Model.GetDefaultMainTable() == nullptr;
+    };
+    EXPECT_TRUE(isForgotten([&] { shop.Model.DelTable(1); }));
+    EXPECT_FALSE(isForgotten([&] { shop.Model.DelTable(0); })) << "another one went";
+    EXPECT_TRUE(isForgotten([&] { shop.Model.ClearTables(); }));
+    EXPECT_TRUE(isForgotten([&] { shop.Model.ClearStructure(); }));
+    EXPECT_TRUE(isForgotten([&] { shop.Model.RetriveDataModelInfo(); }));
+    EXPECT_TRUE(isForgotten([&] { // by a text that names none, though a table has no name
+        shop.Model.SetStructString("[Main]\nVersion=3.5\nTableCount=1\n[Table:1]\nAlias=x\n");
+    }));
+}
+
+TEST(Model, RefusesBadIndexesByTheirKind) {
+    TShop shop;
+    TVDBStructure& model = shop.Model;
+    TDSField& field = *model.GetField(0);
+    TDSFieldGroupList& groups = model.GetFieldGroups();
+    groups.AddGroup("G", &field);
+    TDSPath path(&model);
+    path.AddTable(model.GetTable(0));
+    const std::string before = model.GetStructString();
+    const std::vector<std::pair<std::string, std::function<void(int)>>> calls = {
+        {"table", [&](int i) { model.GetTable(i + 3); }},
+        {"table", [&](int i) { model.DelTable(i + 3); }},
+        {"table", [&](int i) { path.GetTable(i + 1); }},
+        {"table", [&](int i) { path.DelTable(i + 1); }},
+        {"link", [&](int i) { model.GetLink(i + 2); }},
+        {"link", [&](int i) { model.DelLink(i + 2); }},
+        {"field", [&](int i) { model.GetField(i + 10); }},
+        {"field", [&](int i) { model.DelField(i + 10); }},
+        {"field group", [&](int i) { groups.GetGroup(i + 1); }},
+        {"field group", [&](int i) { groups.Delete(i + 1); }},
+        {"condition", [&](int i) { model.GetCondition(i); }},
+        {"condition", [&](int i) { model.DelCondition(i); }},
+        {"operator", [&](int i) { model.GetOperator(i + 15); }},
+        {"operator", [&](int i) { model.DelOperator(i + 15); }},
+        {"operator", [&](int i) { field.GetOperator(i + 11); }},
+        {"operator", [&](int i) { field.DelOperator(i + 11); }},
+        {"operator", [&](int i) { field.MoveOperat(i + 11, 0); }},
+        {"operator", [&](int i) { field.MoveOperat(0, i + 11); }},
+    };
+    for (std::size_t i = 0; i < calls.size(); ++i)
+        for (const int beyond : {0, -1000}) {
+            const std::string message = MessageOf<EVDBStructError>([&] { calls[i].second(beyond); });
+            EXPECT_TRUE(message.starts_with("Invalid " + calls[i].first + " index ")) << i << message;
+        }
+    EXPECT_EQ(model.GetStructString(), before);
+}
+
+namespace {
+
+// A listener that does what a test wants.
+struct TActingListener : TModelListener {
+    explicit TActingListener(const TVCustomDBStructure& model) : Model(&model) { model.AddListener(*this); }
+    ~TActingListener() override {
+        if (Model)
+            Model->RemoveListener(*this);
+    }
+    void FieldRemoved(TDSField& field) override { Act("field " + field.GetFullName()); }
+    void OperatorRemoved(TDSOperator& op) override { Act("operator " + op.GetName()); }
+    void TableRemoved(TDSTable& table) override { Act("table " + table.GetName()); }
+    void ConditionRemoved(TDSCondition& condition) override { Act("condition " + condition.GetCaption()); }
+    void ModelReplacing() override { Act("replacing"); }
+    void ModelReplaced() override { Act("replaced"); }
+    void Act(const std::string& notice) {
+        Notes += notice + "; ";
+        if (const auto act = std::exchange(OnNotice, nullptr))
+            act();
+    }
+
+    const TVCustomDBStructure* Model;
+    std::string Notes;
+    std::function<void()> OnNotice; // once
+};
+
+} // namespace
+
+TEST(ModelListeners, MayComeAndGoInANotice) {
+    TShop shop;
+    TActingListener first(shop.Model);
+    auto second = std::make_unique<TActingListener>(shop.Model);
+    auto panel = std::make_unique<TVQueryPanel>();
+    panel->SetDbStruct(&shop.Model);
+    TActingListener third(shop.Model);
+    std::unique_ptr<TActingListener> late;
+    first.OnNotice = [&] { // whoever has had its turn, whoever has not, and a new one
+        shop.Model.RemoveListener(first);
+        second.reset();
+        panel.reset();
+        late = std::make_unique<TActingListener>(shop.Model);
+    };
+    shop.Model.DelField(0);
+    EXPECT_EQ(first.Notes, "field customers.custno; ");
+    EXPECT_EQ(third.Notes, "field customers.custno; ") << "the one behind them is told";
+    EXPECT_EQ(late->Notes, "") << "who came later is not told of this";
+    third.OnNotice = [&] { late.reset(); };
+    shop.Model.ClearStructure();
+    EXPECT_EQ(third.Notes, "field customers.custno; replacing; replaced; ");
+}
+
+TEST(ModelListeners, MayChangeTheModelInANotice) {
+    TShop shop;
+    TVDBStructure& model = shop.Model;
+    model.AddCondition(1, "one", "1=1");
+    model.AddCondition(2, "two", "2=2");
+    TActingListener acting(model), watching(model);
+    acting.OnNotice = [&] { model.DelField(0); };
+    model.DelField(0);
+    EXPECT_EQ(watching.Notes, "field customers.company; field customers.custno; ");
+    EXPECT_EQ(model.GetField(0)->GetFullName(), "customers.since");
+    acting.OnNotice = [&] { model.DelCondition(0); };
+    model.DelCondition(0);
+    EXPECT_EQ(model.GetConditionCount(), 0);
+    acting.OnNotice = [&] { model.ClearTables(); };
+    model.DelTable(2);
+    EXPECT_EQ(model.GetTableCount() + model.GetFieldCount() + model.GetLinkCount(), 0);
+    acting.OnNotice = [&] { model.ClearOperators(); };
+    watching.Notes.clear();
+    model.DelOperator(0);
+    EXPECT_EQ(model.GetOperatCount(), 0);
+    EXPECT_TRUE(watching.Notes.ends_with("operator Equal; ")) << watching.Notes;
+    model.AddDefOperators(false);
+    acting.OnNotice = [&] { model.DelOperator(0); };
+    model.AddOperator("Other", "", "", "", {});
+    model.DeleteOperatorByName("Other");
+    EXPECT_EQ(model.OperatorByName("Equal"), nullptr);
 }
 
 TEST(Provider, AsksForATableOnce) {

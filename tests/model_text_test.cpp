@@ -147,8 +147,17 @@ TEST(ModelText, OfOlderVersions) {
     EXPECT_EQ(model.GetOperator(0)->ValueKind, vkScalar);
     EXPECT_EQ(model.GetOperator(1)->ValueKind, vkSubQuery);
     EXPECT_TRUE(model.RootFieldsFirst);
-    EXPECT_TRUE(model.GetField(0)->UIR); // not read before 3.2
     EXPECT_EQ(dynamic_cast<TDSSQLEditor&>(*model.GetField(0)->GetValueEditor()).SQL.GetText(), "select 1\n");
+    EXPECT_TRUE(model.GetField(0)->UIR); // no boolean before 3.2
+    for (const char* const key : {"UIR", "CondField"})
+        for (const char* const value : {"0", "1", "false", "True"}) {
+            model.SetStructString(
+                std::string("[Main]\nVersion=3.2\nFieldCount=1\n[Field:1]\nID=4\nUIC=300\n") + key + "=" +
+                value + "\n");
+            EXPECT_EQ(model.GetField(0)->UIR, SameText(value, "true") || SameText(value, "1"))
+                << key << value;
+            EXPECT_EQ(model.GetField(0)->UIC, 255);
+        }
     model.SetStructString("[Main]\nVersion=2.8\nOperatCount=1\n[Operator:1]\nName=a\nValueIsList=1\n");
     EXPECT_EQ(model.GetOperator(0)->ValueKind, vkList);
 }

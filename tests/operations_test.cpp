@@ -27,9 +27,9 @@ TEST(Operations, ListWhatAModelHas) {
     TShop shop;
     shop.Model.AddCondition(1, "Big", "orders.amount > 1");
     TStringList names;
-    shop.Model.GetTableNames(3, names);
+    shop.Model.GetTableNames(tnCompoundName, names);
     EXPECT_EQ(names[1], "orders - orders");
-    shop.Model.GetFieldNames(2, names);
+    shop.Model.GetFieldNames(fnFullName, names);
     EXPECT_EQ(names[5], "orders.amount");
     shop.Model.GetOperatorNames(names);
     EXPECT_EQ(names[14], "NotBetween");

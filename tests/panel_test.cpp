@@ -230,7 +230,7 @@ TEST(Panel, IsKeptInAForm) {
     panel->SetStrict(true);
     panel->SetSQLOptions({soBracketJoins});
     panel->GetAppearance().SetStyle(psAndOr);
-    panel->GetQResult().GetResultFields().Add("@1", {model->FieldByName(1, "amount")}, "Größe");
+    panel->GetQResult().GetResultFields().Add("@1", {model->FieldByName(fnDisplayName, "amount")}, "Größe");
     panel->SetTitle("ttlAll", "alle");
     const std::string text = WriteFormText(form);
     EXPECT_NE(text.find("    Strict = True\n"), std::string::npos) << text;

@@ -225,7 +225,7 @@ TEST_F(QtDataSet, MakesRelationsIntoLookUpFields) {
     TVDatasetStructure structure;
     TVQueryPanel panel;
     setUp(structure, panel, dataSet);
-    TDSField& country = *structure.FieldByName(1, "country");
+    TDSField& country = *structure.FieldByName(fnDisplayName, "country");
     EXPECT_EQ(country.GetID(), 7);
     EXPECT_EQ(country.FieldType, ftInteger);
     auto& editor = dynamic_cast<TDSListEditor&>(*country.GetValueEditor());
@@ -240,7 +240,7 @@ TEST_F(QtDataSet, MakesRelationsIntoLookUpFields) {
 
     // Both tables have a name.
     structure.SetFilterSyntax(fsSQLLike);
-    panel.ManualAddCond(*panel.GetRootBracket(), structure.FieldByName(0, "name"),
+    panel.ManualAddCond(*panel.GetRootBracket(), structure.FieldByName(fnText, "name"),
                         structure.OperatorByName("StartsWith"), "Adam's");
     EXPECT_NE(MessageOf<DatabaseError>([&] { applyFilter(model, filterText(panel)); }).find("ambiguous"),
               std::string::npos);

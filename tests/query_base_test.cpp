@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <utility>
+
 using namespace lumora;
 using namespace lumora::tests;
 
@@ -13,13 +16,18 @@ class TNotingLink : public TVQueryBaseLink {
 public:
     explicit TNotingLink(std::string& notes, bool answers = false) : notes_(notes), answers_(answers) {}
 
-    void QueryChanged(int index) override { notes_ += "changed" + std::to_string(index) + " "; }
+    void QueryChanged(int index) override {
+        notes_ += "changed" + std::to_string(index) + " ";
+        if (const auto act = std::exchange(act_, nullptr))
+            act();
+    }
     void QueryIndexChanged() override {
         notes_ += "index" + std::to_string(GetQueryBase()->GetItemIndex()) + " ";
     }
     void QueryListChanged(TQBOperation operation, int index) override {
         notes_.append(EnumName(operation)).append(std::to_string(index)).append(" ");
     }
+    void OnNextNotice(std::function<void()> act) { act_ = std::move(act); }
     bool GetQueryContent(TStringList& content) override {
         notes_ += "asked ";
         content.SetText("from the link\n");
@@ -29,6 +37,7 @@ public:
 private:
     std::string& notes_;
     bool answers_;
+    std::function<void()> act_;
 };
 
 class TThreeQueries : public TVQueryBase {
@@ -70,6 +79,23 @@ TEST(QueryBase, TellsItsLinksInOrder) {
     base.Close();
     EXPECT_EQ(notes, "qboListCleared-1 ");
     EXPECT_EQ(base.GetItemIndex(), -1);
+}
+
+TEST(QueryBase, LinksMayGoInANotice) {
+    std::string notes, lastNotes;
+    TThreeQueries base;
+    base.Open();
+    auto first = std::make_unique<TNotingLink>(notes);
+    auto second = std::make_unique<TNotingLink>(notes);
+    TNotingLink last(lastNotes);
+    for (TVQueryBaseLink* const link :
+         {static_cast<TVQueryBaseLink*>(first.get()), static_cast<TVQueryBaseLink*>(second.get()),
+          static_cast<TVQueryBaseLink*>(&last)})
+        link->SetQueryBase(&base);
+    first->OnNextNotice([&] { second.reset(); });
+    base.GetQuery(0)->SetQueryName("Uno");
+    EXPECT_EQ(notes, "changed0 ");
+    EXPECT_EQ(lastNotes, "changed0 ");
 }
 
 TEST(QueryBase, KeepsACurrentQueryWhenOneGoes) {

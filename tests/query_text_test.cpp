@@ -51,6 +51,17 @@ void FillQuery(TShop& shop) {
 
 } // namespace
 
+TEST(QueryText, DoesNotGrowWhenItIsReadAndWritten) {
+    TShop shop;
+    const std::string fresh = Saved(shop.Panel);
+    EXPECT_NE(fresh.find("ttlAVERAGECaption=AVERAGE\n\n[Main]"), std::string::npos);
+    Load(shop.Panel, fresh);
+    EXPECT_EQ(Saved(shop.Panel), fresh);
+    shop.Panel.SetTitles(TStringList());
+    EXPECT_EQ(Saved(shop.Panel), fresh);
+    EXPECT_EQ(shop.Panel.GetTitles(), shop.Panel.GetDefTitles());
+}
+
 TEST(QueryText, IsWrittenAsItsFormatSays) {
     TShop shop;
     FillQuery(shop);

@@ -17,7 +17,8 @@ std::string Shown(const std::string& text, bool strict, std::initializer_list<TV
     for (const TValueEntry entry : entries)
         request.SetEntry(++request.ValueCount, entry);
     std::string shown;
-    for (const TTemplatePiece& piece : sql.Plan(request).Pieces)
+    TTemplatePlan spare;
+    for (const TTemplatePiece& piece : sql.Plan(request, spare).Pieces)
         switch (piece.Kind) {
         case tpLiteral:
             shown += piece.Text;

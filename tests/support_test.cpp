@@ -1,8 +1,19 @@
+#include "lumora/model/Vdbstruc.h"
+#include "lumora/platform/convert.h"
+#include "lumora/platform/filter_expression.h"
+#include "lumora/platform/form_text.h"
+#include "lumora/platform/formats.h"
+#include "lumora/platform/text_file.h"
+#include "lumora/querybase/Vqrybase.h"
 #include "lumora/sqlparse/Vscanner.h"
+#include "lumora/sqlparse/Vsqlpars.h"
 #include "lumora/support/Vstrings.h"
 #include "lumora/titles/titles_merge.h"
 
 #include <gtest/gtest.h>
+
+#include <functional>
+#include <vector>
 
 using namespace lumora;
 
@@ -52,6 +63,39 @@ TEST(Scanner, SplitsSQLIntoTokens) {
     EXPECT_EQ(TVScanner("").Token().Kind, tkEnd);
 }
 
+TEST(Errors, HaveOneBase) {
+    TStringGrid grid(2, 3);
+    TStringList lines("a\n");
+    TDBFieldList fields;
+    TSQLResultFieldList columns;
+    TVDBStructure model;
+    TVQueryBase base;
+    const std::vector<std::function<void()>> failures = {
+        [&] { grid.Cell(2, 0); },
+        [&] { grid.Cell(0, 3); },
+        [&] { grid.Cell(-1, 1); },
+        [&] { static_cast<void>(lines[1]); },
+        [&] { lines.Insert(2, ""); },
+        [&] { static_cast<void>(TStringList().Last()); },
+        [&] { fields.GetItem(0); },
+        [&] { columns.GetItem(0); },
+        [&] { base.GetQuery(-1); },
+        [&] { model.GetComponent(0); },
+        [&] { model.GetField(0); },
+        [&] { StrToInt("9999999999"); },
+        [&] { StrToDateTime("soon"); },
+        [&] { model.SetName("1"); },
+        [&] { model.Assign(base); },
+        [&] { model.FindProperty("ExOperators")->Write(model, std::string("xoBetween")); },
+        [&] { model.SetStructString("[Main]\nVersion=3.5\nFieldCount=1\n[Field:1]\nFieldSize=1e9\n"); },
+        [&] { ReadFormText("object", model); },
+        [&] { ReadTextFile("/nowhere"); },
+        [&] { TFilterExpression("a = = b"); },
+    };
+    for (std::size_t i = 0; i < failures.size(); ++i)
+        EXPECT_THROW(failures[i](), Exception) << "failure " << i;
+}
+
 TEST(TitlesMerge, LaysTextsOverDefaults) {
     const TStringList defaults(
         "[Query Panel]\nttlAll=all\nttlAny=any\n\n[Result Fields Editor]\nttlAll=everything\n");
@@ -62,6 +106,15 @@ TEST(TitlesMerge, LaysTextsOverDefaults) {
                     "ttlNew=1\n"));
     EXPECT_EQ(result.GetText(),
               "[Query Panel]\nttlAll=tous\nttlAny=any\n\n[Result Fields Editor]\nttlAll=alles\n\n");
+    TStringList again;
+    LoadTitlesFromStrings(result, again, result);
+    EXPECT_EQ(again, result);
+    // Titles in place of the defaults have as many lines, so a query text does not grow.
+    LayTitlesOver(defaults, result, TStringList("[RFETitles]\nttlAll=alles\n"));
+    EXPECT_EQ(result.GetText(),
+              "[Query Panel]\nttlAll=all\nttlAny=any\n\n[Result Fields Editor]\nttlAll=alles\n");
+    LayTitlesOver(result, again, result);
+    EXPECT_EQ(again, result);
     LoadTitlesFromStrings(TStringList("a=1\nb=2\n"), result, TStringList("[S]\nb=zwei\nc=3\n"));
     EXPECT_EQ(result.GetText(), "a=1\nb=zwei\n");
 }

@@ -58,7 +58,7 @@ QuerySession::QuerySession(const std::string& modelFile) {
 
 void QuerySession::prepare(const QueryOptions& options) {
     // The panel would pass over a table that does not exist, and the query would start from another one.
-    if (!options.mainTable.empty() && !model_.TableByName(0, options.mainTable))
+    if (!options.mainTable.empty() && !model_.TableByName(tnName, options.mainTable))
         throw EVDBStructError(dseNoTable, {options.mainTable});
     panel_.SetSaveTitles(options.saveTitles);
     panel_.SetSQLSyntax(options.syntax);

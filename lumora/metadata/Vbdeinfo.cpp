@@ -73,6 +73,8 @@ void TVBDEInfo::GetSQLValues(std::string_view sql, TStringList& first, TStringLi
         ReadValues(*query, first, second);
     } catch (const std::exception& error) {
         lastError_ = error.what();
+    } catch (...) { // a platform raises what it likes
+        lastError_ = "Unknown error";
     }
 }
 

@@ -2,6 +2,10 @@
 
 namespace lumora {
 
+const TDBFieldInfo& TDBFieldList::GetItem(int index) const {
+    return items_[CheckIndex(index, items_.size())];
+}
+
 const TDBFieldInfo* TDBFieldList::FindByName(std::string_view name) const {
     for (const TDBFieldInfo& info : items_)
         if (SameText(info.Name, name))

@@ -30,7 +30,7 @@ struct TDBFieldInfo {
 class TDBFieldList {
 public:
     int Count() const { return static_cast<int>(items_.size()); }
-    const TDBFieldInfo& GetItem(int index) const { return items_.at(static_cast<std::size_t>(index)); }
+    const TDBFieldInfo& GetItem(int index) const; // EListError for a bad index
     void Add(TDBFieldInfo info) { items_.push_back(std::move(info)); }
     void Clear() { items_.clear(); }
     // The first field of that name, letter case ignored; null when there is none.

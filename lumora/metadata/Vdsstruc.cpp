@@ -83,16 +83,17 @@ void TVDatasetStructure::FillStructure() {
 
 void TVDatasetStructure::ReloadStructure() {
     // One replacement, so that rows find their fields again.
-    ReplaceModel([this] {
-        if (active_)
-            SetActive(false);
-        active_ = true;
-        if (IsLoading())
-            return;
-        CheckDataSet();
-        Fill();
+    ChangeAsOne([this] {
+        ReplaceModel([this] {
+            if (active_)
+                SetActive(false);
+            active_ = true;
+            if (IsLoading())
+                return;
+            CheckDataSet();
+            Fill();
+        });
     });
-    Changed();
 }
 
 void TVDatasetStructure::CheckDataSet() {
@@ -106,7 +107,9 @@ void TVDatasetStructure::CheckDataSet() {
 
 void TVDatasetStructure::Fill() {
     ReplaceModel([this] {
-        BeginUpdate();
+        if (!stoppedInFill_ || !IsUpdating())
+            BeginUpdate();
+        stoppedInFill_ = true;
         ClearStructure();
         TDSTable* const table = GetTable(AddTable(dataSetName_, dataSetName_));
         table->SetAlias("");
@@ -117,6 +120,7 @@ void TVDatasetStructure::Fill() {
                 AddFieldOf(field, i + 1, *table);
         }
         UpdateExOperators();
+        stoppedInFill_ = false;
         EndUpdate();
     });
 }

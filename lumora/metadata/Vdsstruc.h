@@ -84,6 +84,7 @@ private:
     void AddFieldOf(TField& field, int id, TDSTable& table);
 
     bool active_ = false;
+    bool stoppedInFill_ = false; // the last fill has failed, and its update goes on
     TFilterSyntax filterSyntax_ = fsStandard;
     TDataSet* dataSet_ = nullptr;
     std::string dataSetName_ = "Dataset";

@@ -26,15 +26,24 @@ enum TDBStructErrorCode : int {
     dseAssignExpr,
     dseCantFindSection,
     dseCantFindFieldInTbl,
-    dseDbInfoNotSpecified
+    dseDbInfoNotSpecified,
+    dseInvalidFieldIndex,
+    dseInvalidConditionIndex,
+    dseInvalidGroupIndex
 };
 
 // A failure of the data model; the message belongs to the code.
 class EVDBStructError : public EVLumoraError {
 public:
     explicit EVDBStructError(TDBStructErrorCode code, std::initializer_list<std::string_view> arguments = {})
-        : EVLumoraError(code, Message(static_cast<TMessageId>(int{msgInvalidTableIndex} + code - 1)),
-                        arguments) {}
+        : EVLumoraError(code, Message(MessageOf(code)), arguments) {}
+
+private:
+    static TMessageId MessageOf(TDBStructErrorCode code) {
+        const int first = code < dseInvalidFieldIndex ? int{msgInvalidTableIndex} - dseInvalidTableIndex
+                                                      : int{msgInvalidFieldIndex} - dseInvalidFieldIndex;
+        return static_cast<TMessageId>(first + code);
+    }
 };
 
 enum TVFieldKind : std::uint8_t {

@@ -69,8 +69,15 @@ void TDSField::AppendSQLExpr(std::string& out, TNameQuoting quoting) const {
 }
 
 std::string TDSField::GetFullName() const {
-    const TDSTable* const table = kind_ == vfkData ? GetTable() : nullptr;
-    return table ? table->GetName() + "." + text_ : text_;
+    std::string text;
+    AppendFullName(text);
+    return text;
+}
+
+void TDSField::AppendFullName(std::string& out) const {
+    if (const TDSTable* const table = kind_ == vfkData ? GetTable() : nullptr)
+        out.append(table->GetName()) += '.';
+    out += text_;
 }
 
 std::string TDSField::GetCompoundName() const {
@@ -144,6 +151,12 @@ void TDSField::SetEditType(TDSEditType type) {
 void TDSField::SetListEditor(std::unique_ptr<TDSListEditor> editor) {
     editType_ = etList;
     editor_ = std::move(editor);
+}
+
+TDSFieldGroup* TDSFieldGroupList::GetGroup(int index) const {
+    if (index < 0 || index >= Count())
+        throw EVDBStructError(dseInvalidGroupIndex, {std::to_string(index)});
+    return groups_[static_cast<std::size_t>(index)].get();
 }
 
 TDSFieldGroup* TDSFieldGroupList::Add(std::string name) {

@@ -27,13 +27,13 @@ TLinkTables SplitLinkLine(const TVCustomDBStructure& structure, std::string_view
     const std::size_t longest = LongestTableName(structure);
     for (std::size_t dash = text.find('-'); dash != std::string_view::npos && dash <= longest;
          dash = text.find('-', dash + 1)) {
-        TDSTable* const table1 = structure.TableByName(0, text.substr(0, dash));
+        TDSTable* const table1 = structure.TableByName(tnName, text.substr(0, dash));
         if (!table1)
             continue;
         const std::string_view rest = text.substr(dash + 1);
         for (std::size_t colon = std::min(rest.find(':'), rest.size()); colon <= longest;
              colon = std::min(rest.find(':', colon + 1), rest.size())) {
-            if (TDSTable* const table2 = structure.TableByName(0, rest.substr(0, colon)))
+            if (TDSTable* const table2 = structure.TableByName(tnName, rest.substr(0, colon)))
                 return {table1, table2, rest.substr(std::min(colon + 1, rest.size()))};
             if (colon == rest.size())
                 break;
@@ -41,7 +41,7 @@ TLinkTables SplitLinkLine(const TVCustomDBStructure& structure, std::string_view
     }
     const std::size_t dash = std::min(text.find('-'), text.size());
     const std::string_view name1 = text.substr(0, dash);
-    if (!structure.TableByName(0, name1))
+    if (!structure.TableByName(tnName, name1))
         throw EVDBStructError(dseNoTable, {name1});
     const std::string_view rest = text.substr(std::min(dash + 1, text.size()));
     throw EVDBStructError(dseNoTable, {rest.substr(0, rest.find(':'))});

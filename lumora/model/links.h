@@ -28,6 +28,8 @@ public:
     void AppendSQLExpr(std::string& out, TSQLSyntax syntax, TNameQuoting quoting) const;
     // "Orders.CustNo->Customer.CustNo"
     std::string GetDisplayName() const;
+    // The table at the other end.
+    TDSTable* Neighbour(const TDSTable* table) const { return Table1 == table ? Table2 : Table1; }
     // "=" for every pair.
     void ApplyDefOperator();
 

@@ -8,7 +8,8 @@ class TDSField;
 class TDSOperator;
 class TDSTable;
 
-// Whoever keeps references to items of a model is told before they go away.
+// Whoever keeps references to items of a model is told before they are freed; they are in no list any more
+// then. A handler may do anything to the model but free it, and may free any listener.
 class TModelListener {
 public:
     virtual ~TModelListener() = default;

@@ -1,5 +1,6 @@
 #include "lumora/model/operators.h"
 
+#include "lumora/model/indexes.h"
 #include "lumora/model/structure.h"
 #include "lumora/support/string_helpers.h"
 
@@ -89,20 +90,19 @@ int TVCustomDBStructure::AddUpdateOperator(bool update, std::string_view name, s
         index = GetOperatCount() - 1;
     }
     InitOperator(*GetOperator(index), name, caption, sql, valFormat, appliedTypes);
-    unrecognizedFieldStale_ = true;
+    indexes_->UnrecognizedFieldStale = true;
     Changed();
     return index;
 }
 
 void TVCustomDBStructure::DelOperator(int index) {
-    TDSOperator* const op = GetOperator(index);
-    for (TModelListener* const listener : listeners_)
-        listener->OperatorRemoved(*op);
-    for (const auto& field : fields_)
-        field->RemoveOperator(op);
+    GetOperator(index);
+    std::vector<std::unique_ptr<TDSOperator>> removed(1);
+    removed[0].swap(operators_[static_cast<std::size_t>(index)]);
     operators_.erase(operators_.begin() + index);
-    OperatorsChanged();
-    Changed();
+    for (const auto& field : fields_)
+        field->RemoveOperator(removed[0].get());
+    OperatorsRemoved(removed);
 }
 
 void TVCustomDBStructure::DeleteOperatorByName(std::string_view name) {
@@ -111,23 +111,25 @@ void TVCustomDBStructure::DeleteOperatorByName(std::string_view name) {
 }
 
 void TVCustomDBStructure::ClearOperators() {
-    for (const auto& op : operators_)
-        for (TModelListener* const listener : listeners_)
-            listener->OperatorRemoved(*op);
+    std::vector<std::unique_ptr<TDSOperator>> removed;
+    removed.swap(operators_);
     for (const auto& field : fields_)
         field->operators_.clear();
-    operators_.clear();
-    OperatorsChanged();
+    OperatorsRemoved(removed);
 }
 
-void TVCustomDBStructure::OperatorsChanged() {
+// They are freed when everybody has been told, so that it does not matter what handlers do.
+void TVCustomDBStructure::OperatorsRemoved(const std::vector<std::unique_ptr<TDSOperator>>& removed) {
     OperatorKeysChanged();
     unrecognizedField_->operators_.clear();
-    unrecognizedFieldStale_ = true;
+    indexes_->UnrecognizedFieldStale = true;
+    for (const auto& op : removed)
+        listeners_.ForEach([&](TModelListener& listener) { listener.OperatorRemoved(*op); });
+    Changed();
 }
 
 TDSOperator* TVCustomDBStructure::OperatorByName(std::string_view name) const {
-    return operatorsByName_.Find(operators_, LowerAscii(name == "EqualTo" ? "Equal" : name));
+    return indexes_->OperatorsByName.Find(operators_, name == "EqualTo" ? "Equal" : name);
 }
 
 int TVCustomDBStructure::OperatorIndexByName(std::string_view name) const {
@@ -155,9 +157,12 @@ void TVCustomDBStructure::GetOperatorNames(TStringList& names) const {
 }
 
 TDSField* TVCustomDBStructure::GetUnrecognizedField() const {
-    if (unrecognizedFieldStale_)
-        unrecognizedField_->AddAppliedOperators();
-    unrecognizedFieldStale_ = false;
+    if (indexes_->UnrecognizedFieldStale.load(std::memory_order_acquire)) {
+        const TShortLock lock(&indexes_->UnrecognizedFieldStale);
+        if (indexes_->UnrecognizedFieldStale.load(std::memory_order_relaxed))
+            unrecognizedField_->AddAppliedOperators();
+        indexes_->UnrecognizedFieldStale.store(false, std::memory_order_release);
+    }
     return unrecognizedField_.get();
 }
 
@@ -198,8 +203,10 @@ void TVCustomDBStructure::SetExOperators(TExOperators operators) {
     if (operators == exOperators_)
         return;
     exOperators_ = operators;
-    UpdateExOperators();
-    UpdateDefOperators();
+    ChangeAsOne([this] {
+        UpdateExOperators();
+        UpdateDefOperators();
+    });
 }
 
 void TVCustomDBStructure::UpdateExOperators() {

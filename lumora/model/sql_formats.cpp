@@ -14,8 +14,9 @@ void TQuoteSymbols::Append(std::string& out, std::string_view name, TNameQuoting
     out += Close;
 }
 
-TSQLFormats::TSQLFormats()
-    : date_(FormatSettings().ShortDateFormat),
+TSQLFormats::TSQLFormats(std::function<void()> quotesChanged)
+    : quotesChanged_(std::move(quotesChanged)),
+      date_(FormatSettings().ShortDateFormat),
       time_(FormatSettings().ShortTimeFormat),
       dateTime_(FormatSettings().ShortDateFormat + " " + FormatSettings().ShortTimeFormat) {}
 
@@ -35,13 +36,19 @@ const std::string& TSQLFormats::MaskFor(TFieldType type) const {
 }
 
 void TSQLFormats::SetQuoteSymbol1(char symbol) {
-    quotes_.Open = symbol;
-    if (OnQuotesChange)
-        OnQuotesChange();
+    SetQuoteSymbol(quotes_.Open, symbol);
 }
 
 void TSQLFormats::SetQuoteSymbol2(char symbol) {
-    quotes_.Close = symbol;
+    SetQuoteSymbol(quotes_.Close, symbol);
+}
+
+void TSQLFormats::SetQuoteSymbol(char& symbol, char value) {
+    if (value == symbol)
+        return;
+    symbol = value;
+    if (quotesChanged_)
+        quotesChanged_();
     if (OnQuotesChange)
         OnQuotesChange();
 }

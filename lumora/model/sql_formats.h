@@ -12,7 +12,9 @@ namespace lumora {
 
 class TSQLFormats : public TPersistent {
 public:
-    TSQLFormats();
+    TSQLFormats() : TSQLFormats(nullptr) {}
+    // The owning model is told by `quotesChanged` when a quote symbol changes.
+    explicit TSQLFormats(std::function<void()> quotesChanged);
 
     std::string_view ClassName() const override { return "TSQLFormats"; }
     std::span<const TPropertyInfo> PublishedProperties() const override;
@@ -32,13 +34,16 @@ public:
     void SetQuoteSymbol2(char symbol);
     const TQuoteSymbols& Quotes() const { return quotes_; }
 
-    // Called when a quote symbol changes; the owning model sets it.
+    // Called when a quote symbol changes.
     std::function<void()> OnQuotesChange;
 
 protected:
     void AssignTo(TPersistent& dest) const override;
 
 private:
+    void SetQuoteSymbol(char& symbol, char value);
+
+    const std::function<void()> quotesChanged_;
     std::string date_;
     std::string time_;
     std::string dateTime_;

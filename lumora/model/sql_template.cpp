@@ -1,6 +1,7 @@
 #include "lumora/model/sql_template.h"
 
 #include "lumora/platform/ascii.h"
+#include "lumora/platform/short_lock.h"
 #include "lumora/sqlparse/Vscanner.h"
 
 #include <algorithm>
@@ -11,7 +12,7 @@ namespace lumora {
 namespace {
 
 constexpr int MaxSeparateEntries = 24;
-constexpr std::size_t MaxCachedPlans = 32;
+constexpr int MaxKeptPlans = 128;
 
 using TPieces = std::vector<TTemplatePiece>;
 
@@ -198,7 +199,7 @@ bool FindOuterOr(std::string_view text) {
 
 void TSQLTemplate::SetText(std::string text) {
     text_ = std::move(text);
-    plans_.clear();
+    ForgetPlans();
     hasOuterOr_ = FindOuterOr(text_);
     paramCount_ = 0;
     while (paramCount_ < MaxTemplateValues &&
@@ -206,15 +207,43 @@ void TSQLTemplate::SetText(std::string text) {
         ++paramCount_;
 }
 
-const TTemplatePlan& TSQLTemplate::Plan(const TPlanRequest& request) const {
+struct TSQLTemplate::TKeptPlan {
+    std::uint64_t Key;
+    int ValueCount;
+    TTemplatePlan Plan;
+    int Count; // of plans, with those before it
+    const TKeptPlan* Before;
+};
+
+const TSQLTemplate::TKeptPlan* TSQLTemplate::FindPlan(const TPlanRequest& request) const {
     const std::uint64_t key = request.Key();
-    for (const TCachedPlan& cached : plans_)
-        if (cached.Key == key && cached.ValueCount == request.ValueCount)
-            return cached.Plan;
-    if (plans_.size() == MaxCachedPlans)
-        plans_.clear();
-    plans_.push_back({key, request.ValueCount, TPlanMaker(text_, request).Make()});
-    return plans_.back().Plan;
+    const TKeptPlan* kept = plans_.load(std::memory_order_acquire);
+    while (kept && (kept->Key != key || kept->ValueCount != request.ValueCount))
+        kept = kept->Before;
+    return kept;
+}
+
+const TTemplatePlan& TSQLTemplate::Plan(const TPlanRequest& request, TTemplatePlan& spare) const {
+    if (const TKeptPlan* const kept = FindPlan(request))
+        return kept->Plan;
+    spare = TPlanMaker(text_, request).Make();
+    const TShortLock lock(this);
+    if (const TKeptPlan* const kept = FindPlan(request)) // made by another thread meanwhile
+        return kept->Plan;
+    const TKeptPlan* const before = plans_.load(std::memory_order_relaxed);
+    const int count = before ? before->Count + 1 : 1;
+    if (count > MaxKeptPlans)
+        return spare;
+    const auto* const made =
+        new TKeptPlan{request.Key(), request.ValueCount, std::move(spare), count, before}; // owned
+    plans_.store(made, std::memory_order_release);
+    return made->Plan;
+}
+
+void TSQLTemplate::ForgetPlans() {
+    const TKeptPlan* kept = plans_.exchange(nullptr, std::memory_order_relaxed);
+    while (kept)
+        delete std::exchange(kept, kept->Before);
 }
 
 } // namespace lumora

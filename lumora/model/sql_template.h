@@ -6,6 +6,7 @@
 // text that was put in.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -66,6 +67,11 @@ struct TTemplatePlan {
 
 class TSQLTemplate {
 public:
+    TSQLTemplate() = default;
+    ~TSQLTemplate() { ForgetPlans(); }
+    TSQLTemplate(const TSQLTemplate&) = delete;
+    TSQLTemplate& operator=(const TSQLTemplate&) = delete;
+
     const std::string& GetText() const { return text_; }
     void SetText(std::string text);
 
@@ -73,20 +79,20 @@ public:
     int GetParamCount() const { return paramCount_; }
     // An "or" stands outside all parentheses, so what the template makes must be bracketed to hold together.
     bool HasOuterOr() const { return hasOuterOr_; }
-    // The plan for a request; it stays valid until the text changes or another plan is asked for.
-    const TTemplatePlan& Plan(const TPlanRequest& request) const;
+    // The plan for a request. It is the template's own and holds until the text changes; when the template
+    // keeps as many as it may, the plan is made in `spare`. Many threads may ask at once.
+    const TTemplatePlan& Plan(const TPlanRequest& request, TTemplatePlan& spare) const;
 
 private:
-    struct TCachedPlan {
-        std::uint64_t Key;
-        int ValueCount;
-        TTemplatePlan Plan;
-    };
+    struct TKeptPlan;
+
+    const TKeptPlan* FindPlan(const TPlanRequest& request) const;
+    void ForgetPlans();
 
     std::string text_;
     int paramCount_ = 0;
     bool hasOuterOr_ = false;
-    mutable std::vector<TCachedPlan> plans_;
+    mutable std::atomic<const TKeptPlan*> plans_{nullptr}; // owned; each leads to the one kept before it
 };
 
 } // namespace lumora

@@ -1,5 +1,6 @@
 #include "lumora/model/structure.h"
 
+#include "lumora/model/indexes.h"
 #include "lumora/platform/form_text.h"
 #include "lumora/support/string_helpers.h"
 
@@ -9,85 +10,78 @@
 
 namespace lumora {
 
-namespace {
-
-// The keys by which tables and fields are found, in the order of the look-up modes.
-std::array<TLookup<TDSTable>, 5> TableLookups() {
-    using TLookup = lumora::TLookup<TDSTable>;
-    return {TLookup([](const TDSTable& t, std::string& key) { AppendFolded(key, t.GetName()); }),
-            TLookup([](const TDSTable& t, std::string& key) { AppendFolded(key, t.GetAlias()); }),
-            TLookup([](const TDSTable& t, std::string& key) { AppendFolded(key, t.GetDisplayName()); }),
-            TLookup([](const TDSTable& t, std::string& key) { AppendFolded(key, t.GetCompoundName()); }),
-            TLookup([](const TDSTable& t, std::string& key) { AppendFolded(key, t.GetSQLExpr()); })};
-}
-
-constexpr int FieldSQLMode = 3;
-
-std::array<TLookup<TDSField>, 4> FieldLookups() {
-    using TLookup = lumora::TLookup<TDSField>;
-    return {TLookup([](const TDSField& f, std::string& key) { AppendFolded(key, f.GetFieldText()); }),
-            TLookup([](const TDSField& f, std::string& key) { AppendFolded(key, f.GetDisplayName()); }),
-            TLookup([](const TDSField& f, std::string& key) { AppendFolded(key, f.GetFullName()); }),
-            TLookup([](const TDSField& f, std::string& key) { AppendFoldedBlanks(key, f.GetSQLExpr()); })};
-}
-
-void AppendNumber(std::string& key, int number) {
-    key.append(reinterpret_cast<const char*>(&number), sizeof number);
-}
-
-std::string NumberKey(int number) {
-    std::string key;
-    AppendNumber(key, number);
-    return key;
-}
-
-} // namespace
-
 TVCustomDBStructure::TVCustomDBStructure(TComponent* owner)
     : TComponent(owner),
+      sqlFormats_([this] { TableKeysChanged(); }),
       path_(this),
-      tablesByName_(TableLookups()),
-      fieldsByName_(FieldLookups()),
-      fieldsByID_([](const TDSField& field, std::string& key) { AppendNumber(key, field.GetID()); }),
-      operatorsByName_([](const TDSOperator& op, std::string& key) { AppendFolded(key, op.GetName()); }),
-      conditionsByID_(
-          [](const TDSCondition& condition, std::string& key) { AppendNumber(key, condition.GetID()); }) {
+      indexes_(std::make_unique<TModelIndexes>()) {
     unrecognizedField_ = std::make_unique<TDSField>(*this, 0, vfkData);
     unrecognizedField_->text_ = UnrecognizedFieldName;
     unrecognizedField_->displayName_ = UnrecognizedFieldName;
     unrecognizedOperator_ = std::make_unique<TDSOperator>();
     InitOperator(*unrecognizedOperator_, UnrecognizedOperatorName, UnrecognizedOperatorName, "", "",
                  LmUsedTypes);
-    sqlFormats_.OnQuotesChange = [this] { TableKeysChanged(); };
     LoadDefsOpertors();
     AddDefOperators(false);
 }
 
 TVCustomDBStructure::~TVCustomDBStructure() {
-    updating_ = true;
+    BeginUpdate();
     BeginDestruction();
-    while (!listeners_.empty()) {
-        TModelListener* const listener = listeners_.back();
-        listeners_.pop_back();
-        listener->ModelDestroyed();
-    }
+    listeners_.ForEach([](TModelListener& listener) { listener.ModelDestroyed(); });
     ClearItems();
 }
 
 void TVCustomDBStructure::TableKeysChanged() {
-    for (auto& lookup : tablesByName_)
+    for (auto& lookup : indexes_->TablesByName)
         lookup.Invalidate();
     FieldKeysChanged(); // a field's SQL expression and full name begin with its table's
 }
 
 void TVCustomDBStructure::FieldKeysChanged() {
-    for (auto& lookup : fieldsByName_)
+    for (auto& lookup : indexes_->FieldsByName)
         lookup.Invalidate();
 }
 
+void TVCustomDBStructure::OperatorKeysChanged() {
+    indexes_->OperatorsByName.Invalidate();
+}
+
+void TVCustomDBStructure::ConditionKeysChanged() {
+    indexes_->ConditionsByID.Invalidate();
+}
+
+void TVCustomDBStructure::LinksChanged() {
+    indexes_->ForgetJoinGraph();
+}
+
 void TVCustomDBStructure::Changed() {
-    if (!updating_ && OnChange)
+    if (updates_ == 0 && OnChange)
         OnChange(*this);
+}
+
+void TVCustomDBStructure::ChangeAsOne(const std::function<void()>& change) {
+    BeginUpdate();
+    try {
+        change();
+    } catch (...) {
+        EndUpdate();
+        Changed(); // of what was changed before
+        throw;
+    }
+    EndUpdate();
+    Changed();
+}
+
+// Panels of several threads come and go.
+void TVCustomDBStructure::AddListener(TModelListener& listener) const {
+    const TShortLock lock(&listeners_);
+    listeners_.Add(listener);
+}
+
+void TVCustomDBStructure::RemoveListener(TModelListener& listener) const {
+    const TShortLock lock(&listeners_);
+    listeners_.Remove(listener);
 }
 
 // --- Tables.
@@ -112,10 +106,22 @@ int TVCustomDBStructure::AddTable(std::string name, std::string caption) {
     return GetTableCount() - 1;
 }
 
+namespace {
+
+// Items are taken out first and freed when everybody has been told, so that it does not matter what handlers
+// do.
+template <typename T>
+std::unique_ptr<T> TakeOut(std::vector<std::unique_ptr<T>>& items, int index) {
+    const auto place = items.begin() + index;
+    std::unique_ptr<T> item = std::move(*place);
+    items.erase(place);
+    return item;
+}
+
+} // namespace
+
 void TVCustomDBStructure::DelTable(int index) {
     TDSTable* const table = GetTable(index);
-    for (TModelListener* const listener : listeners_)
-        listener->TableRemoved(*table);
     for (std::size_t i = links_.size(); i-- > 0;)
         if (links_[i]->Table1 == table || links_[i]->Table2 == table)
             RemoveLink(i);
@@ -124,35 +130,36 @@ void TVCustomDBStructure::DelTable(int index) {
     if (defaultMainTable_ == table)
         defaultMainTable_ = nullptr;
     path_ = TDSPath(this);
-    tables_.erase(tables_.begin() + index);
+    const std::unique_ptr<TDSTable> removed = TakeOut(tables_, index);
     TableKeysChanged();
     LinksChanged();
     for (const auto& condition : conditions_)
         condition->UpdateTables();
+    listeners_.ForEach([&](TModelListener& listener) { listener.TableRemoved(*removed); });
     Changed();
 }
 
-TDSTable* TVCustomDBStructure::TableByName(int mode, std::string_view text) const {
-    return tablesByName_.at(static_cast<std::size_t>(mode)).Find(tables_, LowerAscii(text));
+TDSTable* TVCustomDBStructure::TableByName(TTableNameMode mode, std::string_view text) const {
+    return indexes_->TablesByName[mode].Find(tables_, text);
 }
 
-void TVCustomDBStructure::GetTableNames(int mode, TStringList& names) const {
+void TVCustomDBStructure::GetTableNames(TTableNameMode mode, TStringList& names) const {
     names.Clear();
     for (const auto& table : tables_)
         switch (mode) {
-        case 1:
+        case tnAlias:
             names.Add(table->GetAlias());
             break;
-        case 2:
+        case tnDisplayName:
             names.Add(table->GetDisplayName());
             break;
-        case 3:
+        case tnCompoundName:
             names.Add(table->GetCompoundName());
             break;
-        case 4:
+        case tnSQLText:
             names.Add(table->GetSQLExpr());
             break;
-        default:
+        case tnName:
             names.Add(table->GetName());
         }
 }
@@ -216,17 +223,20 @@ TDSField& TVCustomDBStructure::AddDataField(int id, const TDBFieldInfo& info, TD
     return *field;
 }
 
+TDSField* TVCustomDBStructure::GetField(int index) const {
+    if (index < 0 || index >= GetFieldCount())
+        throw EVDBStructError(dseInvalidFieldIndex, {std::to_string(index)});
+    return fields_[static_cast<std::size_t>(index)].get();
+}
+
 void TVCustomDBStructure::DelField(int index) {
-    TDSField* const field = GetField(index);
-    for (TModelListener* const listener : listeners_)
-        listener->FieldRemoved(*field);
-    RemoveFromGroup(*field);
-    const bool hadLargestID = field->GetID() == largestFieldID_;
-    fields_.erase(fields_.begin() + index);
-    if (hadLargestID)
+    RemoveFromGroup(*GetField(index));
+    const std::unique_ptr<TDSField> removed = TakeOut(fields_, index);
+    if (removed->GetID() == largestFieldID_)
         FindLargestFieldID();
     FieldKeysChanged();
-    fieldsByID_.Invalidate();
+    indexes_->FieldsByID.Invalidate();
+    listeners_.ForEach([&](TModelListener& listener) { listener.FieldRemoved(*removed); });
     Changed();
 }
 
@@ -239,13 +249,12 @@ void TVCustomDBStructure::RemoveFromGroup(TDSField& field) {
     field.group_ = nullptr;
 }
 
-TDSField* TVCustomDBStructure::FieldByName(int mode, std::string_view text) const {
-    return fieldsByName_.at(static_cast<std::size_t>(mode))
-        .Find(fields_, mode == FieldSQLMode ? FoldBlanks(text) : LowerAscii(text));
+TDSField* TVCustomDBStructure::FieldByName(TFieldNameMode mode, std::string_view text) const {
+    return indexes_->FieldsByName[mode].Find(fields_, text);
 }
 
 TDSField* TVCustomDBStructure::FieldByID(int id) const {
-    return fieldsByID_.Find(fields_, NumberKey(id));
+    return indexes_->FieldsByID.Find(fields_, id);
 }
 
 void TVCustomDBStructure::RenumberFields(const std::function<int(const TDSField&)>& idOf) {
@@ -256,24 +265,24 @@ void TVCustomDBStructure::RenumberFields(const std::function<int(const TDSField&
             field->id_ = field->id_ < std::numeric_limits<int>::max() ? field->id_ + 1 : 1;
     }
     FindLargestFieldID();
-    fieldsByID_.Invalidate();
+    indexes_->FieldsByID.Invalidate();
     Changed();
 }
 
-void TVCustomDBStructure::GetFieldNames(int mode, TStringList& names) const {
+void TVCustomDBStructure::GetFieldNames(TFieldNameMode mode, TStringList& names) const {
     names.Clear();
     for (const auto& field : fields_)
         switch (mode) {
-        case 1:
+        case fnDisplayName:
             names.Add(field->GetDisplayName());
             break;
-        case 2:
+        case fnFullName:
             names.Add(field->GetFullName());
             break;
-        case 3:
+        case fnSQLExpr:
             names.Add(field->GetSQLExpr());
             break;
-        default:
+        case fnText:
             names.Add(field->GetFieldText());
         }
 }
@@ -334,17 +343,22 @@ TDSCondition* TVCustomDBStructure::AddCondition(int id, std::string displayForma
     return condition;
 }
 
+TDSCondition* TVCustomDBStructure::GetCondition(int index) const {
+    if (index < 0 || index >= GetConditionCount())
+        throw EVDBStructError(dseInvalidConditionIndex, {std::to_string(index)});
+    return conditions_[static_cast<std::size_t>(index)].get();
+}
+
 void TVCustomDBStructure::DelCondition(int index) {
-    TDSCondition* const condition = GetCondition(index);
-    for (TModelListener* const listener : listeners_)
-        listener->ConditionRemoved(*condition);
-    conditions_.erase(conditions_.begin() + index);
+    GetCondition(index);
+    const std::unique_ptr<TDSCondition> removed = TakeOut(conditions_, index);
     ConditionKeysChanged();
+    listeners_.ForEach([&](TModelListener& listener) { listener.ConditionRemoved(*removed); });
     Changed();
 }
 
 TDSCondition* TVCustomDBStructure::ConditionByID(int id) const {
-    return conditionsByID_.Find(conditions_, NumberKey(id));
+    return indexes_->ConditionsByID.Find(conditions_, id);
 }
 
 int TVCustomDBStructure::ConditionIndexByID(int id) const {
@@ -376,7 +390,7 @@ void TVCustomDBStructure::ClearTableItems() {
     freeFieldID_ = 1;
     tables_.clear();
     TableKeysChanged();
-    fieldsByID_.Invalidate();
+    indexes_->FieldsByID.Invalidate();
     LinksChanged();
 }
 
@@ -389,14 +403,12 @@ void TVCustomDBStructure::ClearItems() {
 
 void TVCustomDBStructure::AnnounceReplacing() {
     if (replacing_++ == 0)
-        for (TModelListener* const listener : listeners_)
-            listener->ModelReplacing();
+        listeners_.ForEach([](TModelListener& listener) { listener.ModelReplacing(); });
 }
 
 void TVCustomDBStructure::AnnounceReplaced() {
     if (--replacing_ == 0)
-        for (TModelListener* const listener : listeners_)
-            listener->ModelReplaced();
+        listeners_.ForEach([](TModelListener& listener) { listener.ModelReplaced(); });
 }
 
 void TVCustomDBStructure::ReplaceModel(const std::function<void()>& change) {
@@ -411,9 +423,11 @@ void TVCustomDBStructure::ReplaceModel(const std::function<void()>& change) {
 }
 
 void TVCustomDBStructure::ClearStructure() {
-    ReplaceModel([this] {
-        ClearItems();
-        UpdateDefOperators();
+    ChangeAsOne([this] {
+        ReplaceModel([this] {
+            ClearItems();
+            UpdateDefOperators();
+        });
     });
 }
 
@@ -423,6 +437,7 @@ void TVCustomDBStructure::ClearTables() {
         for (const auto& condition : conditions_)
             condition->UpdateTables();
     });
+    Changed();
 }
 
 // --- Metadata.
@@ -495,7 +510,7 @@ void TVCustomDBStructure::AssignTo(TPersistent& dest) const {
     if (!structure)
         return TComponent::AssignTo(dest);
     TStringList lines;
-    const_cast<TVCustomDBStructure*>(this)->SaveToStrings(lines);
+    WriteText(lines);
     structure->LoadFromStrings(lines);
 }
 

@@ -5,14 +5,13 @@
 #include "lumora/model/conditions.h"
 #include "lumora/model/join_path.h"
 #include "lumora/model/links.h"
-#include "lumora/model/lookup.h"
 #include "lumora/model/model_listener.h"
 #include "lumora/model/operators.h"
 #include "lumora/model/sql_formats.h"
 #include "lumora/model/tables.h"
 #include "lumora/platform/component.h"
+#include "lumora/platform/notice_list.h"
 
-#include <array>
 #include <functional>
 #include <memory>
 #include <string>
@@ -21,12 +20,33 @@
 
 namespace lumora {
 
+class TModelIndexes;
 class TVCustomDBStructure;
 
 inline constexpr double CurrentModelVersion = 3.5;
 inline constexpr std::string_view UnrecognizedFieldName = "Unrecognized field";
 inline constexpr std::string_view UnrecognizedOperatorName = "Unrecognized operator";
 
+// What tables and fields are looked up and listed by. Letter case is ignored, and in SQL expressions of
+// fields blanks too.
+enum TTableNameMode : std::uint8_t {
+    tnName,
+    tnAlias,
+    tnDisplayName,
+    tnCompoundName, // "name - alias"
+    tnSQLText       // as FROM names the table
+};
+enum TFieldNameMode : std::uint8_t {
+    fnText, // the column name or the expression
+    fnDisplayName,
+    fnFullName, // "table.column"
+    fnSQLExpr
+};
+
+// Everything const may be called in many threads at once, and so may what is const of its tables, fields,
+// links, operators and conditions; AddListener and RemoveListener too. Changing any of them, saving, GetPath,
+// and filling or emptying a value editor needs to be alone. What a host changes for all models
+// (FormatSettings, SetMessage, TSession::SetDefault) it changes before threads start.
 class TVCustomDBStructure : public TComponent {
 public:
     explicit TVCustomDBStructure(TComponent* owner = nullptr);
@@ -41,25 +61,24 @@ public:
     int AddTable(std::string name, std::string caption);
     // Takes the links that touch it along; fields and conditions lose the table.
     void DelTable(int index);
-    // 0 name, 1 alias, 2 caption, 3 compound name, 4 SQL text; the first match, letter case ignored, or none.
-    TDSTable* TableByName(int mode, std::string_view text) const;
-    void GetTableNames(int mode, TStringList& names) const;
+    // The first match, or none.
+    TDSTable* TableByName(TTableNameMode mode, std::string_view text) const;
+    void GetTableNames(TTableNameMode mode, TStringList& names) const;
     TDSTable* GetDefaultMainTable() const { return defaultMainTable_; }
     void SetDefaultMainTable(TDSTable* table) { defaultMainTable_ = table; }
 
     // --- Fields.
     int GetFieldCount() const { return static_cast<int>(fields_.size()); }
-    TDSField* GetField(int index) const { return fields_.at(static_cast<std::size_t>(index)).get(); }
+    TDSField* GetField(int index) const; // EVDBStructError for a bad index
     // Needs a metadata provider, which gives a data field's type and size.
     int AddField(TVFieldKind kind, std::string text, std::string caption, TDSTable* table);
     void DelField(int index);
-    // 0 column name or expression, 1 caption, 2 full name (letter case ignored), 3 SQL expression (blanks
-    // ignored too); the first match or none.
-    TDSField* FieldByName(int mode, std::string_view text) const;
+    // The first match, or none.
+    TDSField* FieldByName(TFieldNameMode mode, std::string_view text) const;
     TDSField* FieldByID(int id) const;
     // Gives each field the ID that `idOf` tells, above 0, or the next one that is free.
     void RenumberFields(const std::function<int(const TDSField&)>& idOf);
-    void GetFieldNames(int mode, TStringList& names) const;
+    void GetFieldNames(TFieldNameMode mode, TStringList& names) const;
     // Stands for fields that a query names and the model does not know. In no list.
     TDSField* GetUnrecognizedField() const;
 
@@ -82,8 +101,10 @@ public:
     // --- Join paths.
     // The shortest chain between two tables given by alias. The path is the model's own, and the next call
     // overwrites it. EVDBStructError when a table is unknown or no chain joins them; the path then stays.
-    const TDSPath& GetPath(std::string_view alias1, std::string_view alias2) const;
-    const TDSPath& GetPath(const TDSTable& from, const TDSTable& to) const;
+    const TDSPath& GetPath(std::string_view alias1, std::string_view alias2);
+    const TDSPath& GetPath(const TDSTable& from, const TDSTable& to);
+    // The same into a path of the caller's.
+    void FindPath(const TDSTable& from, const TDSTable& to, TDSPath& path) const;
     // One step of a search path by path: true when the path's end has a link to the target; otherwise the
     // path extended by every neighbour that is not on it is appended to `newPaths`.
     bool CheckPath(const TDSPath& path, const TDSTable* target, TDSPathList& newPaths) const;
@@ -137,9 +158,7 @@ public:
 
     // --- Predefined conditions.
     int GetConditionCount() const { return static_cast<int>(conditions_.size()); }
-    TDSCondition* GetCondition(int index) const {
-        return conditions_.at(static_cast<std::size_t>(index)).get();
-    }
+    TDSCondition* GetCondition(int index) const; // EVDBStructError for a bad index
     TDSCondition* AddCondition(int id, std::string displayFormat, std::string sqlExpr);
     void DelCondition(int index);
     int ConditionIndexByID(int id) const;
@@ -156,12 +175,16 @@ public:
     // True when the model has at most one field.
     bool GetEmpty() const { return fields_.size() <= 1; }
     double GetVersion() const { return version_; }
+    // Tells OnChange, but not between BeginUpdate and its EndUpdate. Updates nest; their end tells nothing by
+    // itself.
     void Changed();
-    void BeginUpdate() { updating_ = true; }
-    void EndUpdate() { updating_ = false; }
+    void BeginUpdate() { ++updates_; }
+    void EndUpdate() { updates_ -= updates_ > 0 ? 1 : 0; }
+    bool IsUpdating() const { return updates_ > 0; }
     std::function<void(TVCustomDBStructure& sender)> OnChange;
-    void AddListener(TModelListener& listener) const { listeners_.push_back(&listener); }
-    void RemoveListener(TModelListener& listener) const { std::erase(listeners_, &listener); }
+    // Not owned. A listener takes itself off before it goes.
+    void AddListener(TModelListener& listener) const;
+    void RemoveListener(TModelListener& listener) const;
 
     // --- Text.
     void SaveToStrings(TStringList& lines);
@@ -201,6 +224,8 @@ protected:
     void Loaded() override;
     void DefineProperties(TFiler& filer) override;
 
+    // Runs a change of several steps, which is told once.
+    void ChangeAsOne(const std::function<void()>& change);
     // The extended operators have their own templates again.
     virtual void ExOperatorsUpdated() {}
     // A field for a column, in the root group and with the operators of its type, without telling of it.
@@ -219,11 +244,12 @@ private:
     // Items tell of changes that look-ups must know.
     void TableKeysChanged();
     void FieldKeysChanged();
-    void OperatorKeysChanged() { operatorsByName_.Invalidate(); }
-    void OperatorsChanged();
-    void ConditionKeysChanged() { conditionsByID_.Invalidate(); }
-    void LinksChanged() { graph_.reset(); }
+    void OperatorKeysChanged();
+    void OperatorsRemoved(const std::vector<std::unique_ptr<TDSOperator>>& removed);
+    void ConditionKeysChanged();
+    void LinksChanged();
 
+    void WriteText(TStringList& lines) const;
     TDSField* AppendField(int id, TVFieldKind kind);
     int NewFieldID();
     void FindLargestFieldID();
@@ -244,7 +270,6 @@ private:
     TDSFieldGroupList fieldGroups_;
     TDSFieldGroup rootGroup_;
     std::unique_ptr<TDSField> unrecognizedField_;
-    mutable bool unrecognizedFieldStale_ = true; // its operators are to be found anew
     std::unique_ptr<TDSOperator> unrecognizedOperator_;
     TDSTable* defaultMainTable_ = nullptr;
 
@@ -257,18 +282,13 @@ private:
     TStringList dbSpecInfo_;
     bool autoAddFields_ = true;
     double version_ = CurrentModelVersion;
-    bool updating_ = false;
+    int updates_ = 0;
     bool storeStruct_ = true;
     int replacing_ = 0; // replacements that are going on, one within another
-    mutable std::vector<TModelListener*> listeners_;
+    mutable TNoticeList<TModelListener> listeners_;
 
-    mutable TDSPath path_;
-    mutable std::unique_ptr<TJoinGraph> graph_;
-    mutable std::array<TLookup<TDSTable>, 5> tablesByName_;
-    mutable std::array<TLookup<TDSField>, 4> fieldsByName_;
-    mutable TLookup<TDSField> fieldsByID_;
-    mutable TLookup<TDSOperator> operatorsByName_;
-    mutable TLookup<TDSCondition> conditionsByID_;
+    TDSPath path_;
+    std::unique_ptr<TModelIndexes> indexes_;
 };
 
 // The model as it is placed on forms.

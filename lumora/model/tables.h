@@ -112,6 +112,7 @@ public:
     std::string GetSQLExpr(TNameQuoting quoting = nqPlain) const;
     void AppendSQLExpr(std::string& out, TNameQuoting quoting) const;
     std::string GetFullName() const;
+    void AppendFullName(std::string& out) const;
     std::string GetCompoundName() const;
     std::string GetGroupByFields(TNameQuoting quoting = nqPlain) const;
 
@@ -162,7 +163,7 @@ private:
 class TDSFieldGroupList {
 public:
     int Count() const { return static_cast<int>(groups_.size()); }
-    TDSFieldGroup* GetGroup(int index) const { return groups_.at(static_cast<std::size_t>(index)).get(); }
+    TDSFieldGroup* GetGroup(int index) const; // EVDBStructError for a bad index
     TDSFieldGroup* Add(std::string name = {});
     // Puts the field into the group of that name, which is made when there is none.
     TDSFieldGroup* AddGroup(std::string_view name, TDSField* field);

@@ -94,7 +94,8 @@ void TModelReader::Read() {
     ReadOperators();
     ReadTables();
     ReadLinks();
-    model_.SetDefaultMainTable(model_.TableByName(0, main_.Value("DefaultMainTable")));
+    if (const std::string_view name = main_.Value("DefaultMainTable"); !name.empty())
+        model_.SetDefaultMainTable(model_.TableByName(tnName, name));
     ReadFields();
     ReadGroups();
     ReadConditions();
@@ -210,9 +211,9 @@ void TModelReader::ReadLinks() {
 
 // Links between the same tables share a section name; the n-th link reads the n-th such section.
 void TModelReader::ReadLink(TDSTable& table, std::string_view partner) {
-    const int mode = version_ < 1.4 ? 0 : 1;
+    const TTableNameMode mode = version_ < 1.4 ? tnName : tnAlias;
     std::string section =
-        "Link:" + (mode == 0 ? table.GetName() : table.GetAlias()) + "-" + std::string(partner);
+        "Link:" + (mode == tnName ? table.GetName() : table.GetAlias()) + "-" + std::string(partner);
     const TSectionLines lines = sections_.Read(section, linkSectionsRead_[LowerAscii(section)]);
     if (lines.Empty())
         throw EVDBStructError(dseCantFindSection, {section});
@@ -235,7 +236,7 @@ void TModelReader::ReadLink(TDSTable& table, std::string_view partner) {
 TDSTable* TModelReader::TableByAlias(std::string_view alias) {
     if (alias != lastAlias_ || !lastTable_) {
         lastAlias_ = alias;
-        lastTable_ = model_.TableByName(1, alias);
+        lastTable_ = model_.TableByName(tnAlias, alias);
     }
     return lastTable_;
 }
@@ -387,7 +388,7 @@ void TModelReader::ReadGroupFields(std::string_view items, TDSFieldGroup* group)
         if (version_ >= 2.92)
             field = model_.FieldByID(XStrToInt(item, -1));
         else
-            for (const int mode : {0, 2, 1})
+            for (const TFieldNameMode mode : {fnText, fnFullName, fnDisplayName})
                 field = field ? field : model_.FieldByName(mode, item);
         if (field && !Trim(item).empty())
             Place(field, group);
@@ -434,19 +435,18 @@ void TModelReader::ReadCondition(const TSectionLines& lines) {
 // --- Loading a model.
 
 void TVCustomDBStructure::LoadFromStrings(const TStringList& lines) {
-    const bool wasUpdating = updating_;
     const double oldVersion = version_;
     TStringList old;
     SaveToStrings(old);
     AnnounceReplacing();
-    updating_ = true;
+    BeginUpdate();
     const auto read = [this](const TStringList& text) {
         ClearItems();
         ClearOperators();
         TModelReader(*this, text).Read();
     };
     const auto finish = [&] {
-        updating_ = wasUpdating;
+        EndUpdate();
         AnnounceReplaced();
     };
     try {

@@ -79,8 +79,8 @@ void TModelReader::ReadFieldBefore20(std::string_view name, std::string_view cap
     field.displayName_ = lines.Has("DisplayName") ? lines.Value("DisplayName")
                          : caption.empty()        ? name
                                                   : caption;
-    TDSTable* const table = version_ >= 1.4 ? model_.TableByName(1, lines.Value("TableAlias"))
-                                            : model_.TableByName(0, lines.Value("TableName"));
+    TDSTable* const table = version_ >= 1.4 ? model_.TableByName(tnAlias, lines.Value("TableAlias"))
+                                            : model_.TableByName(tnName, lines.Value("TableName"));
     if (table)
         field.tables_.assign(1, table);
     field.quoted_ = XStrToBool(lines.Value("Quoted"));

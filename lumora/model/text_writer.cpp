@@ -207,9 +207,13 @@ private:
 
 } // namespace
 
-void TVCustomDBStructure::SaveToStrings(TStringList& lines) {
+void TVCustomDBStructure::WriteText(TStringList& lines) const {
     lines.Clear();
     TModelWriter(*this, lines).Write(databaseInfo_);
+}
+
+void TVCustomDBStructure::SaveToStrings(TStringList& lines) {
+    WriteText(lines);
     version_ = CurrentModelVersion;
 }
 

@@ -5,17 +5,17 @@
 
 namespace lumora {
 
+void TDSTextEditor::SetOptions(int options) {
+    options_ = (options & 2) != 0 ? options & ~1 : options;
+}
+
 void TDSTextEditor::SetOption(int mask, bool on) {
-    if (!on) {
+    if (!on)
         options_ &= ~mask;
-        return;
-    }
-    // Options 1 and 2 exclude each other.
-    if (mask & 1)
-        options_ &= ~2;
-    if (mask & 2)
-        options_ &= ~1;
-    options_ |= mask;
+    else if ((mask & 3) == 1)
+        options_ = (options_ & ~2) | mask;
+    else
+        SetOptions(options_ | mask);
 }
 
 void TDSListEditor::ClearList() {

@@ -27,14 +27,15 @@ struct TEnumNames<TTextEditorKind> {
 class TDSValueEditor {
 public:
     virtual ~TDSValueEditor() = default;
-    // Brings what the editor offers up to date.
+    // Brings what the editor offers up to date. That changes the model, for other threads too.
     virtual void Refresh() {}
 };
 
 class TDSTextEditor : public TDSValueEditor {
 public:
     int GetOptions() const { return options_; }
-    void SetOptions(int options) { options_ = options; }
+    // Bits 1 and 2 exclude each other; of both, 2 is taken.
+    void SetOptions(int options);
     // True when all bits of the mask are set.
     bool GetOption(int mask) const { return (options_ & mask) == mask; }
     // Sets or clears the bits of the mask; setting bit 1 clears bit 2 and the other way round.

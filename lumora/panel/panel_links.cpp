@@ -3,23 +3,12 @@
 #include "lumora/panel/Vquerpnl.h"
 #include "lumora/query/errors.h"
 
-#include <algorithm>
-
 namespace lumora {
 
 TVQueryPanelLink* TVQueryPanelLinkList::GetItem(int index) const {
     if (index < 0 || index >= Count())
         throw EVQueryPanelError(qpeInvalidIndex, {std::to_string(index)});
     return links_[static_cast<std::size_t>(index)];
-}
-
-void TVQueryPanelLinkList::Remove(TVQueryPanelLink* link) {
-    const auto found = std::find(links_.begin(), links_.end(), link);
-    if (found == links_.end())
-        return;
-    if (static_cast<std::size_t>(found - links_.begin()) < next_)
-        --next_;
-    links_.erase(found);
 }
 
 void TVQueryPanelLink::SetQueryPanel(TVQueryPanel* panel) {

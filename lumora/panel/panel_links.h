@@ -1,9 +1,8 @@
 // Listeners of a query panel, and the panel's own link to a query base.
 #pragma once
 
+#include "lumora/platform/notice_list.h"
 #include "lumora/querybase/Vqrybase.h"
-
-#include <vector>
 
 namespace lumora {
 
@@ -29,20 +28,18 @@ private:
 
 class TVQueryPanelLinkList {
 public:
-    int Count() const { return static_cast<int>(links_.size()); }
+    int Count() const { return static_cast<int>(links_.Count()); }
     TVQueryPanelLink* GetItem(int index) const; // EVQueryPanelError for a bad index
-    void Add(TVQueryPanelLink* link) { links_.push_back(link); }
-    void Remove(TVQueryPanelLink* link);
-    // Calls `tell` with each link that is there when its turn comes; links may come and go meanwhile.
+    void Add(TVQueryPanelLink* link) { links_.Add(*link); }
+    void Remove(TVQueryPanelLink* link) { links_.Remove(*link); }
+    // Calls `tell` with each link; links may come and go meanwhile.
     template <typename TTell>
     void ForEach(TTell tell) {
-        for (next_ = 0; next_ < links_.size();)
-            tell(*links_[next_++]);
+        links_.ForEach(tell);
     }
 
 private:
-    std::vector<TVQueryPanelLink*> links_;
-    std::size_t next_ = 0; // to be told
+    TNoticeList<TVQueryPanelLink> links_;
 };
 
 // Follows the base's current query and hands the panel's query over when it is to be stored.

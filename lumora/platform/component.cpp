@@ -1,6 +1,7 @@
 #include "lumora/platform/component.h"
 
 #include "lumora/platform/errors.h"
+#include "lumora/platform/short_lock.h"
 
 #include <algorithm>
 
@@ -28,10 +29,10 @@ TComponent::TComponent(TComponent* owner) {
 
 TComponent::~TComponent() {
     BeginDestruction();
-    while (!components_.empty())
-        delete components_.back(); // each takes itself off the list
+    while (components_.Count() > 0)
+        delete components_[components_.Count() - 1]; // each takes itself off the list
     for (TComponent* const component : watched_)
-        std::erase(component->watchers_, this);
+        component->RemoveWatcher(*this);
     if (owner_)
         owner_->RemoveComponent(this);
 }
@@ -66,10 +67,14 @@ void TComponent::SetName(const std::string& name) {
     name_ = name;
 }
 
+TComponent* TComponent::GetComponent(int i) const {
+    return components_[CheckIndex(i, components_.Count())];
+}
+
 TComponent* TComponent::FindComponent(std::string_view name) const {
     if (name.empty())
         return nullptr;
-    for (TComponent* const component : components_)
+    for (TComponent* const component : components_.Items())
         if (SameText(component->name_, name))
             return component;
     return nullptr;
@@ -80,21 +85,27 @@ void TComponent::WatchRemovalOf(TComponent* component) {
         std::find(watched_.begin(), watched_.end(), component) != watched_.end())
         return;
     watched_.push_back(component);
+    const TShortLock lock(&component->watchers_);
     component->watchers_.push_back(this);
 }
 
 void TComponent::UnwatchRemovalOf(TComponent* component) {
     if (std::erase(watched_, component) > 0)
-        std::erase(component->watchers_, this);
+        component->RemoveWatcher(*this);
+}
+
+void TComponent::RemoveWatcher(const TComponent& watcher) {
+    const TShortLock lock(&watchers_);
+    std::erase(watchers_, &watcher);
 }
 
 void TComponent::Notification(TComponent* component, TOperation operation) {
     if (IsDestroying() || operation != opRemove)
         return;
-    const std::vector<TComponent*> components = components_; // a notice may change the list
-    for (TComponent* const owned : components)
-        if (owned != component)
-            owned->Notification(component, operation);
+    components_.ForEach([&](TComponent& owned) {
+        if (&owned != component)
+            owned.Notification(component, operation);
+    });
 }
 
 void TComponent::Loaded() {
@@ -105,12 +116,12 @@ void TComponent::DefineProperties(TFiler&) {}
 
 void TComponent::InsertComponent(TComponent* component) {
     component->owner_ = this;
-    components_.push_back(component);
+    components_.Add(*component);
     Notification(component, opInsert);
 }
 
 void TComponent::RemoveComponent(TComponent* component) {
-    std::erase(components_, component);
+    components_.Remove(*component);
     component->owner_ = nullptr;
     Notification(component, opRemove);
 }

@@ -1,6 +1,7 @@
 // Components: named objects that own other components and are told when one that they refer to goes away.
 #pragma once
 
+#include "lumora/platform/notice_list.h"
 #include "lumora/platform/properties.h"
 
 #include <functional>
@@ -43,14 +44,16 @@ public:
     void SetTag(int tag) { tag_ = tag; }
 
     TComponent* GetOwner() const { return owner_; }
-    int GetComponentCount() const { return static_cast<int>(components_.size()); }
-    TComponent* GetComponent(int i) const { return components_.at(static_cast<std::size_t>(i)); }
+    int GetComponentCount() const { return static_cast<int>(components_.Count()); }
+    TComponent* GetComponent(int i) const; // EListError for a bad index
     TComponent* FindComponent(std::string_view name) const;
     TComponentState GetComponentState() const { return state_; }
     bool IsLoading() const { return state_.Contains(csLoading); }
     bool IsDestroying() const { return state_.Contains(csDestroying); }
 
-    // Asks that this component be told (through its Notification) when `component` is destroyed.
+    // Asks that this component be told (through its Notification) when `component` is destroyed. Many threads
+    // may do so at once for one component that they share, each with components of its own; nothing else here
+    // may be called while another thread changes the component.
     void WatchRemovalOf(TComponent* component);
     void UnwatchRemovalOf(TComponent* component);
 
@@ -71,12 +74,13 @@ private:
 
     void InsertComponent(TComponent* component);
     void RemoveComponent(TComponent* component);
+    void RemoveWatcher(const TComponent& watcher);
 
     std::string name_;
     int tag_ = 0;
     TComponentState state_;
     TComponent* owner_ = nullptr;
-    std::vector<TComponent*> components_; // owned
+    TNoticeList<TComponent> components_; // owned
     std::vector<TComponent*> watchers_;
     std::vector<TComponent*> watched_;
 };

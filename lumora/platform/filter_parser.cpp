@@ -22,26 +22,26 @@ bool IsWord(std::string_view name) {
     return false;
 }
 
-bool IsNameStart(char c) {
+bool BeginsFilterName(char c) {
     const char lower = LowerAscii(c);
     return (lower >= 'a' && lower <= 'z') || c == '_' || c == '$' || c == '#' ||
            static_cast<unsigned char>(c) >= 128;
 }
 
 bool IsNamePart(char c) {
-    return IsNameStart(c) || IsDigit(c);
+    return BeginsFilterName(c) || IsDigit(c);
 }
 
-enum TFilterTokenKind : std::uint8_t { ftkEnd, ftkName, ftkColumn, ftkString, ftkNumber, ftkSymbol };
+enum TFilterTokenKind : std::uint8_t { fftEnd, fftName, fftColumn, fftString, fftNumber, fftSymbol };
 
 struct TFilterToken {
-    TFilterTokenKind Kind = ftkEnd; // ftkName: one bare name, which may be a word
+    TFilterTokenKind Kind = fftEnd; // fftName: one bare name, which may be a word
     std::string Text;               // of names and strings what they mean, of the rest as written
     std::size_t LastPart = 0;
     std::size_t At = 0;
 
-    bool IsWord(std::string_view word) const { return Kind == ftkName && SameText(Text, word); }
-    bool IsSymbol(std::string_view symbol) const { return Kind == ftkSymbol && Text == symbol; }
+    bool IsWord(std::string_view word) const { return Kind == fftName && SameText(Text, word); }
+    bool IsSymbol(std::string_view symbol) const { return Kind == fftSymbol && Text == symbol; }
 };
 
 class TFilterLexer {
@@ -81,7 +81,7 @@ public:
         throw EFilterError(message, PositionOf(at));
     }
     [[noreturn]] void FailExpected(const std::string& what) const {
-        const std::size_t end = token_.Kind == ftkEnd ? text_.size() : at_;
+        const std::size_t end = token_.Kind == fftEnd ? text_.size() : at_;
         std::string found(text_.substr(token_.At, end - token_.At));
         if (found.size() > 40)
             found = found.substr(0, 40) + "...";
@@ -101,7 +101,7 @@ private:
         if (at_ == text_.size())
             return;
         const char c = text_[at_];
-        if (IsNameStart(c) || c == '"' || c == '[')
+        if (BeginsFilterName(c) || c == '"' || c == '[')
             ScanName();
         else if (c == '\'')
             ScanString();
@@ -112,7 +112,7 @@ private:
     }
 
     void ScanName() {
-        token_.Kind = ftkColumn;
+        token_.Kind = fftColumn;
         for (bool isFirst = true;; isFirst = false) {
             token_.LastPart = token_.Text.size();
             if (Peek() == '"' || Peek() == '[') {
@@ -123,9 +123,9 @@ private:
                     ++at_;
                 token_.Text += text_.substr(start, at_ - start);
                 if (isFirst && Peek() != '.')
-                    token_.Kind = ftkName;
+                    token_.Kind = fftName;
             }
-            if (Peek() != '.' || !(IsNameStart(Peek(1)) || Peek(1) == '"' || Peek(1) == '['))
+            if (Peek() != '.' || !(BeginsFilterName(Peek(1)) || Peek(1) == '"' || Peek(1) == '['))
                 return;
             token_.Text += '.';
             ++at_;
@@ -133,7 +133,7 @@ private:
     }
 
     void ScanString() {
-        token_.Kind = ftkString;
+        token_.Kind = fftString;
         TakeQuoted('\'');
     }
 
@@ -152,7 +152,7 @@ private:
     }
 
     void ScanNumber() {
-        token_.Kind = ftkNumber;
+        token_.Kind = fftNumber;
         while (IsNamePart(Peek()) || Peek() == '.' ||
                ((Peek() == '-' || Peek() == '+') && LowerAscii(text_[at_ - 1]) == 'e'))
             ++at_;
@@ -164,7 +164,7 @@ private:
     void ScanSymbol() {
         static constexpr std::string_view symbols[] = {"<>", "!=", "<=", ">=", "=", "<",
                                                        ">",  "(",  ")",  ",",  "-", "+"};
-        token_.Kind = ftkSymbol;
+        token_.Kind = fftSymbol;
         for (const std::string_view symbol : symbols)
             if (text_.substr(at_).starts_with(symbol)) {
                 token_.Text = symbol;
@@ -188,13 +188,13 @@ public:
     TFilterParser(std::string_view text, const TFilterOptions& options) : lexer_(text), options_(options) {}
 
     TFilterProgram Parse() {
-        if (lexer_.Token().Kind == ftkEnd)
+        if (lexer_.Token().Kind == fftEnd)
             return {};
         for (;;) {
             ParseStart();
             while (lexer_.Token().IsSymbol(")"))
                 Close();
-            if (lexer_.Token().Kind == ftkEnd)
+            if (lexer_.Token().Kind == fftEnd)
                 break;
             ParseJoin();
         }
@@ -313,12 +313,12 @@ private:
 
     void ParseLike(TFilterComparison& comparison) {
         comparison.Test = tstLike;
-        if (lexer_.Token().Kind != ftkString)
+        if (lexer_.Token().Kind != fftString)
             lexer_.FailExpected("A pattern in quotes");
         const std::string text = lexer_.Take().Text;
         char escape = 0;
         if (lexer_.TakeWord("escape")) {
-            if (lexer_.Token().Kind != ftkString || lexer_.Token().Text.size() != 1)
+            if (lexer_.Token().Kind != fftString || lexer_.Token().Text.size() != 1)
                 lexer_.FailExpected("One character in quotes");
             escape = lexer_.Take().Text[0];
         }
@@ -373,20 +373,20 @@ private:
         else if (lexer_.TakeSymbol("+"))
             sign = "+";
         const TFilterToken& token = lexer_.Token();
-        if (token.Kind == ftkNumber) {
+        if (token.Kind == fftNumber) {
             const std::string text = sign + lexer_.Take().Text;
             operand.Value = *ConvertFilterValue(TFilterValue::OfText(text), fvkNumber, options_);
             operand.Value.Text = text;
         } else if (!sign.empty()) {
             lexer_.FailExpected("A number");
-        } else if (token.Kind == ftkString) {
+        } else if (token.Kind == fftString) {
             operand.Value = TFilterValue::OfText(lexer_.Take().Text);
         } else if (token.IsWord("true") || token.IsWord("false")) {
             operand.Value = TFilterValue::OfBoolean(token.IsWord("true"));
             lexer_.Take();
         } else if (token.IsWord("null")) {
             lexer_.Take();
-        } else if (token.Kind == ftkColumn || (token.Kind == ftkName && !IsWord(token.Text))) {
+        } else if (token.Kind == fftColumn || (token.Kind == fftName && !IsWord(token.Text))) {
             operand.Column = ColumnIndex(lexer_.Take(), operand.Position);
         } else {
             lexer_.FailExpected(expected);
@@ -421,7 +421,7 @@ TFilterProgram ParseFilter(std::string_view text, const TFilterOptions& options)
 } // namespace detail
 
 bool IsFilterName(std::string_view name) {
-    if (name.empty() || !IsNameStart(name[0]) || IsWord(name))
+    if (name.empty() || !BeginsFilterName(name[0]) || IsWord(name))
         return false;
     for (const char c : name)
         if (!IsNamePart(c))

@@ -84,7 +84,7 @@ private:
         ++level_;
         WriteProperties(component, {});
         component.DefineProperties(*this);
-        for (TComponent* const owned : component.components_)
+        for (TComponent* const owned : component.components_.Items())
             if (!owned->GetName().empty())
                 WriteComponent(*owned);
         --level_;

@@ -34,7 +34,7 @@ struct TFormatSettings {
     int FirstTwoDigitYear = 1950;
 };
 
-// The settings of the program; it may change them.
+// The settings of the program; it may change them, before threads start.
 TFormatSettings& FormatSettings();
 
 // The value in a mask: d dd ddd dddd (5 and 6: the short and the long date), m mm mmm mmmm (minutes right

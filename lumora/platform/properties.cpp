@@ -21,6 +21,10 @@ void detail::RefuseNumber(std::int64_t number) {
     throw EConvertError("The number " + std::to_string(number) + " is out of range");
 }
 
+void detail::RefuseValue() {
+    throw EConvertError("The value is of another kind than the property");
+}
+
 void RefuseReference(std::string_view property, const TComponent& component) {
     throw EConvertError("Property " + std::string(property) + " cannot refer to a " +
                         std::string(component.ClassName()));

@@ -125,24 +125,38 @@ TPropertyValue ToPropertyValue(const T& value) {
 
 [[noreturn]] void RefuseNumber(std::int64_t number);
 
+[[noreturn]] void RefuseValue();
+// EConvertError for a value of another kind than the property's.
+template <typename T>
+const T& Held(const TPropertyValue& value) {
+    if (const T* const held = std::get_if<T>(&value))
+        return *held;
+    RefuseValue();
+}
+
 // EConvertError for a number that the property's type cannot hold.
 template <typename T>
 T FromPropertyValue(const TPropertyValue& value) {
     if constexpr (std::is_same_v<T, TColor>)
-        return TColor{static_cast<std::int32_t>(std::get<std::int64_t>(value))};
+        return TColor{static_cast<std::int32_t>(Held<std::int64_t>(value))};
     else if constexpr (TIsEnumSet<T>::value)
-        return T::FromBits(static_cast<std::uint64_t>(std::get<std::int64_t>(value)));
+        return T::FromBits(static_cast<std::uint64_t>(Held<std::int64_t>(value)));
     else if constexpr (std::is_same_v<T, bool>)
-        return std::get<std::int64_t>(value) != 0;
-    else if constexpr (std::is_enum_v<T> || std::is_same_v<T, char>)
-        return static_cast<T>(std::get<std::int64_t>(value));
-    else if constexpr (std::is_integral_v<T>) {
-        const std::int64_t number = std::get<std::int64_t>(value);
+        return Held<std::int64_t>(value) != 0;
+    else if constexpr (std::is_same_v<T, char>)
+        return static_cast<T>(Held<std::int64_t>(value));
+    else if constexpr (std::is_enum_v<T>) {
+        const std::int64_t ordinal = Held<std::int64_t>(value);
+        if (ordinal < 0 || ordinal >= EnumCount<T>)
+            RefuseNumber(ordinal);
+        return static_cast<T>(ordinal);
+    } else if constexpr (std::is_integral_v<T>) {
+        const std::int64_t number = Held<std::int64_t>(value);
         if (!std::in_range<T>(number))
             RefuseNumber(number);
         return static_cast<T>(number);
     } else
-        return std::get<std::string>(value);
+        return Held<std::string>(value);
 }
 
 } // namespace detail
@@ -173,7 +187,7 @@ TPropertyInfo StringsProperty(std::string_view name, const TStringList& (C::*get
             std::move(defaultText),
             [get](TPersistent& object) { return &(static_cast<C&>(object).*get)(); },
             [set](TPersistent& object, const TPropertyValue& value) {
-                (static_cast<C&>(object).*set)(*std::get<const TStringList*>(value));
+                (static_cast<C&>(object).*set)(*detail::Held<const TStringList*>(value));
             }};
 }
 
@@ -189,7 +203,7 @@ TPropertyInfo ComponentProperty(std::string_view name, T* (C::*get)() const, voi
                 return static_cast<TComponent*>((static_cast<C&>(object).*get)());
             },
             [set, name](TPersistent& object, const TPropertyValue& value) {
-                TComponent* const component = std::get<TComponent*>(value);
+                TComponent* const component = detail::Held<TComponent*>(value);
                 T* const reference = dynamic_cast<T*>(component);
                 if (component && !reference)
                     RefuseReference(name, *component);

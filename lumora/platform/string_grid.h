@@ -1,6 +1,8 @@
 // The cells of a string grid, without its screen.
 #pragma once
 
+#include "lumora/platform/errors.h"
+
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -19,9 +21,11 @@ public:
         rowCount_ = rowCount;
         cells_.assign(static_cast<std::size_t>(colCount) * static_cast<std::size_t>(rowCount), {});
     }
+    // EListError for a cell outside the grid.
     std::string& Cell(int col, int row) {
-        return cells_.at(static_cast<std::size_t>(row) * static_cast<std::size_t>(colCount_) +
-                         static_cast<std::size_t>(col));
+        const std::size_t inRow = CheckIndex(col, static_cast<std::size_t>(colCount_));
+        const std::size_t rows = CheckIndex(row, static_cast<std::size_t>(rowCount_));
+        return cells_[rows * static_cast<std::size_t>(colCount_) + inRow];
     }
 
 private:

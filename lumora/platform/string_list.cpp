@@ -10,7 +10,7 @@
 namespace lumora {
 
 void TStringList::IndexError(int i) {
-    throw EListError("List index out of bounds (" + std::to_string(i) + ")");
+    throw EListError(i);
 }
 
 TStringList::TLine TStringList::Append(std::string_view text) {

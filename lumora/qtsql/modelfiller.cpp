@@ -75,8 +75,8 @@ private:
     }
 
     void addLink(const ForeignKey& key) {
-        TDSTable* const table = model_.TableByName(0, key.table);
-        TDSTable* const referenced = model_.TableByName(0, key.referencedTable);
+        TDSTable* const table = model_.TableByName(tnName, key.table);
+        TDSTable* const referenced = model_.TableByName(tnName, key.referencedTable);
         if (!table || !referenced)
             return;
         auto link = std::make_unique<TDSLink>(*table, *referenced);

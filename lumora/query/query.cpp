@@ -90,14 +90,14 @@ void TVQuery::CheckIfDBStructAssigned() const {
 void TVQuery::SetMainTableName(const std::string& name) {
     mainTableName_ = name;
     if (model_)
-        mainTable_ = model_->TableByName(0, name);
+        mainTable_ = model_->TableByName(tnName, name);
 }
 
 void TVQuery::RefreshMainTable() {
     if (!model_)
         return;
     if (!mainTableName_.empty())
-        mainTable_ = model_->TableByName(0, mainTableName_);
+        mainTable_ = model_->TableByName(tnName, mainTableName_);
     if (!mainTable_ && model_->GetDefaultMainTable()) {
         mainTable_ = model_->GetDefaultMainTable();
         mainTableName_ = mainTable_->GetName();

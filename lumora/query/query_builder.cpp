@@ -55,7 +55,8 @@ void TQueryBuilder::AddTable(TDSTable* table) {
         tables.Add(table, nullptr);
         return;
     }
-    const TDSPath& path = structure_.GetPath(*tables.GetItem(0).Table, *table);
+    TDSPath path(nullptr);
+    structure_.FindPath(*tables.GetItem(0).Table, *table, path);
     for (int i = 1; i < path.GetTableCount(); ++i) {
         TDSTable* const step = path.GetTable(i);
         if (!HasTable(step))
@@ -223,7 +224,8 @@ void TQueryBuilder::FillTemplate(std::string& out, TFilterCond& condition) {
     request.ValueCount = condition.GetValueCount();
     for (int value = 1; value <= std::min(request.ValueCount, MaxTemplateValues); ++value)
         request.SetEntry(value, values_.EntryOf(condition, value));
-    const TTemplatePlan& plan = condition.GetTemplate()->Plan(request);
+    TTemplatePlan spare;
+    const TTemplatePlan& plan = condition.GetTemplate()->Plan(request, spare);
     if (!plan.Patterns.empty())
         RefreshPatterns(plan, condition);
     AppendPieces(out, plan.Pieces, condition);

@@ -125,7 +125,7 @@ TDSField* TVQuery::FindTarget(const TFieldTarget& target) const {
     TDSField* const field = model_->FieldByID(target.ID);
     if (field && field->GetFullName() == target.FullName)
         return field;
-    TDSField* const namesake = model_->FieldByName(2, target.FullName);
+    TDSField* const namesake = model_->FieldByName(fnFullName, target.FullName);
     return namesake ? namesake : field;
 }
 

@@ -69,7 +69,8 @@ std::string TResultField::FillFormula(TAppendField appendField) const {
     TPlanRequest request;
     request.ValueCount = static_cast<int>(fields_.size());
     std::string text;
-    for (const TTemplatePiece& piece : formula_.Plan(request).Pieces) {
+    TTemplatePlan spare;
+    for (const TTemplatePiece& piece : formula_.Plan(request, spare).Pieces) {
         if (piece.Kind == tpLiteral)
             text += piece.Text;
         else
@@ -135,7 +136,7 @@ void TResultField::ProcessExpression(std::string_view expression) {
         const std::string_view name = expression.substr(open + 1, close - open - 1);
         const auto [known, isNew] = numbers.try_emplace(name, fields_.size() + 1);
         if (isNew) {
-            TDSField* const field = GetDBStruct() ? GetDBStruct()->FieldByName(1, name) : nullptr;
+            TDSField* const field = GetDBStruct() ? GetDBStruct()->FieldByName(fnDisplayName, name) : nullptr;
             if (!field && !GetDBStruct())
                 break;
             fields_.push_back(field ? field : GetDBStruct()->GetUnrecognizedField());
@@ -152,7 +153,7 @@ void TResultField::ProcessSQLExpr(std::string_view sql) {
     const TVCustomDBStructure* const structure = GetDBStruct();
     if (!structure)
         return;
-    if (TDSField* const field = structure->FieldByName(3, sql)) {
+    if (TDSField* const field = structure->FieldByName(fnSQLExpr, sql)) {
         fields_ = {field};
         formula_.SetText("@1");
         return;

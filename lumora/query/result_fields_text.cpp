@@ -70,7 +70,7 @@ void TRFieldList::LoadField(const TSectionLines& lines) {
     } else if (const std::string_view name = lines.Value("Name"); !name.empty()) {
         // Older texts name one data model field, by caption, full name or column name.
         TDSField* entry = nullptr;
-        for (const int mode : {1, 2, 0})
+        for (const TFieldNameMode mode : {fnDisplayName, fnFullName, fnText})
             entry = entry ? entry : structure_->FieldByName(mode, name);
         field.fields_.push_back(known(entry));
         if (field.GetFormula().empty())

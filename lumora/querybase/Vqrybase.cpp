@@ -68,8 +68,8 @@ void TVQueryBaseLink::SetQueryBase(TVQueryBase* base) {
 
 TVQueryBase::~TVQueryBase() {
     BeginDestruction();
-    while (!links_.empty())
-        links_.back()->SetQueryBase(nullptr);
+    while (links_.Count() > 0)
+        links_[links_.Count() - 1]->SetQueryBase(nullptr);
 }
 
 std::span<const TPropertyInfo> TVQueryBase::PublishedProperties() const {
@@ -109,9 +109,7 @@ void TVQueryBase::SetItemIndex(int index) {
 }
 
 TVQueryItem* TVQueryBase::GetQuery(int index) const {
-    if (index < 0 || index >= GetCount())
-        throw EListError("List index out of bounds (" + std::to_string(index) + ")");
-    return items_[static_cast<std::size_t>(index)].get();
+    return items_[CheckIndex(index, items_.size())].get();
 }
 
 TVQueryItem* TVQueryBase::GetCurrentQuery() const {
@@ -155,27 +153,23 @@ void TVQueryBase::ClearQueries() {
 
 void TVQueryBase::QueryChanged(int index) {
     if (!SuppressNotifications)
-        for (TVQueryBaseLink* const link : std::vector<TVQueryBaseLink*>(links_))
-            link->QueryChanged(index);
+        links_.ForEach([&](TVQueryBaseLink& link) { link.QueryChanged(index); });
 }
 
 void TVQueryBase::IndexChanged() {
     if (!SuppressNotifications)
-        for (TVQueryBaseLink* const link : std::vector<TVQueryBaseLink*>(links_))
-            link->QueryIndexChanged();
+        links_.ForEach([](TVQueryBaseLink& link) { link.QueryIndexChanged(); });
 }
 
 void TVQueryBase::ListChanged(TQBOperation operation, int index) {
     if (!SuppressNotifications)
-        for (TVQueryBaseLink* const link : std::vector<TVQueryBaseLink*>(links_))
-            link->QueryListChanged(operation, index);
+        links_.ForEach([&](TVQueryBaseLink& link) { link.QueryListChanged(operation, index); });
 }
 
 bool TVQueryBase::NeedContent(TStringList& content) {
-    for (TVQueryBaseLink* const link : std::vector<TVQueryBaseLink*>(links_))
-        if (link->GetQueryContent(content))
-            return true;
-    return false;
+    bool answered = false;
+    links_.ForEach([&](TVQueryBaseLink& link) { answered = answered || link.GetQueryContent(content); });
+    return answered;
 }
 
 } // namespace lumora

@@ -4,6 +4,7 @@
 
 #include "lumora/model/Lmglobal.h"
 #include "lumora/platform/component.h"
+#include "lumora/platform/notice_list.h"
 #include "lumora/platform/string_list.h"
 
 #include <functional>
@@ -120,8 +121,8 @@ public:
     virtual void EraseQuery(int index) { DeleteQuery(index); }
     void ClearQueries();
 
-    void AddLink(TVQueryBaseLink* link) { links_.push_back(link); }
-    void DelLink(TVQueryBaseLink* link) { std::erase(links_, link); }
+    void AddLink(TVQueryBaseLink* link) { links_.Add(*link); }
+    void DelLink(TVQueryBaseLink* link) { links_.Remove(*link); }
     void QueryChanged(int index);
     void IndexChanged();
     void ListChanged(TQBOperation operation, int index);
@@ -144,7 +145,7 @@ private:
     }
 
     std::vector<std::unique_ptr<TVQueryItem>> items_;
-    std::vector<TVQueryBaseLink*> links_;
+    TNoticeList<TVQueryBaseLink> links_;
     int itemIndex_ = -1;
     bool active_ = false;
 };

@@ -155,9 +155,9 @@ void TQueryTextReader::ReadBracket(const TSectionLines& lines, std::string_view 
 TDSField* TQueryTextReader::FindField(const TSectionLines& lines) const {
     TDSField* field = nullptr;
     if (query_.GetVersion() < 1.4)
-        field = model_.FieldByName(2, lines.Value("FldName"));
+        field = model_.FieldByName(fnFullName, lines.Value("FldName"));
     else if (query_.GetVersion() < 2.0)
-        field = model_.FieldByName(3, lines.Value("FldName"));
+        field = model_.FieldByName(fnSQLExpr, lines.Value("FldName"));
     else
         field = model_.FieldByID(StrToInt(lines.Value("FieldID")));
     return field ? field : model_.GetUnrecognizedField();

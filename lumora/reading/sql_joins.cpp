@@ -110,7 +110,7 @@ void TSQLJoins::RefuseJoin(const TJoined& joined) const {
 
 void TSQLJoins::FindTables() {
     for (const TSQLTable& parsed : statement_.Tables) {
-        TDSTable* const table = model_.TableByName(1, parsed.Alias);
+        TDSTable* const table = model_.TableByName(tnAlias, parsed.Alias);
         if (!table || !SameText(ReplaceText(table->GetName(), "\"", ""), parsed.TableName))
             throw EVQueryPanelError(qpeNoTable, {parsed.TableName}, parsed.Line);
         tables_.push_back({table, nullptr, swInner, parsed.Line});

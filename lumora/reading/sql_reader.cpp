@@ -92,13 +92,13 @@ TSQLReader::TFit TSQLReader::FindPlainFit(const TSQLCondition& parsed) {
     TFit fit = FindFit(parsed, parsed.Negated, parsed.Operator);
     if (!fit.Operator)
         fit = LikeFallback(parsed);
-    fit.Field = model_.FieldByName(3, parsed.Left);
+    fit.Field = model_.FieldByName(fnSQLExpr, parsed.Left);
     return fit;
 }
 
 // A condition that no operator fits may be the opposite of one that an operator fits.
 TSQLReader::TFit TSQLReader::FindStrictFit(const TSQLCondition& parsed) {
-    TDSField* const field = model_.FieldByName(3, parsed.Left);
+    TDSField* const field = model_.FieldByName(fnSQLExpr, parsed.Left);
     if (!field) {
         TFit fit = FindFitAroundField(parsed);
         if (!fit.Field)
@@ -239,7 +239,7 @@ TSQLReader::TFit TSQLReader::FindFitAroundField(const TSQLCondition& parsed) {
         std::string_view name;
         if (pattern.Head().empty() || !pattern.Match(text, name, fit.Values) || name.empty())
             continue;
-        fit.Field = model_.FieldByName(3, name);
+        fit.Field = model_.FieldByName(fnSQLExpr, name);
         fit.Operator = fit.Field ? model_.GetOperator(i) : nullptr;
     }
     return fit;

@@ -1,6 +1,7 @@
 // What the parser makes of a SELECT statement. Texts are views of the statement that the result keeps.
 #pragma once
 
+#include "lumora/platform/errors.h"
 #include "lumora/sqlparse/sql_words.h"
 
 #include <cstddef>
@@ -28,8 +29,8 @@ struct TSQLResultField {
 class TSQLResultFieldList {
 public:
     int Count() const { return static_cast<int>(items_.size()); }
-    TSQLResultField& GetItem(int index) { return items_.at(static_cast<std::size_t>(index)); }
-    const TSQLResultField& GetItem(int index) const { return items_.at(static_cast<std::size_t>(index)); }
+    TSQLResultField& GetItem(int index) { return items_[CheckIndex(index, items_.size())]; }
+    const TSQLResultField& GetItem(int index) const { return items_[CheckIndex(index, items_.size())]; }
     TSQLResultField& Add() { return items_.emplace_back(); }
     void Clear();
     // The first field with that alias or expression, letter case ignored; -1 when there is none.

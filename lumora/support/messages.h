@@ -64,6 +64,9 @@ enum TMessageId : int {
     msgDataSetNotOpened,
     msgCantSortDistinct,
     msgInvalidIndex,
+    msgInvalidFieldIndex,
+    msgInvalidConditionIndex,
+    msgInvalidGroupIndex,
     // On screen.
     msgYes,
     msgNo,
@@ -91,7 +94,7 @@ enum TMessageId : int {
 const std::string& Message(TMessageId id);
 // The record name of a message ("_SDeleteGroup"); empty for the few that have none.
 std::string_view MessageRecordName(TMessageId id);
-// Puts a translated text in the place of the default; unknown ids are ignored.
+// Puts a translated text in the place of the default; unknown ids are ignored. Before threads start.
 void SetMessage(TMessageId id, std::string text);
 
 // Replaces each "%s" and "%d" of the format, in order, by an argument.

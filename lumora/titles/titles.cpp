@@ -23,7 +23,7 @@ void TTitles::LoadDefaults() {
 }
 
 void TTitles::Merge(const TStringList& lines) {
-    LoadTitlesFromStrings(defaults_, lines_, lines);
+    LayTitlesOver(defaults_, lines_, lines);
 }
 
 void TTitles::Set(std::string_view key, std::string_view value) {
@@ -34,7 +34,7 @@ void TTitles::Set(std::string_view key, std::string_view value) {
 
 void TTitles::ReadFromQueryText(const TStringList& lines, const TSectionIndex& sections, double heldVersion) {
     if (heldVersion >= 2.2) {
-        LoadTitlesFromSections(loadDefaults_, lines_, lines, sections);
+        LayTitlesOver(loadDefaults_, lines_, lines, sections);
         return;
     }
     TStringList old;

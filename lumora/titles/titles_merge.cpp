@@ -51,4 +51,15 @@ void LoadTitlesFromStrings(const TStringList& defaults, TStringList& result, con
     LoadTitlesFromSections(defaults, result, source, TSectionIndex(source));
 }
 
+void LayTitlesOver(const TStringList& defaults, TStringList& titles, const TStringList& source,
+                   const TSectionIndex& sourceSections) {
+    LoadTitlesFromSections(defaults, titles, source, sourceSections);
+    if (titles.Count() > 0 && titles.Last().empty() && !defaults.Last().empty())
+        titles.Delete(titles.Count() - 1);
+}
+
+void LayTitlesOver(const TStringList& defaults, TStringList& titles, const TStringList& source) {
+    LayTitlesOver(defaults, titles, source, TSectionIndex(source));
+}
+
 } // namespace lumora

@@ -46,7 +46,7 @@ protected:
     }
 
     static TDSField& field(desk::DeskDocument& document, const char* caption) {
-        return *document.model()->FieldByName(1, caption);
+        return *document.model()->FieldByName(fnDisplayName, caption);
     }
     // "FIELD is equal to VALUE" as a new row.
     static void addCondition(desk::DeskDocument& document, const char* caption, const char* value) {

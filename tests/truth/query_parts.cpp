@@ -98,7 +98,7 @@ void addTable(std::vector<FromTable>& tables, const TDSTable& table) {
 std::vector<FromTable> fromTables(const TVQueryPanel& panel) {
     std::vector<FromTable> tables;
     if (!panel.GetMainTableName().empty())
-        addTable(tables, *panel.GetDbStruct()->TableByName(0, panel.GetMainTableName()));
+        addTable(tables, *panel.GetDbStruct()->TableByName(tnName, panel.GetMainTableName()));
     const TRFieldList& fields = panel.GetQResult().GetResultFields();
     for (int i = 0; i < fields.Count(); ++i)
         for (const TDSField* const field : fields.GetRField(i)->GetFields())

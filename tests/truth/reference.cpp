@@ -94,7 +94,7 @@ private:
 
     Read columnRead(const std::string& aliasAndColumn) const {
         const std::size_t dot = aliasAndColumn.find('.');
-        const TDSTable& table = *model_.TableByName(1, aliasAndColumn.substr(0, dot));
+        const TDSTable& table = *model_.TableByName(tnAlias, aliasAndColumn.substr(0, dot));
         const std::size_t position = indexOf(table);
         const auto column = dataOf(table).columnIndex(aliasAndColumn.substr(dot + 1));
         return [position, column](const JoinedRow& row) {
@@ -231,7 +231,7 @@ private:
             return simpleTest(static_cast<const TSimpleCond&>(condition), values);
         const Predicate& predicate =
             entryOf(predicates, static_cast<const TCustomCond&>(condition).GetCondition()->GetSQLExpr());
-        const Table& orders = dataOf(*model_.TableByName(0, "orders"));
+        const Table& orders = dataOf(*model_.TableByName(tnName, "orders"));
         return [columns = columnReads(predicate.columns), values, &predicate, &orders](const JoinedRow& row) {
             return predicate.holds(readAll(columns, row), values, orders);
         };
