@@ -58,7 +58,7 @@ public:
     }
 
     void LinksByDatabase(TStringList& links) override {
-        std::mt19937 random(20260701);
+        std::mt19937 random(20260701u + static_cast<unsigned>(shape_.Seed));
         const int mainland = shape_.Tables - shape_.IslandTables;
         for (int i = 0; i < shape_.Links; ++i) {
             const bool onIsland = i % shape_.Tables >= mainland;
@@ -76,7 +76,7 @@ public:
 
     void FieldsByTable(const std::string&, TDBFieldList& fields) override {
         for (int i = 0; i < shape_.FieldsPerTable; ++i) {
-            const TColumn& column = Columns[i % ColumnCount];
+            const TColumn& column = Columns[(i + shape_.Seed) % ColumnCount];
             const std::string number = i < ColumnCount ? "" : std::to_string(i / ColumnCount);
             fields.Add({column.Name + number, column.Size, column.Type});
         }
@@ -125,7 +125,7 @@ void FillModel(TVDBStructure& model, const TModelShape& shape) {
     for (int i = 0; i < 10; ++i)
         model.GetFieldGroups().Add("Group " + std::to_string(i));
     for (int i = 0; i < model.GetFieldCount(); ++i)
-        DressField(model, *model.GetField(i), i);
+        DressField(model, *model.GetField(i), i + shape.Seed);
     for (int i = 0; i < std::min(shape.Tables, 20); ++i)
         model.AddCondition(i + 1, "Lies in the city of @", TableName(i) + ".City = '@1'");
 }

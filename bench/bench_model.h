@@ -11,6 +11,8 @@ struct TModelShape {
     int Links;
     // The last tables of the model, this many, are linked among themselves only: no path leads to them.
     int IslandTables = 0;
+    // Models of other seeds have other links, other columns first and other editors.
+    int Seed = 0;
 };
 
 inline constexpr TModelShape LargeModel{1000, 20, 1500};

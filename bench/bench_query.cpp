@@ -1,5 +1,6 @@
 #include "bench_query.h"
 
+#include "bench_inputs.h"
 #include "bench_model.h"
 
 #include <algorithm>
@@ -14,8 +15,16 @@ constexpr int Depth = 4;
 constexpr int TablesInQuery = 4;
 
 class TQueryMaker {
+    int Pick(int count) { return static_cast<int>(random_() % static_cast<unsigned>(count)); }
+
+    template <typename TList>
+    const auto& PickFrom(const TList& list) {
+        return list[static_cast<std::size_t>(Pick(static_cast<int>(std::size(list))))];
+    }
+
 public:
-    explicit TQueryMaker(TVQueryPanel& panel) : panel_(panel), model_(*panel.GetDbStruct()) {
+    TQueryMaker(TVQueryPanel& panel, unsigned seed)
+        : panel_(panel), model_(*panel.GetDbStruct()), random_(20260702 + seed) {
         std::vector<TDSTable*> tables;
         for (int i = 0; i < std::min(TablesInQuery, model_.GetTableCount()); ++i)
             tables.push_back(model_.GetTable(i));
@@ -28,8 +37,10 @@ public:
     void AddResultFields() {
         TRFieldList& list = panel_.GetQResult().GetResultFields();
         list.JustSorting = false;
-        for (const std::size_t i : {0u, 2u, 25u})
-            list.Add("@1", {fields_[i]}, fields_[i]->GetDisplayName());
+        for (int i = 0; i < 3; ++i) {
+            TDSField* const field = PickFrom(fields_);
+            list.Add("@1", {field}, field->GetDisplayName());
+        }
         list.GetRField(1)->SetSorting(stAscending);
     }
 
@@ -48,13 +59,6 @@ public:
     }
 
 private:
-    int Pick(int count) { return static_cast<int>(random_() % static_cast<unsigned>(count)); }
-
-    template <typename TList>
-    const auto& PickFrom(const TList& list) {
-        return list[static_cast<std::size_t>(Pick(static_cast<int>(std::size(list))))];
-    }
-
     void AddCondition(TFilterBracket& bracket) {
         if (Pick(25) == 0) {
             TDSCondition* const target = model_.GetCondition(Pick(TablesInQuery));
@@ -110,22 +114,33 @@ private:
     TVQueryPanel& panel_;
     TVCustomDBStructure& model_;
     std::vector<TDSField*> fields_;
-    std::mt19937 random_{20260702};
+    std::mt19937 random_;
 };
 
 } // namespace
 
-void FillQuery(TVQueryPanel& panel, int conditions) {
-    TQueryMaker maker(panel);
+void FillQuery(TVQueryPanel& panel, int conditions, unsigned seed) {
+    TQueryMaker maker(panel, seed);
     maker.AddResultFields();
     maker.FillBracket(*panel.GetRootBracket(), 1, conditions);
 }
 
-TBenchQuery::TBenchQuery(int conditions) {
+TBenchQueries::TBenchQueries(int conditions) {
+    constexpr std::size_t bytesOfPanel = 20'000;
+    constexpr std::size_t bytesOfCondition = 450; // and its text in the statement
     FillModel(Model, {12, 20, 16});
-    Panel.SetDbStruct(&Model);
-    Panel.Activate();
-    FillQuery(Panel, conditions);
+    const int count = InputCount(bytesOfPanel + static_cast<std::size_t>(conditions) * bytesOfCondition);
+    for (int i = 0; i < count; ++i) {
+        TVQueryPanel& panel = *Panels.emplace_back(std::make_unique<TVQueryPanel>());
+        panel.SetDbStruct(&Model);
+        panel.Activate();
+        FillQuery(panel, conditions, static_cast<unsigned>(i));
+    }
+}
+
+const TBenchQueries& QueriesOf(int conditions) {
+    static TKeptInputs<std::unique_ptr<TBenchQueries>> kept;
+    return *kept.Of(conditions, [conditions] { return std::make_unique<TBenchQueries>(conditions); });
 }
 
 // --- The plain query.

@@ -3,22 +3,26 @@
 
 #include "lumora/lumora.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace lumora::bench {
 
 // Result fields and `conditions` conditions for an active panel that has a model.
-void FillQuery(TVQueryPanel& panel, int conditions);
+void FillQuery(TVQueryPanel& panel, int conditions, unsigned seed = 0);
 
-// A model with a panel that holds such a query.
-class TBenchQuery {
+// A model with panels that hold such queries, each another one; as many as InputCount allows.
+class TBenchQueries {
 public:
-    explicit TBenchQuery(int conditions);
+    explicit TBenchQueries(int conditions);
 
     TVDBStructure Model;
-    TVQueryPanel Panel;
+    std::vector<std::unique_ptr<TVQueryPanel>> Panels;
 };
+
+// Those of one size are kept for all measurements of that size.
+const TBenchQueries& QueriesOf(int conditions);
 
 // The same query as a bare tree that knows every piece of its text already: what no generator can be faster
 // than.

@@ -1,89 +1,71 @@
-// Reading SELECT statements: the parser beside a bare scan of the same tokens, and SQL to query.
+// Reading SELECT statements: the parser beside the bare scan of the same tokens, the scanner beside a
+// table-driven lexer, and SQL to query.
+#include "bench_inputs.h"
 #include "bench_model.h"
+#include "bench_statements.h"
+#include "plain_lexer.h"
 
 #include "lumora/lumora.h"
 #include "lumora/sqlparse/Vsqlpars.h"
 
-#include <benchmark/benchmark.h>
-
-#include <random>
-
 namespace lumora::bench {
 namespace {
 
-// A condition on a field, as a person would write it.
-void AppendCondition(std::string& sql, const std::string& field, std::mt19937& random) {
-    static const char* const tails[] = {" = 'North Star Ltd'", " <> 1250",      " >= 12.5", " like '%star%'",
-                                        " between 10 and 250", " in (1, 2, 3)", " is null"};
-    sql.append(field).append(tails[random() % std::size(tails)]);
+const std::vector<std::string>& Statements(int conditions) {
+    static TKeptInputs<std::vector<std::string>> kept;
+    return kept.Of(conditions, [conditions] { return MakeStatements(PlainNames(), conditions); });
 }
 
-// A tree of conditions, brackets nested eight deep.
-void AppendConditions(std::string& sql, const std::vector<std::string>& fields, int count, int depth,
-                      std::mt19937& random) {
-    while (count > 0) {
-        const int inside = depth > 0 && count > 3 ? std::max(2, count / 3) : 0;
-        if (inside > 0) {
-            sql += '(';
-            AppendConditions(sql, fields, inside, depth - 1, random);
-            sql += ')';
-            count -= inside;
-        } else {
-            AppendCondition(sql, fields[random() % fields.size()], random);
-            --count;
-        }
-        if (count > 0)
-            sql += depth % 2 == 0 ? "\n  and " : " or ";
-    }
+template <typename TRead>
+void MeasureStatements(benchmark::State& state, TRead read) {
+    const auto conditions = static_cast<std::size_t>(state.range(0));
+    const std::vector<std::string>& statements = Statements(static_cast<int>(conditions));
+    for (auto _ : state)
+        for (const std::string& sql : statements)
+            benchmark::DoNotOptimize(read(sql));
+    ReportRound(state, statements.size(), TotalBytes(statements), statements.size() * conditions);
 }
 
-std::string Statement(const std::vector<std::string>& fields, int conditions) {
-    std::mt19937 random(7);
-    std::string sql = "select " + fields[0] + " as Name, " + fields[1] + "\nfrom customers\nwhere ";
-    AppendConditions(sql, fields, conditions, 8, random);
-    return sql + "\norder by 1 desc";
+int ParseWith(TVSQLParser& parser, const std::string& sql) {
+    parser.SetSQLText(sql);
+    parser.Parse();
+    return parser.GetResult().RootBracket->GetCount();
 }
 
-const std::vector<std::string>& PlainFields() {
-    static const std::vector<std::string> fields = {"customers.company", "customers.city", "customers.credit",
-                                                    "customers.since", "customers.customer_id"};
-    return fields;
-}
-
-// About 150 bytes, 1 KB and 100 KB.
-constexpr int Sizes[] = {2, 28, 2000};
-
-void Report(benchmark::State& state, const std::string& sql, int conditions) {
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(sql.size()));
-    state.SetItemsProcessed(state.iterations() * conditions);
-    state.counters["text_bytes"] = static_cast<double>(sql.size());
+std::size_t CountTokens(const std::string& sql) {
+    std::size_t tokens = 0;
+    for (TVScanner scanner(sql); !scanner.AtEnd(); scanner.Next())
+        ++tokens;
+    return tokens;
 }
 
 void Parse(benchmark::State& state) {
-    const auto conditions = static_cast<int>(state.range(0));
-    const std::string sql = Statement(PlainFields(), conditions);
     TVSQLParser parser;
-    for (auto _ : state) {
-        parser.SetSQLText(sql);
-        parser.Parse();
-        benchmark::DoNotOptimize(parser.GetResult().RootBracket->GetCount());
-    }
-    Report(state, sql, conditions);
+    MeasureStatements(state, [&parser](const std::string& sql) { return ParseWith(parser, sql); });
 }
-BENCHMARK(Parse)->Arg(Sizes[0])->Arg(Sizes[1])->Arg(Sizes[2]);
 
-void Parse_Reference(benchmark::State& state) {
-    const auto conditions = static_cast<int>(state.range(0));
-    const std::string sql = Statement(PlainFields(), conditions);
-    for (auto _ : state) {
-        std::size_t tokens = 0;
-        for (TVScanner scanner(sql); !scanner.AtEnd(); scanner.Next())
-            ++tokens;
-        benchmark::DoNotOptimize(tokens);
-    }
-    Report(state, sql, conditions);
+void ParseFresh(benchmark::State& state) {
+    MeasureStatements(state, [](const std::string& sql) {
+        TVSQLParser parser;
+        return ParseWith(parser, sql);
+    });
 }
-BENCHMARK(Parse_Reference)->Arg(Sizes[0])->Arg(Sizes[1])->Arg(Sizes[2]);
+
+void Scan(benchmark::State& state) {
+    MeasureStatements(state, CountTokens);
+}
+
+void ScanByTable(benchmark::State& state) {
+    for (const std::string& sql : Statements(static_cast<int>(state.range(0))))
+        if (CountTokensByTable(sql) != CountTokens(sql))
+            return state.SkipWithError("the table finds other tokens");
+    MeasureStatements(state, [](const std::string& sql) { return CountTokensByTable(sql); });
+}
+
+// By conditions; statements of about 150 bytes, 1 KB and 72 KB.
+[[maybe_unused]] const bool registered = RegisterInTurn(
+    {2, 24, 2000},
+    {{"Parse", Parse}, {"ParseFresh", ParseFresh}, {"Scan", Scan}, {"ScanByTable", ScanByTable}});
 
 // Onto models of 20 and 1,000 tables (400 and 20,000 fields), with 15 and 200 operators.
 void ParseSQL(benchmark::State& state) {
@@ -92,18 +74,29 @@ void ParseSQL(benchmark::State& state) {
     for (int i = model.GetOperatCount(); i < state.range(1); ++i)
         model.AddOperator("Own" + std::to_string(i), "own", "@f own" + std::to_string(i) + " '@1'", "",
                           LmUsedTypes);
-    std::vector<std::string> fields;
+    std::vector<std::string> names;
     for (int i = 0; i < 20; ++i)
-        fields.push_back(model.GetField(i)->GetSQLExpr());
-    const auto conditions = static_cast<int>(state.range(2));
-    const TStringList sql(Statement(fields, conditions));
+        names.push_back(model.GetField(i)->GetSQLExpr());
+    const auto conditions = static_cast<std::size_t>(state.range(2));
+    std::vector<TStringList> statements;
+    std::size_t bytes = 0;
+    for (const std::string& sql : MakeStatements(names, static_cast<int>(conditions))) {
+        statements.emplace_back(sql);
+        bytes += sql.size();
+    }
     TVQueryPanel panel;
     panel.SetDbStruct(&model);
     for (auto _ : state)
-        panel.ParseSQL(sql);
-    state.SetItemsProcessed(state.iterations() * conditions);
+        for (const TStringList& sql : statements)
+            panel.ParseSQL(sql);
+    ReportRound(state, statements.size(), bytes, statements.size() * conditions);
 }
-BENCHMARK(ParseSQL)->Args({20, 15, 28})->Args({1000, 200, 28})->Args({20, 15, 2000})->Args({1000, 200, 2000});
+BENCHMARK(ParseSQL)
+    ->ArgNames({"tables", "operators", "conditions"})
+    ->Args({20, 15, 24})
+    ->Args({1000, 200, 24})
+    ->Args({20, 15, 2000})
+    ->Args({1000, 200, 2000});
 
 } // namespace
 } // namespace lumora::bench

@@ -1,40 +1,54 @@
-// Building the SQL of a query: BuildQuery and GetSQL.
+// Building the SQL of queries: BuildQuery and GetSQL.
+#include "bench_inputs.h"
 #include "bench_query.h"
-
-#include <benchmark/benchmark.h>
 
 namespace lumora::bench {
 namespace {
 
 void BuildSQL(benchmark::State& state) {
     const auto conditions = static_cast<int>(state.range(0));
-    TBenchQuery query(conditions);
-    for (auto _ : state) {
-        query.Panel.BuildQuery();
-        benchmark::DoNotOptimize(query.Panel.GetQResult().GetSQL().Count());
-    }
-    state.SetItemsProcessed(state.iterations() * conditions);
+    const TBenchQueries& queries = QueriesOf(conditions);
+    for (auto _ : state)
+        for (const auto& panel : queries.Panels) {
+            panel->BuildQuery();
+            benchmark::DoNotOptimize(panel->GetQResult().GetSQL().Count());
+        }
+    ReportRound(state, queries.Panels.size(), 0,
+                queries.Panels.size() * static_cast<std::size_t>(conditions));
 }
-BENCHMARK(BuildSQL)->Arg(10)->Arg(1000)->Arg(10000);
+
+// None when a plain query writes another statement.
+std::vector<TPlainQuery> PlainQueries(const TBenchQueries& queries) {
+    std::vector<TPlainQuery> plain;
+    std::string text;
+    for (const auto& panel : queries.Panels) {
+        panel->BuildQuery();
+        plain.push_back(MakePlainQuery(*panel));
+        text.clear();
+        AppendPlainQuery(text, plain.back());
+        if (panel->GetQResult().GetSQL().GetText().compare(0, text.size(), text) != 0)
+            return {};
+    }
+    return plain;
+}
 
 void BuildSQL_Reference(benchmark::State& state) {
     const auto conditions = static_cast<int>(state.range(0));
-    TBenchQuery query(conditions);
-    query.Panel.BuildQuery();
-    const TPlainQuery plain = MakePlainQuery(query.Panel);
-    std::string text;
-    AppendPlainQuery(text, plain);
-    const std::string statement = query.Panel.GetQResult().GetSQL().GetText();
-    if (statement.compare(0, text.size(), text) != 0)
+    const std::vector<TPlainQuery> queries = PlainQueries(QueriesOf(conditions));
+    if (queries.empty())
         return state.SkipWithError("the reference writes another statement");
-    for (auto _ : state) {
-        text.clear();
-        AppendPlainQuery(text, plain);
-        benchmark::DoNotOptimize(text.data());
-    }
-    state.SetItemsProcessed(state.iterations() * conditions);
+    std::string text;
+    for (auto _ : state)
+        for (const TPlainQuery& query : queries) {
+            text.clear();
+            AppendPlainQuery(text, query);
+            benchmark::DoNotOptimize(text.data());
+        }
+    ReportRound(state, queries.size(), 0, queries.size() * static_cast<std::size_t>(conditions));
 }
-BENCHMARK(BuildSQL_Reference)->Arg(10)->Arg(1000)->Arg(10000);
+
+[[maybe_unused]] const bool registered =
+    RegisterInTurn({10, 1000, 10000}, {{"BuildSQL", BuildSQL}, {"BuildSQL_Reference", BuildSQL_Reference}});
 
 } // namespace
 } // namespace lumora::bench

@@ -1,20 +1,16 @@
-// Reading and writing the text of a model and of a query.
+// Reading and writing the texts of models and of queries.
+#include "bench_inputs.h"
 #include "bench_model.h"
 #include "bench_query.h"
 
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace lumora::bench {
 namespace {
-
-TModelShape ShapeOf(int tables) {
-    return {tables, LargeModel.FieldsPerTable, tables * LargeModel.Links / LargeModel.Tables};
-}
 
 // What a text comes to when every line is kept as it is: sections of owned keys and values.
 struct TPlainSection {
@@ -53,70 +49,104 @@ std::string WritePlain(const std::vector<TPlainSection>& sections) {
     return text;
 }
 
-void SetBytes(benchmark::State& state, const std::string& text) {
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
-    state.counters["text_bytes"] = static_cast<double>(text.size());
+void MeasurePlainRead(benchmark::State& state, const std::vector<std::string>& texts) {
+    for (auto _ : state)
+        for (const std::string& text : texts)
+            benchmark::DoNotOptimize(ReadPlain(text).size());
+    ReportRound(state, texts.size(), TotalBytes(texts), 0);
 }
 
-void MeasurePlainRead(benchmark::State& state, const std::string& text) {
+void MeasurePlainWrite(benchmark::State& state, const std::vector<std::string>& texts) {
+    std::vector<std::vector<TPlainSection>> plain;
+    for (const std::string& text : texts)
+        plain.push_back(ReadPlain(text));
     for (auto _ : state)
-        benchmark::DoNotOptimize(ReadPlain(text).size());
-    SetBytes(state, text);
+        for (const std::vector<TPlainSection>& sections : plain)
+            benchmark::DoNotOptimize(WritePlain(sections).size());
+    ReportRound(state, texts.size(), TotalBytes(texts), 0);
 }
 
-void MeasurePlainWrite(benchmark::State& state, const std::string& text) {
-    const std::vector<TPlainSection> sections = ReadPlain(text);
+// Writes each object in turn, again and again.
+template <typename TObjects, typename TSave>
+void MeasureWrite(benchmark::State& state, const TObjects& objects, TSave save) {
+    TStringList lines;
+    std::string text;
+    std::size_t bytes = 0;
+    for (const auto& object : objects) {
+        save(*object, lines);
+        bytes += lines.GetText().size();
+    }
     for (auto _ : state)
-        benchmark::DoNotOptimize(WritePlain(sections).size());
-    SetBytes(state, text);
+        for (const auto& object : objects) {
+            save(*object, lines);
+            text = lines.GetText();
+            benchmark::DoNotOptimize(text.data());
+        }
+    ReportRound(state, objects.size(), bytes, 0);
 }
 
 // --- Models.
 
-std::string ModelText(int tables) {
-    TVDBStructure model;
-    FillModel(model, ShapeOf(tables));
-    return model.GetStructString();
+constexpr std::size_t BytesOfTable = 20'000; // with 20 fields, as objects; as text a third of it
+
+using TModels = std::vector<std::unique_ptr<TVDBStructure>>;
+
+std::unique_ptr<TVDBStructure> MakeModel(int tables, int seed) {
+    auto model = std::make_unique<TVDBStructure>();
+    FillModel(*model,
+              {tables, LargeModel.FieldsPerTable, tables * LargeModel.Links / LargeModel.Tables, 0, seed});
+    return model;
+}
+
+const TModels& ModelsOf(int tables) {
+    static TKeptInputs<TModels> kept;
+    return kept.Of(tables, [tables] {
+        TModels models;
+        for (int i = InputCount(static_cast<std::size_t>(tables) * BytesOfTable); i > 0; --i)
+            models.push_back(MakeModel(tables, i));
+        return models;
+    });
+}
+
+const std::vector<std::string>& ModelTexts(int tables) {
+    static TKeptInputs<std::vector<std::string>> kept;
+    return kept.Of(tables, [tables] {
+        std::vector<std::string> texts;
+        for (const auto& model : ModelsOf(tables))
+            texts.push_back(model->GetStructString());
+        return texts;
+    });
 }
 
 void ReadModel(benchmark::State& state) {
-    const std::string text = ModelText(static_cast<int>(state.range(0)));
-    TVDBStructure check;
-    check.SetStructString(text);
-    if (check.GetStructString() != text)
-        return state.SkipWithError("the model does not read back as it was written");
-    for (auto _ : state) {
-        TVDBStructure model;
-        model.LoadFromStrings(TStringList(text));
-        benchmark::DoNotOptimize(model.GetFieldCount());
+    const std::vector<std::string>& texts = ModelTexts(static_cast<int>(state.range(0)));
+    for (const std::string& text : texts) {
+        TVDBStructure check;
+        check.SetStructString(text);
+        if (check.GetStructString() != text)
+            return state.SkipWithError("the model does not read back as it was written");
     }
-    SetBytes(state, text);
+    for (auto _ : state)
+        for (const std::string& text : texts) {
+            TVDBStructure model;
+            model.LoadFromStrings(TStringList(text));
+            benchmark::DoNotOptimize(model.GetFieldCount());
+        }
+    ReportRound(state, texts.size(), TotalBytes(texts), 0);
 }
-BENCHMARK(ReadModel)->Arg(100)->Arg(1000);
 
 void ReadModel_Reference(benchmark::State& state) {
-    MeasurePlainRead(state, ModelText(static_cast<int>(state.range(0))));
+    MeasurePlainRead(state, ModelTexts(static_cast<int>(state.range(0))));
 }
-BENCHMARK(ReadModel_Reference)->Arg(100)->Arg(1000);
 
 void WriteModel(benchmark::State& state) {
-    TVDBStructure model;
-    FillModel(model, ShapeOf(static_cast<int>(state.range(0))));
-    TStringList lines;
-    std::string text;
-    for (auto _ : state) {
-        model.SaveToStrings(lines);
-        text = lines.GetText();
-        benchmark::DoNotOptimize(text.data());
-    }
-    SetBytes(state, text);
+    MeasureWrite(state, ModelsOf(static_cast<int>(state.range(0))),
+                 [](TVDBStructure& model, TStringList& lines) { model.SaveToStrings(lines); });
 }
-BENCHMARK(WriteModel)->Arg(100)->Arg(1000);
 
 void WriteModel_Reference(benchmark::State& state) {
-    MeasurePlainWrite(state, ModelText(static_cast<int>(state.range(0))));
+    MeasurePlainWrite(state, ModelTexts(static_cast<int>(state.range(0))));
 }
-BENCHMARK(WriteModel_Reference)->Arg(100)->Arg(1000);
 
 // --- Queries.
 
@@ -126,48 +156,62 @@ std::string QueryText(TVQueryPanel& panel) {
     return lines.GetText();
 }
 
-void ReadQuery(benchmark::State& state) {
-    TBenchQuery query(static_cast<int>(state.range(0)));
-    TVQueryPanel panel;
-    panel.SetDbStruct(&query.Model);
-    // The first reading lays the titles out in sections; from then on the text stays as it is.
-    panel.LoadFromStrings(TStringList(QueryText(query.Panel)));
-    const std::string text = QueryText(panel);
-    panel.LoadFromStrings(TStringList(text));
-    if (QueryText(panel) != text)
-        return state.SkipWithError("the query does not read back as it was written");
-    for (auto _ : state) {
-        panel.LoadFromStrings(TStringList(text));
-        benchmark::DoNotOptimize(panel.GetLastRow());
-    }
-    SetBytes(state, text);
+const std::vector<std::string>& QueryTexts(int conditions) {
+    static TKeptInputs<std::vector<std::string>> kept;
+    return kept.Of(conditions, [conditions] {
+        const TBenchQueries& queries = QueriesOf(conditions);
+        // The first reading lays the titles out in sections; from then on the text stays as it is.
+        TVQueryPanel reader;
+        reader.SetDbStruct(queries.Panels.front()->GetDbStruct());
+        std::vector<std::string> texts;
+        for (const auto& panel : queries.Panels) {
+            reader.LoadFromStrings(TStringList(QueryText(*panel)));
+            texts.push_back(QueryText(reader));
+        }
+        return texts;
+    });
 }
-BENCHMARK(ReadQuery)->Arg(1000)->Arg(10000);
+
+void ReadQuery(benchmark::State& state) {
+    const auto conditions = static_cast<int>(state.range(0));
+    const std::vector<std::string>& texts = QueryTexts(conditions);
+    TVQueryPanel panel;
+    panel.SetDbStruct(QueriesOf(conditions).Panels.front()->GetDbStruct());
+    for (const std::string& text : texts) {
+        panel.LoadFromStrings(TStringList(text));
+        if (QueryText(panel) != text)
+            return state.SkipWithError("the query does not read back as it was written");
+    }
+    for (auto _ : state)
+        for (const std::string& text : texts) {
+            panel.LoadFromStrings(TStringList(text));
+            benchmark::DoNotOptimize(panel.GetLastRow());
+        }
+    ReportRound(state, texts.size(), TotalBytes(texts), 0);
+}
 
 void ReadQuery_Reference(benchmark::State& state) {
-    TBenchQuery query(static_cast<int>(state.range(0)));
-    MeasurePlainRead(state, QueryText(query.Panel));
+    MeasurePlainRead(state, QueryTexts(static_cast<int>(state.range(0))));
 }
-BENCHMARK(ReadQuery_Reference)->Arg(1000)->Arg(10000);
 
 void WriteQuery(benchmark::State& state) {
-    TBenchQuery query(static_cast<int>(state.range(0)));
-    TStringList lines;
-    std::string text;
-    for (auto _ : state) {
-        query.Panel.SaveToStrings(lines);
-        text = lines.GetText();
-        benchmark::DoNotOptimize(text.data());
-    }
-    SetBytes(state, text);
+    MeasureWrite(state, QueriesOf(static_cast<int>(state.range(0))).Panels,
+                 [](TVQueryPanel& panel, TStringList& lines) { panel.SaveToStrings(lines); });
 }
-BENCHMARK(WriteQuery)->Arg(1000)->Arg(10000);
 
 void WriteQuery_Reference(benchmark::State& state) {
-    TBenchQuery query(static_cast<int>(state.range(0)));
-    MeasurePlainWrite(state, QueryText(query.Panel));
+    MeasurePlainWrite(state, QueryTexts(static_cast<int>(state.range(0))));
 }
-BENCHMARK(WriteQuery_Reference)->Arg(1000)->Arg(10000);
+
+[[maybe_unused]] const bool registered =
+    RegisterInTurn({10, 100, 1000}, {{"ReadModel", ReadModel},
+                                     {"ReadModel_Reference", ReadModel_Reference},
+                                     {"WriteModel", WriteModel},
+                                     {"WriteModel_Reference", WriteModel_Reference}}) &&
+    RegisterInTurn({10, 1000, 10000}, {{"ReadQuery", ReadQuery},
+                                       {"ReadQuery_Reference", ReadQuery_Reference},
+                                       {"WriteQuery", WriteQuery},
+                                       {"WriteQuery_Reference", WriteQuery_Reference}});
 
 } // namespace
 } // namespace lumora::bench

@@ -128,6 +128,70 @@ TEST(Parser, KeepsMoreWhenStrict) {
               "\"union\" can not be kept in a query\r\nLine:1");
 }
 
+TEST(Parser, SortsByPositionsAndNamesTogetherWhenStrict) {
+    const auto sorting = [](const std::string& orderBy) {
+        TVSQLParser parser;
+        parser.SetStrict(true);
+        parser.SetSQLText("select T.x, T.y as s, 2 * T.z from T order by " + orderBy);
+        parser.Parse();
+        std::string text;
+        for (int i = 0; i < 3; ++i) {
+            const TSQLResultField& field = parser.GetResult().ResultFields.GetItem(i);
+            text += std::to_string(field.SortOrder) + (field.Sorting == 2 ? "v " : " ");
+        }
+        return text;
+    };
+    EXPECT_EQ(sorting("T.x ASC, 2 DESC"), "1 2v 0 ");
+    EXPECT_EQ(sorting("2 desc, t . X"), "2 1v 0 ");
+    EXPECT_EQ(sorting("2*T.z, 1, S desc;"), "2 3v 1 ");
+    const std::string wrong = "Wrong SQL statement\r\nLine:1";
+    const char* const from = "select T.x, T.y from T order by ";
+    EXPECT_EQ(Error(std::string(from) + "T.x, 3", true), wrong);
+    EXPECT_EQ(Error(std::string(from) + "T.x, 02", true), wrong);
+    EXPECT_EQ(Error("select * from T order by T.x, 1", true), wrong); // the first column of what is not known
+    EXPECT_EQ(Error(std::string(from) + "T.x, 2"), wrong);
+}
+
+TEST(Parser, ReadsStatementsOfAnySizeOneAfterTheOther) {
+    // Longer than what a parser holds without allocating, and with texts that must be put together.
+    std::string long_ = "select a.b from t where a.b = 0";
+    std::string tree = "bracket and\n  cond neg=0 sub=0 left=<a.b> op=<=> value=<0>\n";
+    for (int i = 1; i < 300; ++i) {
+        const std::string number = std::to_string(i);
+        long_ += " AND a\t. b  BETWEEN " + number + "\nAND \"x\"";
+        tree += "  cond neg=0 sub=0 left=<a . b> op=<between> value=<" + number + " and 'x'>\n";
+    }
+    TVSQLParser parser;
+    const auto where = [&parser](const std::string& sql) {
+        parser.SetSQLText(sql);
+        parser.Parse();
+        TStringList lines;
+        ParseTreeToStrings(parser.GetResult(), lines);
+        return lines.GetText().substr(lines.GetText().find("bracket"));
+    };
+    const std::string small = "bracket and\n  cond neg=0 sub=0 left=<c> op=<like> value=<1>\n";
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(where("select * from t where c LIKE 1"), small);
+        EXPECT_EQ(where(long_), tree);
+    }
+}
+
+TEST(Parser, KnowsItsWords) {
+    for (int word = swNone + 1; word < static_cast<int>(SQLWordCount); ++word) {
+        std::string text(SQLWordText(static_cast<TSQLWord>(word)));
+        EXPECT_EQ(SQLWordOf(text), word) << text;
+        text.front() = static_cast<char>(text.front() - 'a' + 'A');
+        EXPECT_EQ(SQLWordOf(text), word) << text;
+        EXPECT_EQ(SQLWordOf(text + "s"), swNone) << text;
+        const std::string within = text + ", and more";
+        EXPECT_EQ(SQLWordWithin({within.data(), text.size()}, within.data() + within.size()), word) << text;
+        text.back() = '_';
+        EXPECT_EQ(SQLWordOf(text), swNone) << text;
+    }
+    for (const char* const other : {"intersecu", "intersec", "a", "customers", "or_", "\xC3\xA9t\xC3\xA9"})
+        EXPECT_EQ(SQLWordOf(other), swNone) << other;
+}
+
 TEST(Parser, NamesTheLineOfAnError) {
     const std::string wrong = "Wrong SQL statement\r\nLine:";
     EXPECT_EQ(Error(""), wrong + "1");

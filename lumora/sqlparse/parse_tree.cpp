@@ -10,6 +10,12 @@ void TSQLResultField::SetSQLExpr(std::string_view text) {
     FieldName = dot == std::string_view::npos || text.find('(') < dot ? text : text.substr(dot + 1);
 }
 
+TSQLResultField& TSQLResultFieldList::Add() {
+    if (items_.capacity() == 0)
+        items_.reserve(8);
+    return items_.emplace_back();
+}
+
 void TSQLResultFieldList::Clear() {
     items_.clear();
     SelectAll = false;
@@ -75,17 +81,11 @@ void TVParserResult::Clear() {
     Distinct = SelectAll = false;
     ResultFields.Clear();
     Tables.clear();
+    Tables.reserve(4);
     Joins.clear();
     GroupBy.clear();
-    kept_.clear();
-    brackets_.Clear();
-    conditions_.Clear();
-    RootBracket = brackets_.New();
-}
-
-std::string_view TVParserResult::Keep(std::string text) {
-    kept_.push_back(std::make_unique<std::string>(std::move(text)));
-    return *kept_.back();
+    arena_.Clear();
+    RootBracket = arena_.New<TSQLBracket>();
 }
 
 } // namespace lumora

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "lumora/platform/errors.h"
+#include "lumora/sqlparse/parse_arena.h"
 #include "lumora/sqlparse/sql_words.h"
 
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,7 +31,7 @@ public:
     int Count() const { return static_cast<int>(items_.size()); }
     TSQLResultField& GetItem(int index) { return items_[CheckIndex(index, items_.size())]; }
     const TSQLResultField& GetItem(int index) const { return items_[CheckIndex(index, items_.size())]; }
-    TSQLResultField& Add() { return items_.emplace_back(); }
+    TSQLResultField& Add();
     void Clear();
     // The first field with that alias or expression, letter case ignored; -1 when there is none.
     int IndexByAlias(std::string_view alias) const;
@@ -114,27 +114,6 @@ struct TSQLJoin {
     int Line = 0;
 };
 
-// Hands out objects at lasting addresses and takes all of them back at once, keeping the memory.
-template <typename T>
-class TNodePool {
-public:
-    T* New() {
-        if (used_ == chunks_.size() * ChunkSize)
-            chunks_.push_back(std::make_unique<T[]>(ChunkSize));
-        T* const item = &chunks_[used_ / ChunkSize][used_ % ChunkSize];
-        ++used_;
-        *item = T();
-        return item;
-    }
-    void Clear() { used_ = 0; }
-
-private:
-    static constexpr std::size_t ChunkSize = 32;
-
-    std::vector<std::unique_ptr<T[]>> chunks_;
-    std::size_t used_ = 0;
-};
-
 class TVParserResult {
 public:
     TVParserResult() = default;
@@ -159,13 +138,9 @@ private:
     friend class TVSQLParser;
 
     void Clear();
-    // Keeps a text that does not stand so in the statement.
-    std::string_view Keep(std::string text);
 
     std::string source_;
-    std::vector<std::unique_ptr<std::string>> kept_;
-    TNodePool<TSQLBracket> brackets_;
-    TNodePool<TSQLCondition> conditions_;
+    TParseArena arena_; // holds the nodes, and texts that do not stand so in the statement
 };
 
 } // namespace lumora

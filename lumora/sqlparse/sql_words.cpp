@@ -1,123 +1,107 @@
 #include "lumora/sqlparse/sql_words.h"
 
-#include "lumora/platform/ascii.h"
-
+#include <algorithm>
 #include <array>
-#include <iterator>
 
 namespace lumora {
 
 namespace {
 
-struct TWordEntry {
-    std::string_view Text;
-    TSQLWord Word;
-};
-
-// Sorted by length, then by text.
-constexpr TWordEntry Words[] = {{"as", swAs},
-                                {"by", swBy},
-                                {"in", swIn},
-                                {"is", swIs},
-                                {"on", swOn},
-                                {"or", swOr},
-                                {"and", swAnd},
-                                {"asc", swAsc},
-                                {"end", swEnd},
-                                {"not", swNot},
-                                {"case", swCase},
-                                {"desc", swDesc},
-                                {"from", swFrom},
-                                {"full", swFull},
-                                {"join", swJoin},
-                                {"left", swLeft},
-                                {"like", swLike},
-                                {"null", swNull},
-                                {"over", swOver},
-                                {"with", swWith},
-                                {"cross", swCross},
-                                {"fetch", swFetch},
-                                {"group", swGroup},
-                                {"inner", swInner},
-                                {"limit", swLimit},
-                                {"minus", swMinus},
-                                {"order", swOrder},
-                                {"outer", swOuter},
-                                {"right", swRight},
-                                {"union", swUnion},
-                                {"using", swUsing},
-                                {"where", swWhere},
-                                {"except", swExcept},
-                                {"having", swHaving},
-                                {"offset", swOffset},
-                                {"select", swSelect},
-                                {"window", swWindow},
-                                {"between", swBetween},
-                                {"natural", swNatural},
-                                {"distinct", swDistinct},
-                                {"intersect", swIntersect}};
+// In the order of TSQLWord.
+constexpr std::array<std::string_view, SQLWordCount> Words = {
+    "",         "and",       "as",     "asc",   "between", "by",    "case",  "cross",  "desc",
+    "distinct", "end",       "except", "fetch", "from",    "full",  "group", "having", "in",
+    "inner",    "intersect", "is",     "join",  "left",    "like",  "limit", "minus",  "natural",
+    "not",      "null",      "offset", "on",    "or",      "order", "outer", "over",   "right",
+    "select",   "union",     "using",  "where", "window",  "with"};
 
 constexpr std::size_t LongestWord = 9;
+constexpr std::size_t KeyLength = 8;
 
-// The index of a letter, letter case ignored; 26 for any other character.
-constexpr unsigned LetterOf(char c) {
-    const unsigned letter = (static_cast<unsigned char>(c) | 0x20u) - 'a';
-    return letter < 26 ? letter : 26;
+// The first characters as one number; of a letter, whatever its case, the small one. What is no letter may
+// become another character, but no letter.
+constexpr std::uint64_t KeyOf(const char* characters, std::size_t length) {
+    std::uint64_t key = 0;
+    for (std::size_t i = 0; i < KeyLength; ++i)
+        key |= static_cast<std::uint64_t>(static_cast<unsigned char>(characters[i])) << 8 * i;
+    key |= 0x2020202020202020;
+    return length < KeyLength ? key & ((std::uint64_t{1} << 8 * length) - 1) : key;
 }
 
-// For each first letter, a bit for each length that a word has, and where the words of a length begin. Most
-// identifiers are known to be no word by that alone.
-struct TWordIndex {
-    std::array<std::uint16_t, 27> LengthsOfLetter{};
-    std::array<std::uint8_t, LongestWord + 2> FirstOfLength{};
+// The character behind the key.
+constexpr char TailOf(const char* characters, std::size_t length) {
+    return length > KeyLength ? static_cast<char>(characters[KeyLength] | 0x20) : '\0';
+}
+
+template <typename T, typename TMake>
+constexpr std::array<T, SQLWordCount> ForEachWord(TMake make) {
+    std::array<T, SQLWordCount> made{};
+    for (std::size_t word = 0; word < SQLWordCount; ++word) {
+        char characters[LongestWord] = {};
+        std::copy(Words[word].begin(), Words[word].end(), characters);
+        made[word] = make(characters, Words[word].size());
+    }
+    return made;
+}
+
+constexpr auto Keys = ForEachWord<std::uint64_t>(KeyOf);
+constexpr auto Tails = ForEachWord<char>(TailOf);
+
+// Each word has a slot of its own: the factor is the first, of those that were tried, that makes it so.
+struct TSlots {
+    std::uint64_t Factor = 0x9E3779B97F4A7C15;
+    std::array<std::uint8_t, 256> Words{};
+
+    constexpr std::size_t SlotOf(std::uint64_t key) const {
+        return static_cast<std::size_t>(key * Factor >> 56);
+    }
+    constexpr bool Fill() {
+        Words = {};
+        for (std::size_t word = 1; word < SQLWordCount; ++word) {
+            std::uint8_t& slot = Words[SlotOf(Keys[word])];
+            if (slot != swNone)
+                return false;
+            slot = static_cast<std::uint8_t>(word);
+        }
+        return true;
+    }
 };
 
-constexpr TWordIndex MakeWordIndex() {
-    TWordIndex index;
-    for (const TWordEntry& entry : Words)
-        index.LengthsOfLetter[LetterOf(entry.Text[0])] |= static_cast<std::uint16_t>(1u << entry.Text.size());
-    for (std::size_t length = 0; length <= LongestWord + 1; ++length)
-        while (index.FirstOfLength[length] < std::size(Words) &&
-               Words[index.FirstOfLength[length]].Text.size() < length)
-            ++index.FirstOfLength[length];
-    return index;
+constexpr TSlots MakeSlots() {
+    TSlots slots;
+    while (!slots.Fill())
+        slots.Factor = slots.Factor * 6364136223846793005 + 1442695040888963407;
+    return slots;
 }
 
-constexpr TWordIndex Index = MakeWordIndex();
+constexpr TSlots Slots = MakeSlots();
+
+// At least KeyLength characters must be readable, whatever the length.
+TSQLWord WordAt(const char* characters, std::size_t length) {
+    const std::uint64_t key = KeyOf(characters, length);
+    const std::uint8_t word = Slots.Words[Slots.SlotOf(key)];
+    const char tail = TailOf(characters, length);
+    const bool found = (Keys[word] == key) & (Tails[word] == tail) & (Words[word].size() == length);
+    return static_cast<TSQLWord>(found * word); // without a branch, which nobody could foretell
+}
 
 } // namespace
 
 TSQLWord SQLWordOf(std::string_view identifier) {
-    const std::size_t length = identifier.size();
-    if (length > LongestWord || length == 0 ||
-        (Index.LengthsOfLetter[LetterOf(identifier[0])] >> length & 1) == 0)
+    if (identifier.size() > LongestWord)
         return swNone;
-    for (std::size_t i = Index.FirstOfLength[length]; i < Index.FirstOfLength[length + 1]; ++i)
-        if (LetterOf(Words[i].Text[0]) == LetterOf(identifier[0]) && SameText(Words[i].Text, identifier))
-            return Words[i].Word;
-    return swNone;
+    char characters[LongestWord] = {};
+    std::copy(identifier.begin(), identifier.end(), characters);
+    return WordAt(characters, identifier.size());
 }
 
-bool BeginsClause(TSQLWord word) {
-    switch (word) {
-    case swSelect:
-    case swFrom:
-    case swWhere:
-    case swGroup:
-    case swOrder:
-    case swHaving:
-    case swLimit:
-    case swOffset:
-    case swFetch:
-    case swUnion:
-    case swIntersect:
-    case swExcept:
-    case swMinus:
-    case swWindow:
-        return true;
-    default:
-        return false;
-    }
+TSQLWord SQLWordWithin(std::string_view identifier, const char* textEnd) {
+    const bool isReadable = textEnd - identifier.data() >= static_cast<std::ptrdiff_t>(KeyLength);
+    return isReadable ? WordAt(identifier.data(), identifier.size()) : SQLWordOf(identifier);
+}
+
+std::string_view SQLWordText(TSQLWord word) {
+    return Words[word];
 }
 
 } // namespace lumora

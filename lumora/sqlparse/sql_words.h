@@ -1,6 +1,7 @@
 // The words that the SELECT parser knows.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -51,10 +52,36 @@ enum TSQLWord : std::uint8_t {
     swWith
 };
 
+inline constexpr std::size_t SQLWordCount = swWith + 1; // swNone included
+
 // Which of the words an identifier is, letter case ignored.
 TSQLWord SQLWordOf(std::string_view identifier);
+// The same, faster, for one that stands in a longer text, which ends there.
+TSQLWord SQLWordWithin(std::string_view identifier, const char* textEnd);
+// The word in small letters; nothing for swNone.
+std::string_view SQLWordText(TSQLWord word);
 
 // Whether a clause of a SELECT statement, or another statement joined to it, begins with the word.
-bool BeginsClause(TSQLWord word);
+constexpr bool BeginsClause(TSQLWord word) {
+    switch (word) {
+    case swSelect:
+    case swFrom:
+    case swWhere:
+    case swGroup:
+    case swOrder:
+    case swHaving:
+    case swLimit:
+    case swOffset:
+    case swFetch:
+    case swUnion:
+    case swIntersect:
+    case swExcept:
+    case swMinus:
+    case swWindow:
+        return true;
+    default:
+        return false;
+    }
+}
 
 } // namespace lumora
