@@ -1,5 +1,7 @@
 #include "lumora/metadata/session.h"
 
+#include <atomic>
+
 namespace lumora {
 
 namespace {
@@ -21,18 +23,19 @@ private:
     }
 };
 
-TSession* defaultSession = nullptr;
+std::atomic<TSession*> defaultSession = nullptr; // sessions may come and go on several threads
 
 } // namespace
 
 TSession::~TSession() {
-    if (defaultSession == this)
-        defaultSession = nullptr;
+    TSession* self = this;
+    defaultSession.compare_exchange_strong(self, nullptr);
 }
 
 TSession& TSession::Default() {
     static TNoSession none;
-    return defaultSession ? *defaultSession : none;
+    TSession* const session = defaultSession;
+    return session ? *session : none;
 }
 
 void TSession::SetDefault(TSession* session) {
