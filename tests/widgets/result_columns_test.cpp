@@ -1,5 +1,6 @@
 // Choosing and arranging the columns of a query.
 
+#include "lumora/panel/Vquerdlg.h"
 #include "lumora/widgets/fieldchooser.h"
 #include "lumora/widgets/resultcolumnswidget.h"
 #include "tests/fixtures.h"
@@ -158,6 +159,44 @@ TEST_F(ResultColumns, AnEmptyQueryOffersTheFieldsOfItsFirstCondition) {
     for (int row = 0; row < columns().rowCount(); ++row)
         EXPECT_EQ(shop.Panel.GetQResult().GetResultFields().GetRField(row)->GetSQLExpr().find("orders."), 0U);
     EXPECT_FALSE(suggest->isVisible());
+}
+
+TEST_F(ResultColumns, OnlyFieldsThatMayBeColumnsAreOffered) {
+    field("orders.amount").UIR = false;
+    field("customers.active").UIR = false;
+    shop.Model.GetFieldGroups().AddGroup("Hidden", &field("customers.active"));
+    shop.Where("orders.amount", "EqualTo", "1"); // a condition may have it
+    widget.show();
+    QStringList offered;
+    widget.chooseFields();
+    const QAbstractItemModel& list = *widget.findChild<FieldChooser*>()->list().model();
+    for (int i = 0; i < list.rowCount(); ++i)
+        offered.append(list.index(i, 0).data().toString());
+    widget.findChild<FieldChooser*>()->close();
+    EXPECT_TRUE(offered.contains("company"));
+    EXPECT_FALSE(offered.contains("amount"));
+    EXPECT_FALSE(offered.contains("Hidden")) << "a group without fields";
+    widget.addSuggested();
+    for (int row = 0; row < columns().rowCount(); ++row)
+        EXPECT_NE(cell(row, Model::Caption).toString(), "amount");
+
+    widget.setPanel(nullptr);
+    shop.Panel.ClearAll();
+    field("orders.custno").UIR = field("orders.placed").UIR = false;
+    shop.Where("orders.amount", "EqualTo", "1");
+    widget.setPanel(&shop.Panel);
+    widget.addSuggested();
+    EXPECT_EQ(columns().rowCount(), 0) << "the table has nothing to show";
+
+    TdlgSubQuery dialog;
+    dialog.SetParentQPanel(shop.Panel);
+    dialog.LoadQuery({});
+    dialog.AcceptResultField(
+        {.Caption = {}, .Value = std::to_string(field("lines.qty").GetID()), .Group = {}});
+    const TDropDownContent content = dialog.ResultFieldContent();
+    for (const TDropDownItem& item : content.Items)
+        EXPECT_NE(item.Caption, "amount");
+    EXPECT_EQ(content.Items.at(static_cast<std::size_t>(content.CurrentItem)).Caption, "qty");
 }
 
 } // namespace
