@@ -26,7 +26,7 @@ QHBoxLayout* layOut(QWidget* strip, int height) {
     strip->setMinimumHeight(height);
     strip->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     auto* const layout = new QHBoxLayout(strip);
-    layout->setContentsMargins(margin, 0, margin, 0);
+    layout->setContentsMargins(margin, 2, margin, 2);
     return layout;
 }
 
