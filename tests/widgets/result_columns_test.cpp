@@ -144,6 +144,35 @@ TEST_F(ResultColumns, TheKeyboardDoesAllThatTheMouseDoes) {
     chooser.close();
 }
 
+TEST_F(ResultColumns, SortingAndPlacesStayWithinTheirBounds) {
+    for (const char* const name : {"customers.company", "customers.since", "orders.amount"})
+        columns().addField(field(name));
+    widget.show();
+    QTableView& view = widget.view();
+    const std::string before = state();
+    view.selectRow(0);
+    for (const Qt::Key key : {Qt::Key_Plus, Qt::Key_Minus, Qt::Key_Up})
+        QTest::keyClick(&view, key, Qt::AltModifier);
+    EXPECT_EQ(state(), before) << "the first column, which is not sorted";
+    EXPECT_EQ(view.currentIndex().row(), 0);
+    for (const int row : {0, 1, 2})
+        columns().setData(columns().index(row, Model::Sorting), stAscending, Qt::EditRole);
+    view.selectRow(2);
+    QTest::keyClick(&view, Qt::Key_Plus, Qt::AltModifier);
+    EXPECT_EQ(cell(2, Model::Sorting).toString(), "2. ascending");
+    EXPECT_EQ(cell(1, Model::Sorting).toString(), "3. ascending");
+    for (int i = 0; i < 4; ++i)
+        QTest::keyClick(&view, Qt::Key_Minus, Qt::AltModifier);
+    EXPECT_EQ(cell(2, Model::Sorting).toString(), "3. ascending");
+    QStringList headings;
+    for (int column = 0; column < columns().columnCount(); ++column)
+        headings.append(columns().headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
+    EXPECT_EQ(headings.join(u'|'), "Column|Shows|Sorted");
+    EXPECT_TRUE(view.isVisible());
+    columns().removeRows({0, 1, 2});
+    EXPECT_FALSE(view.isVisible()) << "a query without columns says so instead";
+}
+
 TEST_F(ResultColumns, AnEmptyQueryOffersTheFieldsOfItsFirstCondition) {
     widget.show();
     QPushButton* suggest = nullptr;
@@ -154,6 +183,7 @@ TEST_F(ResultColumns, AnEmptyQueryOffersTheFieldsOfItsFirstCondition) {
     EXPECT_FALSE(suggest->isVisible());
     shop.Where("orders.amount", "Equal", "1");
     EXPECT_TRUE(suggest->isVisible());
+    EXPECT_EQ(suggest->text(), "Show the main fields of orders");
     QTest::mouseClick(suggest, Qt::LeftButton);
     EXPECT_GT(columns().rowCount(), 0);
     for (int row = 0; row < columns().rowCount(); ++row)
