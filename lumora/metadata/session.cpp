@@ -23,7 +23,7 @@ private:
     }
 };
 
-std::atomic<TSession*> defaultSession = nullptr; // sessions may come and go on several threads
+std::atomic<TSession*> defaultSession{nullptr};
 
 } // namespace
 

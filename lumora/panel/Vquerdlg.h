@@ -43,8 +43,7 @@ public:
     void SaveQuery(TStringList& lines, std::string& sql);
     // The result field's word was clicked: opens the result fields editor.
     void ddlResultFieldCustomDropDown();
-    // What the result field's word drops down where there is no such editor: the model's fields that
-    // may be columns (UIR).
+    // What the result field's word drops down where there is no such editor: the model's fields.
     TDropDownContent ResultFieldContent() const;
     // One of those was chosen, and becomes the only result field.
     void AcceptResultField(const TDropDownItem& item);
