@@ -324,6 +324,43 @@ TEST_P(FilledModel, FailuresAreClearAndTheSessionGoesOn) {
 INSTANTIATE_TEST_SUITE_P(Databases, FilledModel, testing::Values("Sqlite", "PostgreSql"),
                          [](const auto& test) { return std::string(test.param); });
 
+// A host may have several sessions, each with a database "shop" of its own.
+TEST(Sessions, AModelIsFilledFromTheSessionThatItIsGiven) {
+    int argumentCount = 1;
+    char name[] = "test";
+    char* arguments[] = {name, nullptr};
+    const QCoreApplication application(argumentCount, arguments);
+    const TemporaryFolder folder;
+    DatabaseSession ours;
+    DatabaseSession others; // the default one from now on
+    DatabaseSession* const sessions[] = {&ours, &others};
+    const char* const tables[] = {"ours", "others"};
+    for (int i = 0; i < 2; ++i) {
+        const DatabaseParameters file = parseDatabase(folder / (std::string(tables[i]) + ".sqlite"));
+        const DatabaseConnection made(file, DatabaseConnection::Access::Create);
+        execute(made.connection(), QString("create table %1 (id integer primary key, "
+                                           "parent integer references %1 (id))")
+                                       .arg(tables[i]));
+        execute(made.connection(), QString("insert into %1 values (%2, null)").arg(tables[i]).arg(i));
+        sessions[i]->registerDatabase("shop", file);
+    }
+    TVBDEInfo info;
+    info.SetDatabaseName("shop");
+    EXPECT_EQ(info.GetFieldList("others").Count(), 2) << "of the default session";
+    TVDBStructure model;
+    TStringList values, captions;
+    for (const int chosen : {0, 1, 0}) {
+        info.OnLinksRequest = nullptr;
+        offerForeignKeys(info, *sessions[chosen]);
+        fillModel(model, info, *sessions[chosen]);
+        ASSERT_EQ(model.GetTableCount(), 1);
+        EXPECT_EQ(model.GetTable(0)->GetName(), tables[chosen]);
+        EXPECT_EQ(model.GetLinkCount(), 1);
+        info.GetSQLValues(std::string("select id, id from ") + tables[chosen], values, captions);
+        EXPECT_EQ(values.GetText(), std::to_string(chosen) + "\n") << info.GetLastError();
+    }
+}
+
 TEST(DatabaseNames, TablesAreNamedAsTheirModelNeeds) {
     const std::pair<TableName, std::string> cases[] = {
         {{"", "orders"}, "orders"},

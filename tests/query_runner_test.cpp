@@ -1,4 +1,6 @@
 // Running queries on a connection: streaming, cancelling, and what comes out.
+#include "lumora/qtsql/catalogues.h"
+#include "lumora/qtsql/databaseerror.h"
 #include "lumora/qtsql/querycanceller.h"
 #include "lumora/qtsql/queryrunner.h"
 #include "tests/message_of.h"
@@ -11,6 +13,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <thread>
 
 namespace lumora::tests {
@@ -18,6 +21,17 @@ namespace {
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
+using Kind = DatabaseError::Kind;
+
+template <typename TAction>
+std::optional<Kind> KindOf(TAction action) {
+    try {
+        action();
+    } catch (const DatabaseError& error) {
+        return error.kind();
+    }
+    return std::nullopt;
+}
 
 // The same tests for each engine.
 class QueryRunner : public testing::TestWithParam<Engine> {
@@ -73,7 +87,7 @@ TEST_P(QueryRunner, IsCancelledWhileTheEngineWorks) {
             std::this_thread::sleep_for(delay); // from before the statement starts to the middle of it
             canceller.cancel();
         });
-        EXPECT_THROW(run(endlessWork(), ignore(), &canceller), QueryCancelled);
+        EXPECT_EQ(KindOf([&] { run(endlessWork(), ignore(), &canceller); }), Kind::Cancelled);
         other.join();
         EXPECT_LT(Clock::now() - start, 10s);
         EXPECT_TRUE(canceller.isCancelled());
@@ -91,11 +105,11 @@ TEST_P(QueryRunner, IsCancelledBetweenRows) {
                                       if (count == 1000)
                                           other = std::thread([&] { canceller.cancel(); });
                                   }};
-    EXPECT_THROW(run(endlessRows(), receiver, &canceller), QueryCancelled);
+    EXPECT_EQ(KindOf([&] { run(endlessRows(), receiver, &canceller); }), Kind::Cancelled);
     other.join();
     EXPECT_GE(count, 1000);
     expectUsable();
-    EXPECT_THROW(run("select 1", ignore(), &canceller), QueryCancelled); // it stays so
+    EXPECT_EQ(KindOf([&] { run("select 1", ignore(), &canceller); }), Kind::Cancelled) << "it stays so";
     QueryCanceller idle(*connection_);
     idle.cancel(); // nothing runs, nothing is waited for
     expectUsable();
@@ -111,6 +125,36 @@ TEST_P(QueryRunner, EndsWithItsReceiver) {
     EXPECT_EQ(runQuery(connection_->connection(), endlessRows() + "; -- all", {}, ignore(), {5}), 5);
     EXPECT_LT(Clock::now() - start, 10s);
     expectUsable();
+}
+
+// A host chooses what to do by the kind, so each engine's codes must come out as the same ones.
+TEST_P(QueryRunner, FailuresAreToldApart) {
+    const auto failureOf = [&](const char* statement) {
+        return KindOf([&] { run(statement, ignore(), nullptr); });
+    };
+    EXPECT_EQ(failureOf("select * from nowhere"), Kind::NotFound);
+    EXPECT_EQ(failureOf("select missing from (select 1 as one) t"), Kind::NotFound);
+    EXPECT_EQ(failureOf("select nofunc(1)"), Kind::Refused);
+    EXPECT_EQ(failureOf("select from where"), Kind::Refused);
+    EXPECT_EQ(failureOf("delete from nowhere"), Kind::Invalid);
+    EXPECT_EQ(failureOf("select 1; select 2"), Kind::Invalid);
+    EXPECT_EQ(failureOf("select :value"), Kind::Invalid);
+    expectUsable();
+
+    const DatabaseConnection reading(connection_->parameters());
+    EXPECT_EQ(KindOf([&] { execute(reading.connection(), "create table lumora_written (x integer)"); }),
+              Kind::ReadOnly);
+    DatabaseParameters wrong = connection_->parameters();
+    wrong.databaseName += "_of_nobody";
+    EXPECT_EQ(KindOf([&] { const DatabaseConnection none(wrong); }), Kind::CannotConnect);
+    wrong.driver = "QNONE";
+    EXPECT_EQ(KindOf([&] { const DatabaseConnection none(wrong); }), Kind::CannotConnect);
+    if (isPostgres()) {
+        execute(connection_->connection(), "set statement_timeout = 50");
+        EXPECT_EQ(failureOf("select pg_sleep(600)"), Kind::Cancelled) << "by the server";
+        EXPECT_EQ(failureOf("select pg_terminate_backend(pg_backend_pid())"), Kind::ConnectionLost);
+        EXPECT_EQ(failureOf("select 1"), Kind::ConnectionLost);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Engines, QueryRunner, testing::Values(Engine::Sqlite, Engine::PostgreSql),

@@ -8,18 +8,9 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
-#include <mutex>
-
 namespace lumora::desk {
 
 namespace {
-
-// A session becomes the default one when it is made, and providers take that; the default is one for all
-// threads.
-std::mutex& defaultSessionMutex() {
-    static std::mutex mutex;
-    return mutex;
-}
 
 std::string sessionName(const DatabaseParameters& database) {
     const QString base = QFileInfo(database.databaseName).completeBaseName();
@@ -43,32 +34,23 @@ void loadModel(TVDBStructure& model, const OpenRequest& request) {
 } // namespace
 
 ModelProvider::ModelProvider(const DatabaseParameters& database) : name_(sessionName(database)) {
-    const std::lock_guard lock(defaultSessionMutex());
-    session_.emplace();
-    info_.emplace();
-    session_->registerDatabase(name_, database);
-    info_->SetDatabaseName(name_);
-    offerForeignKeys(*info_, *session_);
-}
-
-ModelProvider::~ModelProvider() {
-    const std::lock_guard lock(defaultSessionMutex());
-    info_.reset();
-    session_.reset();
+    session_.registerDatabase(name_, database);
+    info_.SetDatabaseName(name_);
+    offerForeignKeys(info_, session_);
 }
 
 void ModelProvider::connect() {
-    session_->open(name_);
+    session_.open(name_);
 }
 
 void ModelProvider::fill(TVDBStructure& model) {
-    fillModel(model, *info_, *session_);
+    fillModel(model, info_, session_);
     model.SetDatabaseInfo(nullptr);
 }
 
 void ModelProvider::serve(TVDBStructure& model) {
-    model.SetDatabaseInfo(&*info_);
-    info_->SetDatabaseName(name_); // the model's text may have named another one
+    model.SetDatabaseInfo(&info_);
+    info_.SetDatabaseName(name_); // the model's text may have named another one
 }
 
 OpenedDatabase openDatabase(const OpenRequest& request) {
@@ -80,7 +62,8 @@ OpenedDatabase openDatabase(const OpenRequest& request) {
     else
         loadModel(*opened.model, request);
     if (opened.model->GetFieldCount() == 0)
-        throw DatabaseError(QCoreApplication::translate("lumora::desk", "%1 has no tables that can be asked")
+        throw DatabaseError(DatabaseError::Kind::NotFound,
+                            QCoreApplication::translate("lumora::desk", "%1 has no tables that can be asked")
                                 .arg(displayName(request.database)));
     return opened;
 }

@@ -39,7 +39,6 @@ struct OpenedDatabase {
 class ModelProvider {
 public:
     explicit ModelProvider(const DatabaseParameters& database);
-    ~ModelProvider();
     ModelProvider(const ModelProvider&) = delete;
     ModelProvider& operator=(const ModelProvider&) = delete;
 
@@ -48,12 +47,12 @@ public:
     // Fills the model and leaves it without a provider.
     void fill(TVDBStructure& model);
     void serve(TVDBStructure& model);
-    DatabaseSession& session() { return *session_; }
+    DatabaseSession& session() { return session_; }
 
 private:
     const std::string name_;
-    std::optional<DatabaseSession> session_; // made and ended while no other one is
-    std::optional<TVBDEInfo> info_;
+    DatabaseSession session_;
+    TVBDEInfo info_;
 };
 
 // Takes as long as the database takes, so it is for a thread of its own. DatabaseError, EFileError or what a

@@ -49,6 +49,25 @@ MainWindow::MainWindow(QWidget* parent)
     updateState();
 }
 
+namespace {
+
+// Names and messages are texts of somebody else's: neither markup nor shortcuts.
+QMessageBox::StandardButton ask(QWidget* parent, QMessageBox::Icon icon, const QString& title,
+                                const QString& text, QMessageBox::StandardButtons buttons,
+                                QMessageBox::StandardButton preset) {
+    QMessageBox box(icon, title, text, buttons, parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(preset);
+    return static_cast<QMessageBox::StandardButton>(box.exec());
+}
+
+void warn(QWidget* parent, const QString& what, const QString& reason) {
+    ask(parent, QMessageBox::Warning, QApplication::applicationDisplayName(), what + u'\n' + u'\n' + reason,
+        QMessageBox::Ok, QMessageBox::Ok);
+}
+
+} // namespace
+
 // The parts go before what they show.
 MainWindow::~MainWindow() {
     delete takeCentralWidget();
@@ -207,7 +226,7 @@ void MainWindow::connectParts() {
     connect(&opening_, &DatabaseOpening::failed, this, [this](const QString& message) {
         updateState();
         if (openingSample_)
-            QMessageBox::warning(this, tr("Open the Sample"), message);
+            warn(this, tr("The sample was not opened."), message);
         else
             showOpenDialog(&lastRequest_, message);
     });
@@ -270,7 +289,8 @@ void MainWindow::updateRecent() {
     start_->setRecent(requests);
     recentMenu_->clear();
     for (const OpenRequest& request : requests) {
-        QAction* const action = recentMenu_->addAction(request.database.label());
+        QString label = request.database.label();
+        QAction* const action = recentMenu_->addAction(label.replace(u'&', QStringLiteral("&&")));
         connect(action, &QAction::triggered, this, [this, request] { open(request); });
     }
     if (!requests.isEmpty()) {
@@ -297,11 +317,9 @@ void MainWindow::saveModel() {
 bool MainWindow::mayLeaveQuery() {
     if (!document_.isModified())
         return true;
-    QMessageBox box(QMessageBox::Question, tr("Unsaved Changes"),
-                    tr("Save the changes of the query \"%1\"?").arg(document_.queryName()),
-                    QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
-    box.setDefaultButton(QMessageBox::Save);
-    switch (box.exec()) {
+    switch (ask(this, QMessageBox::Question, tr("Unsaved Changes"),
+                tr("Save the changes of the query \"%1\"?").arg(document_.queryName()),
+                QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save)) {
     case QMessageBox::Save:
         return save();
     case QMessageBox::Discard:
@@ -316,8 +334,7 @@ bool MainWindow::attempt(const QString& what, const std::function<void()>& actio
         action();
         return true;
     } catch (const Exception& error) {
-        QMessageBox::warning(this, QApplication::applicationDisplayName(),
-                             what + u'\n' + u'\n' + sentence(error));
+        warn(this, what, sentence(error));
         return false;
     }
 }
@@ -328,19 +345,18 @@ bool MainWindow::attemptSaving(const QString& what, const std::function<void(boo
         return true;
     } catch (const EVQueryBaseError& error) {
         if (error.Code != qbeConflict) {
-            QMessageBox::warning(this, QApplication::applicationDisplayName(),
-                                 what + u'\n' + u'\n' + sentence(error));
+            warn(this, what, sentence(error));
             return false;
         }
         QMessageBox box(QMessageBox::Warning, QApplication::applicationDisplayName(),
                         what + u'\n' + u'\n' + sentence(error), QMessageBox::Cancel, this);
+        box.setTextFormat(Qt::PlainText);
         const QPushButton* const force = box.addButton(tr("Do it &Anyway"), QMessageBox::DestructiveRole);
         box.setDefaultButton(QMessageBox::Cancel);
         box.exec();
         return box.clickedButton() == force && attempt(what, [&] { action(true); });
     } catch (const Exception& error) {
-        QMessageBox::warning(this, QApplication::applicationDisplayName(),
-                             what + u'\n' + u'\n' + sentence(error));
+        warn(this, what, sentence(error));
         return false;
     }
 }
@@ -402,18 +418,17 @@ void MainWindow::deleteQuery() {
     const int index = document_.currentIndex();
     if (index < 0)
         return;
-    const auto answer = QMessageBox::question(
-        this, tr("Delete the Query"),
-        tr("Delete the query \"%1\"? This cannot be undone.").arg(document_.queryName()),
-        QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel);
+    const auto answer = ask(this, QMessageBox::Question, tr("Delete the Query"),
+                            tr("Delete the query \"%1\"? This cannot be undone.").arg(document_.queryName()),
+                            QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel);
     if (answer == QMessageBox::Yes)
         attemptSaving(tr("The query was not deleted."), [&](bool force) { document_.erase(index, force); });
 }
 
 void MainWindow::revertQuery() {
-    const auto answer = QMessageBox::question(this, tr("Revert to Saved"),
-                                              tr("Give up the changes of \"%1\"?").arg(document_.queryName()),
-                                              QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel);
+    const auto answer = ask(this, QMessageBox::Question, tr("Revert to Saved"),
+                            tr("Give up the changes of \"%1\"?").arg(document_.queryName()),
+                            QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel);
     if (answer == QMessageBox::Yes)
         attempt(tr("The query cannot be read."), [this] { document_.revert(); });
 }

@@ -39,7 +39,11 @@ ParametersDialog::ParametersDialog(const std::vector<AskedParameter>& parameters
         auto* const line = new QLineEdit(before.value(parameter.name), this);
         line->setPlaceholderText(exampleOf(parameter.type));
         line->setMinimumWidth(fontMetrics().averageCharWidth() * 32);
-        form->addRow(parameter.caption + u':', line);
+        // A caption is the query's: neither markup nor a shortcut, which a label that belongs to a line has.
+        auto* const label = new QLabel(parameter.caption + u':', this);
+        label->setTextFormat(Qt::PlainText);
+        line->setAccessibleName(parameter.caption);
+        form->addRow(label, line);
         lines_.emplace_back(parameter.name, line);
     }
     problem_->setWordWrap(true);

@@ -67,7 +67,8 @@ void StartPage::setRecent(const QList<OpenRequest>& recent) {
     }
     recentTitle_->setVisible(!recent.isEmpty());
     for (const OpenRequest& request : recent.mid(0, 5)) {
-        auto* const button = new QPushButton(displayName(request.database), this);
+        QString name = displayName(request.database);
+        auto* const button = new QPushButton(name.replace(u'&', QStringLiteral("&&")), this);
         button->setFlat(true);
         button->setStyleSheet(QStringLiteral("text-align: left; padding: 3px;"));
         button->setToolTip(request.database.label());

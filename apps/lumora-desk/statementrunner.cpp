@@ -1,6 +1,7 @@
 #include "apps/lumora-desk/statementrunner.h"
 
 #include "lumora/qtsql/databaseconnection.h"
+#include "lumora/qtsql/databaseerror.h"
 #include "lumora/qtsql/querycanceller.h"
 #include "lumora/qtsql/queryrunner.h"
 
@@ -56,7 +57,9 @@ void runStatement(const Statement& statement, BackgroundTask::Control& control, 
     try {
         runQuery(connection.connection(), statement.sql, statement.values, receiver, settings);
     } catch (const EnoughRows&) {
-    } catch (const QueryCancelled&) {
+    } catch (const DatabaseError& error) {
+        if (error.kind() != DatabaseError::Kind::Cancelled || !canceller.isCancelled())
+            throw;
     }
 }
 

@@ -2,13 +2,20 @@
 
 namespace lumora {
 
-TVBDEInfo::TVBDEInfo(TComponent* owner) : TVDBInfo(owner), session_(TSession::Default()) {}
+TVBDEInfo::TVBDEInfo(TComponent* owner) : TVDBInfo(owner), session_(&TSession::Default()) {}
 
 std::span<const TPropertyInfo> TVBDEInfo::PublishedProperties() const {
     static const std::vector<TPropertyInfo> properties = ExtendProperties(
         TVDBInfo::PublishedProperties(),
         {Property<TVBDEInfo>("DatabaseName", &TVBDEInfo::GetDatabaseName, &TVBDEInfo::SetDatabaseName, "")});
     return properties;
+}
+
+void TVBDEInfo::SetSession(TSession& session) {
+    if (&session == session_)
+        return;
+    session_ = &session;
+    ConnectionChanged();
 }
 
 void TVBDEInfo::SetDatabaseName(const std::string& name) {
@@ -19,17 +26,17 @@ void TVBDEInfo::SetDatabaseName(const std::string& name) {
 }
 
 void TVBDEInfo::GetDatabaseNames(TStringList& names) {
-    session_.GetDatabaseNames(names);
+    session_->GetDatabaseNames(names);
 }
 
 void TVBDEInfo::TablesByDatabase(TStringList& tables) {
-    session_.GetTableNames(databaseName_, "*.*", false, false, tables);
+    session_->GetTableNames(databaseName_, "*.*", false, false, tables);
 }
 
 // The second attempt is made whatever the database is: it lets tables that are files be named without their
 // extension.
 void TVBDEInfo::FieldsByTable(const std::string& name, TDBFieldList& fields) {
-    const std::unique_ptr<TTable> table = session_.NewTable();
+    const std::unique_ptr<TTable> table = session_->NewTable();
     table->DatabaseName = databaseName_;
     table->TableName = name;
     try {
@@ -65,8 +72,8 @@ void TVBDEInfo::GetSQLValues(std::string_view sql, TStringList& first, TStringLi
     first.Clear();
     second.Clear();
     lastError_.clear();
-    const std::unique_ptr<TQuery> query = session_.NewQuery();
-    const TBusyCursor busy(session_);
+    const std::unique_ptr<TQuery> query = session_->NewQuery();
+    const TBusyCursor busy(*session_);
     query->DatabaseName = databaseName_;
     query->SQL = sql;
     try {
@@ -89,7 +96,7 @@ void TVBDEInfo::ReadValues(TQuery& query, TStringList& first, TStringList& secon
 }
 
 bool TVBDEInfo::GetConnected() const {
-    const TDatabase* const database = session_.FindDatabase(databaseName_);
+    const TDatabase* const database = session_->FindDatabase(databaseName_);
     return !database || database->GetConnected();
 }
 

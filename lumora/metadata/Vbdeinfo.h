@@ -19,6 +19,11 @@ public:
     std::string_view ClassName() const override { return "TVBDEInfo"; }
     std::span<const TPropertyInfo> PublishedProperties() const override;
 
+    // The session through which everything is read: at first the default one of the moment in which the
+    // provider was made. Another one must outlive the provider.
+    TSession& GetSession() const { return *session_; }
+    void SetSession(TSession& session);
+
     const std::string& GetDatabaseName() const { return databaseName_; }
     void SetDatabaseName(const std::string& name);
 
@@ -39,7 +44,7 @@ public:
 private:
     void ReadValues(TQuery& query, TStringList& first, TStringList& second) const;
 
-    TSession& session_;
+    TSession* session_;
     std::string databaseName_;
     std::string lastError_;
 };

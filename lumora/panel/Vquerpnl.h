@@ -11,6 +11,7 @@
 #pragma once
 
 #include "lumora/platform/component.h"
+#include "lumora/platform/event.h"
 #include "lumora/platform/keys.h"
 #include "lumora/query/sql_options.h"
 
@@ -51,9 +52,9 @@ enum TVBuilderState : std::uint8_t;
 
 class TVQueryPanel : public TComponent {
 public:
-    using TNotifyEvent = std::function<void(TVQueryPanel& sender)>;
-    using TConditionEvent = std::function<void(TVQueryPanel& sender, TFilterCond& condition)>;
-    using TValueEvent = std::function<void(TVQueryPanel& sender, TFilterCond& condition, int value)>;
+    using TNotifyEvent = TEvent<TVQueryPanel&>;
+    using TConditionEvent = TEvent<TVQueryPanel&, TFilterCond&>;
+    using TValueEvent = TEvent<TVQueryPanel&, TFilterCond&, int>;
 
     explicit TVQueryPanel(TComponent* owner = nullptr);
     ~TVQueryPanel() override;
@@ -262,7 +263,7 @@ public:
     TComponent* GetImages() const { return images_; } // the host's image list
     void SetImages(TComponent* images);
 
-    // --- Events.
+    // --- Events. Each takes the host's handler; the second argument is the condition, the third its value.
     TNotifyEvent OnActive;
     TNotifyEvent OnChange;
     TNotifyEvent OnParamListChange;
@@ -271,13 +272,12 @@ public:
     TValueEvent OnSetValue;
     TValueEvent OnCustomValue;
     TValueEvent OnValueDblClick;
-    std::function<void(TVQueryPanel& sender, TFilterCond& condition, TConditionChange change)>
-        OnConditionChange;
+    TEvent<TVQueryPanel&, TFilterCond&, TConditionChange> OnConditionChange;
     // May change a condition's text before it becomes part of the statement.
-    std::function<void(TVQueryPanel& sender, TFilterCond& condition, std::string& text)> OnBuildSQL;
-    std::function<void(TVQueryPanel& sender, const TDSFieldGroup& group, int& imageIndex)>
-        OnGetGroupImageIndex;
-    std::function<void(TVQueryPanel& sender, const TDSField& field, int& imageIndex)> OnGetItemImageIndex;
+    TEvent<TVQueryPanel&, TFilterCond&, std::string&> OnBuildSQL;
+    // Set the index of an image in Images.
+    TEvent<TVQueryPanel&, const TDSFieldGroup&, int&> OnGetGroupImageIndex;
+    TEvent<TVQueryPanel&, const TDSField&, int&> OnGetItemImageIndex;
     TNotifyEvent OnRFEHelpClick;
 
 protected:

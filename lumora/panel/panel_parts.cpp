@@ -19,11 +19,10 @@ TVQueryPanel::TParts::~TParts() {
 
 namespace {
 
-// A handler may put another in its own place, so it is called through a copy.
-template <typename TEvent, typename... TArguments>
-void Fire(const TEvent& event, TArguments&&... arguments) {
-    if (const TEvent handler = event)
-        handler(std::forward<TArguments>(arguments)...);
+template <typename... TArgs>
+void Fire(const TEvent<TArgs...>& event, std::type_identity_t<TArgs>... args) {
+    if (event)
+        event(args...);
 }
 
 } // namespace

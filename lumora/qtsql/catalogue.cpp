@@ -35,7 +35,7 @@ QSqlQuery execute(const QSqlDatabase& database, const QString& statement, const 
         done = query.exec();
     }
     if (!done)
-        throw DatabaseError(reasonOf(query.lastError()));
+        throw DatabaseError(query);
     return query;
 }
 
@@ -43,7 +43,7 @@ bool nextRow(QSqlQuery& query) {
     if (query.next())
         return true;
     if (query.lastError().isValid())
-        throw DatabaseError(reasonOf(query.lastError()));
+        throw DatabaseError(query);
     return false;
 }
 

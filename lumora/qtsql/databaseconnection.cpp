@@ -22,7 +22,8 @@ QString newConnectionName() {
 }
 
 [[noreturn]] void failToOpen(const DatabaseParameters& parameters, const QString& reason) {
-    throw DatabaseError(u"Cannot open database \"%1\": %2"_s.arg(parameters.label(), reason));
+    throw DatabaseError(DatabaseError::Kind::CannotConnect,
+                        u"Cannot open database \"%1\": %2"_s.arg(parameters.label(), reason));
 }
 
 // SQLite would make a file that is missing, and takes some names (":memory:") for none: it gets the whole

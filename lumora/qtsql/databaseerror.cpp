@@ -1,6 +1,9 @@
 #include "lumora/qtsql/databaseerror.h"
 
 #include <QRegularExpression>
+#include <QSqlDatabase>
+#include <QSqlDriver>
+#include <QSqlQuery>
 #include <QStringList>
 
 namespace lumora {
@@ -43,7 +46,74 @@ QString withoutCode(const QString& text) {
     return QString(text).remove(code);
 }
 
+using Kind = DatabaseError::Kind;
+
+// The result codes of SQLite, of which the lower byte says what it is about.
+Kind sqliteKind(const QSqlError& error) {
+    switch (error.nativeErrorCode().toInt() & 0xff) {
+    case 8:
+        return Kind::ReadOnly;
+    case 9:
+        return Kind::Cancelled;
+    default:
+        return error.databaseText().startsWith("no such table"_L1) ||
+                       error.databaseText().startsWith("no such column"_L1)
+                   ? Kind::NotFound
+                   : Kind::Refused;
+    }
+}
+
+// SQLSTATE; none comes with a connection that broke.
+Kind postgresKind(const QString& code) {
+    if (code.startsWith("08"_L1) || code.startsWith("57P"_L1))
+        return Kind::ConnectionLost;
+    if (code == "42P01"_L1 || code == "42703"_L1 || code == "3F000"_L1)
+        return Kind::NotFound;
+    return code == "25006"_L1 ? Kind::ReadOnly : code == "57014"_L1 ? Kind::Cancelled : Kind::Refused;
+}
+
+Kind mySqlKind(int code) {
+    switch (code) {
+    case 2006:
+    case 2013:
+        return Kind::ConnectionLost;
+    case 1054:
+    case 1146:
+        return Kind::NotFound;
+    case 1290:
+    case 1792:
+        return Kind::ReadOnly;
+    case 1317:
+        return Kind::Cancelled;
+    default:
+        return Kind::Refused;
+    }
+}
+
+Kind kindOf(const QSqlDriver& driver, const QSqlError& error) {
+    if (!driver.isOpen())
+        return Kind::ConnectionLost;
+    switch (driver.dbmsType()) {
+    case QSqlDriver::SQLite:
+        return sqliteKind(error);
+    case QSqlDriver::PostgreSQL:
+        return postgresKind(error.nativeErrorCode());
+    case QSqlDriver::MySqlServer:
+        return mySqlKind(error.nativeErrorCode().toInt());
+    default:
+        return Kind::Refused;
+    }
+}
+
 } // namespace
+
+DatabaseError::DatabaseError(const QSqlQuery& failed)
+    : DatabaseError(kindOf(*failed.driver(), failed.lastError()), reasonOf(failed.lastError())) {}
+
+DatabaseError::DatabaseError(const QSqlDatabase& failed) : DatabaseError(failed, failed.lastError()) {}
+
+DatabaseError::DatabaseError(const QSqlDatabase& database, const QSqlError& error)
+    : DatabaseError(kindOf(*database.driver(), error), reasonOf(error)) {}
 
 QString reasonOf(const QSqlError& error) {
     QString text = withoutCode(error.databaseText().trimmed());

@@ -58,6 +58,7 @@ DatabaseParameters parseUrl(const QString& text, const QString& driver) {
     const QUrl url(text, QUrl::StrictMode);
     if (!url.isValid()) // the text may hold a password
         throw DatabaseError(
+            DatabaseError::Kind::Invalid,
             u"The address of the database cannot be read: %1"_s.arg(url.errorString().section(';'_L1, 0, 0)));
     DatabaseParameters parameters;
     parameters.driver = driver;
@@ -106,6 +107,7 @@ DatabaseParameters parseDatabase(const std::string& pathOrUrl) {
         if (scheme == known.name)
             return parseUrl(text, QString(known.driver));
     throw DatabaseError(
+        DatabaseError::Kind::Invalid,
         u"There is no kind of database \"%1\", only postgresql, mysql and odbc"_s.arg(scheme));
 }
 

@@ -60,8 +60,9 @@ private:
     [[noreturn]] void fail() {
         if (missing_.empty())
             missing_ = TableName;
-        throw DatabaseError(u"There is no table \"%1\" in database \"%2\""_s.arg(
-            QString::fromStdString(missing_), QString::fromStdString(DatabaseName)));
+        throw DatabaseError(DatabaseError::Kind::NotFound,
+                            u"There is no table \"%1\" in database \"%2\""_s.arg(
+                                QString::fromStdString(missing_), QString::fromStdString(DatabaseName)));
     }
 
     DatabaseSession& session_;
@@ -130,7 +131,8 @@ void DatabaseSession::unregisterDatabase(const std::string& name) {
 DatabaseConnection& DatabaseSession::open(const std::string& name) {
     Database* const database = find(name);
     if (!database)
-        throw DatabaseError(u"There is no database \"%1\""_s.arg(QString::fromStdString(name)));
+        throw DatabaseError(DatabaseError::Kind::NotFound,
+                            u"There is no database \"%1\""_s.arg(QString::fromStdString(name)));
     if (!database->connection)
         database->connection = std::make_unique<DatabaseConnection>(database->parameters, database->access);
     return *database->connection;

@@ -38,20 +38,22 @@ bool runWithFilter(QSqlTableModel& model, const QString& filter) {
 
 void applyFilter(QSqlTableModel& model, const QString& filter) {
     if (model.isDirty())
-        throw DatabaseError(QStringLiteral("The table has changes that are not saved"));
+        throw DatabaseError(DatabaseError::Kind::Invalid,
+                            QStringLiteral("The table has changes that are not saved"));
     const QString old = model.filter();
     if (runWithFilter(model, filter))
         return;
-    const QString text = model.lastError().text().trimmed();
+    const QSqlError error = model.lastError();
     runWithFilter(model, old);
-    throw DatabaseError(text.isEmpty() ? QStringLiteral("The filter was refused") : text);
+    throw DatabaseError(model.database(), error);
 }
 
 void qualifyColumns(TVDatasetStructure& structure, const QSqlTableModel& model) {
     const QString name = model.tableName();
     for (const QString& part : name.split(u'.'))
         if (!IsFilterName(part.toStdString()))
-            throw DatabaseError(QStringLiteral("The table \"%1\" needs quotes").arg(name));
+            throw DatabaseError(DatabaseError::Kind::Invalid,
+                                QStringLiteral("The table \"%1\" needs quotes").arg(name));
     if (structure.GetTableCount() > 0)
         structure.GetTable(0)->SetAlias(name.toStdString());
 }

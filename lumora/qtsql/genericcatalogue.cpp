@@ -74,7 +74,7 @@ public:
         if (systemTables)
             names += database_.tables(QSql::SystemTables);
         if (names.isEmpty() && database_.lastError().isValid())
-            throw DatabaseError(reasonOf(database_.lastError()));
+            throw DatabaseError(database_);
         std::vector<std::string> result;
         for (const QString& name : names)
             result.push_back(name.toStdString());

@@ -185,6 +185,7 @@ private:
 } // namespace
 
 void offerForeignKeys(TVBDEInfo& info, DatabaseSession& session) {
+    info.SetSession(session);
     info.OnLinksRequest = [&session, &info, others = info.OnLinksRequest](TVDBInfo& sender,
                                                                           TStringList& links) {
         for (const ForeignKey& key :
@@ -197,6 +198,7 @@ void offerForeignKeys(TVBDEInfo& info, DatabaseSession& session) {
 }
 
 void fillModel(TVCustomDBStructure& model, TVBDEInfo& info, DatabaseSession& session) {
+    info.SetSession(session);
     info.ConnectionChanged(); // the tables may have changed since it was last asked
     model.SetDatabaseInfo(&info);
     model.ReplaceModel([&] { // panels find their fields again in the finished model

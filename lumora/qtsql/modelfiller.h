@@ -7,6 +7,9 @@
 
 namespace lumora {
 
+// Both read the provider's database from this session, whichever it had before, and leave the provider with
+// it.
+
 // Has the provider offer the foreign keys of its database as links, ahead of what a handler that is there
 // makes of them. A key whose names a link line cannot hold is left to fillModel.
 void offerForeignKeys(TVBDEInfo& info, DatabaseSession& session);

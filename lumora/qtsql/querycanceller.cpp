@@ -1,5 +1,7 @@
 #include "lumora/qtsql/querycanceller.h"
 
+#include "lumora/qtsql/databaseerror.h"
+
 #include <QSqlDriver>
 #include <QSqlQuery>
 #include <QVariant>
@@ -19,7 +21,7 @@ using namespace Qt::StringLiterals;
 QVariant valueOf(const QSqlDatabase& database, const QString& statement) {
     QSqlQuery query(database);
     if (!query.exec(statement) || !query.next())
-        throw DatabaseError(reasonOf(query.lastError()));
+        throw DatabaseError(query);
     return query.value(0);
 }
 
@@ -99,11 +101,11 @@ QueryCanceller::Running::~Running() {
 
 void QueryCanceller::Running::check() const {
     if (canceller_ && canceller_->isCancelled())
-        throw QueryCancelled();
+        throw DatabaseError(DatabaseError::Kind::Cancelled, u"The query was cancelled"_s);
 }
 
 void QueryCanceller::Running::stopEngine() const noexcept {
-    if (canceller_)
+    if (canceller_ && !canceller_->isCancelled())
         canceller_->interrupt();
 }
 

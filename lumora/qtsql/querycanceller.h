@@ -2,7 +2,6 @@
 #pragma once
 
 #include "lumora/qtsql/databaseconnection.h"
-#include "lumora/qtsql/databaseerror.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -10,11 +9,6 @@
 #include <mutex>
 
 namespace lumora {
-
-class QueryCancelled : public DatabaseError {
-public:
-    QueryCancelled() : DatabaseError(QStringLiteral("The query was cancelled")) {}
-};
 
 // Goes with one query: make it, hand it to runQuery, and call cancel() from wherever. SQLite is interrupted,
 // servers are told over a second connection; with other engines, and where that fails, the query ends at its
@@ -40,8 +34,9 @@ public:
         Running(const Running&) = delete;
         Running& operator=(const Running&) = delete;
 
-        void check() const; // raises QueryCancelled
-        // Tells the engine to stop, on the query's own thread: nobody wants the rows to come.
+        void check() const; // DatabaseError, Cancelled, when it was
+        // Tells the engine to stop, on the query's own thread, unless cancel() does: nobody wants the rows to
+        // come.
         void stopEngine() const noexcept;
 
     private:

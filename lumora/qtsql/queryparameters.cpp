@@ -2,9 +2,10 @@
 
 #include "lumora/platform/ascii.h"
 #include "lumora/platform/convert.h"
-#include "lumora/platform/errors.h"
+#include "lumora/qtsql/databaseerror.h"
 #include "lumora/qtsql/placeholders.h"
 #include "lumora/query/date_values.h"
+#include "lumora/query/errors.h"
 #include "lumora/query/filter_rows.h"
 #include "lumora/query/strict_checks.h"
 
@@ -17,7 +18,8 @@ namespace lumora {
 
 QString decodeText(std::string_view text, std::string_view what) {
     if (!QUtf8StringView(text.data(), static_cast<qsizetype>(text.size())).isValidUtf8())
-        throw Exception(std::string(what) + " is not valid UTF-8");
+        throw DatabaseError(DatabaseError::Kind::Invalid,
+                            QString::fromStdString(std::string(what) + " is not valid UTF-8"));
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
@@ -40,7 +42,7 @@ void failOver(std::string_view what, const std::vector<std::string_view>& names)
     std::string message(what);
     for (const std::string_view name : names)
         message.append(name == names.front() ? " " : ", ").append(name);
-    throw Exception(message);
+    throw DatabaseError(DatabaseError::Kind::Invalid, QString::fromStdString(message));
 }
 
 // Numbers as numbers, so that they compare as such with expressions that have no type of their own.
@@ -124,11 +126,15 @@ void QueryParameters::checkNames(const std::vector<Entry>& used,
 QVariantMap QueryParameters::bind(std::string_view sql, const std::vector<GivenParameter>& given,
                                   const TSQLFormats& formats, Engine engine) const {
     const std::vector<Entry> used = entriesIn(sql);
-    checkNames(used, given);
     QVariantMap values;
-    for (const Entry& entry : used)
-        values.insert(QString::fromStdString(entry.parameter->Name),
-                      boundValue(*entry.parameter, *find(given, entry.name), formats, engine));
+    try {
+        checkNames(used, given);
+        for (const Entry& entry : used)
+            values.insert(QString::fromStdString(entry.parameter->Name),
+                          boundValue(*entry.parameter, *find(given, entry.name), formats, engine));
+    } catch (const EVQueryPanelError& error) { // what a strict panel says of such a value
+        throw DatabaseError(DatabaseError::Kind::Invalid, QString::fromUtf8(error.what()));
+    }
     return values;
 }
 

@@ -19,7 +19,7 @@ struct GivenParameter {
     std::string_view value;
 };
 
-// The text in Qt's form; Exception "WHAT is not valid UTF-8" when it is not.
+// The text in Qt's form; DatabaseError "WHAT is not valid UTF-8" when it is not.
 QString decodeText(std::string_view text, std::string_view what);
 
 // To be made before the query is built. One name may stand in conditions of different types and with
@@ -29,9 +29,9 @@ public:
     explicit QueryParameters(const TQueryResult& result);
 
     // What to bind to the placeholders of the statement that was built. Names are compared without regard to
-    // case. Exception when the statement has parameters without a value, or the query has none of a given
-    // name; EVQueryPanelError for a value that is none of the parameter's type, and for a name that no
-    // strict statement takes.
+    // case. DatabaseError, Invalid, when the statement has parameters without a value, or the query has none
+    // of a given name, for a value that is none of the parameter's type, and for a name that no strict
+    // statement takes.
     QVariantMap bind(std::string_view sql, const std::vector<GivenParameter>& given,
                      const TSQLFormats& formats, Engine engine) const;
 

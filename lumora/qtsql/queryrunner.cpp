@@ -7,7 +7,6 @@
 #include "lumora/qtsql/querycanceller.h"
 #include "lumora/sqlparse/Vscanner.h"
 
-#include <QSqlError>
 #include <QSqlField>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -20,10 +19,6 @@
 namespace lumora {
 
 namespace {
-
-[[noreturn]] void fail(const QSqlError& error) {
-    throw DatabaseError(reasonOf(error));
-}
 
 // The text of one statement without the ";" behind it.
 std::string withoutEnd(const std::string& sql) {
@@ -52,6 +47,7 @@ PositionalStatement toPositional(const std::string& sql, const QVariantMap& para
         const auto value = values.find(placeholder.name);
         if (value == values.end())
             throw DatabaseError(
+                DatabaseError::Kind::Invalid,
                 QStringLiteral("No value for the placeholder :%1").arg(QString::fromUtf8(placeholder.name)));
         statement.values.append(value->second);
         text.append(sql, copied, placeholder.position - copied).append("?");
@@ -71,7 +67,7 @@ void executePositional(QSqlQuery& query, const PositionalStatement& statement) {
     if (done && !statement.values.isEmpty())
         done = query.exec();
     if (!done)
-        fail(query.lastError());
+        throw DatabaseError(query);
 }
 
 bool isTime(const QSqlField& column) {
@@ -129,14 +125,12 @@ qint64 receiveRows(QSqlQuery& query, const RowReceiver& receiver, qint64 limit,
                 values[i] = query.value(static_cast<int>(i));
             receiver.row(values);
         }
-    } catch (const QueryCancelled&) {
-        throw;
     } catch (...) { // the driver would read all rows to come
         running.stopEngine();
         throw;
     }
     if (count != limit && query.lastError().isValid())
-        fail(query.lastError());
+        throw DatabaseError(query);
     return count;
 }
 
@@ -145,17 +139,19 @@ qint64 receiveRows(QSqlQuery& query, const RowReceiver& receiver, qint64 limit,
 // The connection may allow more than reading, and some drivers run several statements.
 void checkStatement(std::string_view sql) {
     if (sql.find('\0') != std::string_view::npos) // an engine would take it for the end
-        throw DatabaseError(QStringLiteral("The statement holds a zero character"));
+        throw DatabaseError(DatabaseError::Kind::Invalid,
+                            QStringLiteral("The statement holds a zero character"));
     TVScanner scanner(sql);
     const std::string_view word = scanner.Token().Text;
     if (!SameText(word, "select") && !SameText(word, "with") && !SameText(word, "values"))
-        throw DatabaseError(QStringLiteral("The statement is no query"));
+        throw DatabaseError(DatabaseError::Kind::Invalid, QStringLiteral("The statement is no query"));
     while (!scanner.AtEnd() && !scanner.Token().IsSymbol(';'))
         scanner.Next();
     while (scanner.Token().IsSymbol(';'))
         scanner.Next();
     if (!scanner.AtEnd())
-        throw DatabaseError(QStringLiteral("The text holds more than one statement"));
+        throw DatabaseError(DatabaseError::Kind::Invalid,
+                            QStringLiteral("The text holds more than one statement"));
 }
 
 qint64 runQuery(const QSqlDatabase& database, const QString& statement, const QVariantMap& parameters,

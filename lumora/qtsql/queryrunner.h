@@ -35,8 +35,8 @@ struct RunSettings {
 // Runs one statement and hands its columns and rows to the receiver as they come. Each ":name" of the
 // statement that has a value in `parameters` (names without regard to case) becomes that value, bound, never
 // pasted. Decimal numbers come as text, in columns of the type double, so that no digit is lost. Returns the
-// number of rows. QueryCancelled when the canceller was used; DatabaseError for a text that is not one
-// reading statement, for a placeholder without a value, and for whatever the engine refuses. Rows may have
+// number of rows. DatabaseError: Cancelled when the canceller was used, Invalid for a text that is not one
+// reading statement and for a placeholder without a value, and whatever the engine refuses. Rows may have
 // been received by then. When the receiver raises, the query ends; on a server without the rows to come only
 // when there is a canceller.
 qint64 runQuery(const QSqlDatabase& database, const QString& statement, const QVariantMap& parameters,

@@ -38,8 +38,9 @@ QString quoted(const QSqlDatabase& database, const TableName& table) {
 QString decoded(std::string_view text, const std::string& queryName) {
     const QUtf8StringView view(text.data(), static_cast<qsizetype>(text.size()));
     if (!view.isValidUtf8() || text.find('\0') != std::string_view::npos)
-        throw DatabaseError(u"Query \"%1\" holds characters that a database cannot keep"_s.arg(
-            QString::fromStdString(queryName)));
+        throw DatabaseError(DatabaseError::Kind::Invalid,
+                            u"Query \"%1\" holds characters that a database cannot keep"_s.arg(
+                                QString::fromStdString(queryName)));
     return view.toString();
 }
 
@@ -84,7 +85,8 @@ TableQueryBase::TableQueryBase(const QSqlDatabase& database, const QString& tabl
 QSqlDatabase TableQueryBase::connection() const {
     const QSqlDatabase database = QSqlDatabase::database(connectionName_, false);
     if (!database.isOpen())
-        throw DatabaseError(u"The connection to the database is not open"_s);
+        throw DatabaseError(DatabaseError::Kind::ConnectionLost,
+                            u"The connection to the database is not open"_s);
     return database;
 }
 
@@ -105,8 +107,9 @@ bool TableQueryBase::hasTable() {
     for (const std::string_view name : columnNames)
         if (std::none_of(columns.begin(), columns.end(),
                          [&](const ColumnInfo& column) { return SameText(column.name, name); }))
-            throw DatabaseError(u"The table %1 is not made for queries: it has no column \"%2\""_s.arg(
-                quotedTable_, QString::fromUtf8(name)));
+            throw DatabaseError(DatabaseError::Kind::NotFound,
+                                u"The table %1 is not made for queries: it has no column \"%2\""_s.arg(
+                                    quotedTable_, QString::fromUtf8(name)));
     return tableKnown_ = true;
 }
 

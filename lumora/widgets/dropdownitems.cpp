@@ -79,8 +79,12 @@ QVariant DropDownItems::data(const QModelIndex& index, int role) const {
     const int item = itemOf(index);
     if (item >= 0)
         return itemData(item, role);
+    const TDropDownRow& group = rows_[static_cast<std::size_t>(index.row())];
     if (role == Qt::DisplayRole)
-        return fromUtf8(rows_[static_cast<std::size_t>(index.row())].Caption);
+        return fromUtf8(group.Caption);
+    if (role == Qt::DecorationRole && !group.Items.empty())
+        return icon(
+            editor_.GetContent().Items[static_cast<std::size_t>(group.Items.front())].GroupImageIndex);
     if (role == Qt::FontRole) {
         QFont font;
         font.setBold(true);
@@ -106,12 +110,16 @@ Qt::ItemFlags DropDownItems::flags(const QModelIndex& index) const {
     return editor_.GetKind() == ddCheckList ? flags | Qt::ItemIsUserCheckable : flags;
 }
 
+QVariant DropDownItems::icon(int index) const {
+    return index >= 0 && index < images_.size() ? images_[index] : QVariant();
+}
+
 QVariant DropDownItems::itemData(int item, int role) const {
     const TDropDownItem& data = editor_.GetContent().Items[static_cast<std::size_t>(item)];
     if (role == Qt::DisplayRole)
         return fromUtf8(data.Caption);
-    if (role == Qt::DecorationRole && data.ImageIndex >= 0 && data.ImageIndex < images_.size())
-        return images_[data.ImageIndex];
+    if (role == Qt::DecorationRole)
+        return icon(data.ImageIndex);
     if (role == Qt::CheckStateRole && editor_.GetKind() == ddCheckList)
         return editor_.IsChecked(item) ? Qt::Checked : Qt::Unchecked;
     return {};

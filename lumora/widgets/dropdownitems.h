@@ -36,6 +36,7 @@ signals:
 
 private:
     QVariant itemData(int item, int role) const;
+    QVariant icon(int index) const; // none for an index that there is not
 
     TDropDownEditor& editor_;
     QList<QIcon> images_;

@@ -20,6 +20,8 @@ constexpr int fieldIDRole = Qt::UserRole;
 
 void addFields(QStandardItem& parent, const TDSFieldList& fields) {
     for (const TDSField* const field : fields) {
+        if (!field->UIR)
+            continue;
         auto* const item = new QStandardItem(QString::fromStdString(field->GetDisplayName()));
         item->setData(field->GetID(), fieldIDRole);
         item->setEditable(false);
@@ -32,15 +34,16 @@ void addFields(QStandardItem& parent, const TDSFieldList& fields) {
 void addGroups(QStandardItem& root, const TDSFieldGroupList& groups) {
     for (int i = 0; i < groups.Count(); ++i) {
         const TDSFieldGroup& group = *groups.GetGroup(i);
-        if (group.Fields.empty())
-            continue;
         auto* const item = new QStandardItem(QString::fromStdString(group.GroupName));
         item->setFlags(Qt::ItemIsEnabled);
         QFont font = item->font();
         font.setBold(true);
         item->setFont(font);
         addFields(*item, group.Fields);
-        root.appendRow(item);
+        if (item->hasChildren())
+            root.appendRow(item);
+        else
+            delete item;
     }
 }
 

@@ -12,7 +12,8 @@ class QTreeView;
 
 namespace lumora {
 
-// Fields by their groups, in the model's order. Enter, or a click, chooses one; the list stays for the next.
+// Fields that may be columns (UIR), by their groups, in the model's order. Enter, or a click, chooses one;
+// the list stays for the next.
 class FieldChooser : public QFrame {
     Q_OBJECT
 

@@ -1,6 +1,7 @@
 #include "lumora/widgets/panelmenu.h"
 
 #include <QActionGroup>
+#include <QHash>
 #include <QMenu>
 
 #include <algorithm>
@@ -33,6 +34,54 @@ void fillMenu(QMenu& menu, const std::vector<TMenuItem>& items,
             group->addAction(action);
         }
         QObject::connect(action, &QAction::triggered, &menu, [choose, item] { choose(item); });
+    }
+}
+
+bool hasGroups(const TDropDownContent& content) {
+    return std::any_of(content.Items.begin(), content.Items.end(),
+                       [](const TDropDownItem& item) { return !item.Group.empty(); });
+}
+
+namespace {
+
+// "&" is a letter here like any other.
+QString plainCaption(const std::string& caption) {
+    return QString::fromStdString(caption).replace(u'&', QLatin1StringView("&&"));
+}
+
+QIcon iconOf(const QList<QIcon>& images, int index) {
+    return index >= 0 && index < images.size() ? images[index] : QIcon();
+}
+
+} // namespace
+
+void fillChoices(QMenu& menu, const TDropDownContent& content, const QList<QIcon>& images,
+                 const std::function<void(int item)>& choose) {
+    QHash<QString, QMenu*> groups;
+    auto* const choices = new QActionGroup(&menu);
+    for (std::size_t i = 0; i < content.Items.size(); ++i) {
+        const TDropDownItem& item = content.Items[i];
+        QMenu* place = &menu;
+        if (!item.Group.empty()) {
+            QMenu*& group = groups[QString::fromStdString(item.Group)];
+            if (!group) {
+                group = menu.addMenu(plainCaption(item.Group));
+                group->setIcon(iconOf(images, item.GroupImageIndex));
+            }
+            place = group;
+        }
+        QAction* const action = place->addAction(plainCaption(item.Caption));
+        action->setIcon(iconOf(images, item.ImageIndex));
+        action->setIconVisibleInMenu(true);
+        const int index = static_cast<int>(i);
+        if (index == content.CurrentItem) { // and where it is found
+            choices->addAction(action);
+            action->setCheckable(true);
+            action->setChecked(true);
+            menu.setActiveAction(place == &menu ? action : place->menuAction());
+            place->setActiveAction(action);
+        }
+        QObject::connect(action, &QAction::triggered, &menu, [choose, index] { choose(index); });
     }
 }
 

@@ -16,6 +16,7 @@ void PanelView::setPanel(TVQueryPanel* panel) {
         if (&panel_->View() == this)
             panel_->SetView(nullptr);
         UnwatchRemovalOf(panel_);
+        widget_.stopListeningTo(*panel_);
     }
     panel_ = panel;
     if (panel_) {
@@ -70,20 +71,29 @@ void PanelView::ShowValueMenu(TFilterRow& row, int word, TPopupMenu& menu) {
 }
 
 bool PanelView::EditResultFields(TVQueryPanel& panel, int helpContext, int options) {
-    const auto& edit = widget_.dialogs().editResultFields;
-    return edit && edit(&widget_, panel, helpContext, options);
+    const auto edit = widget_.dialogs().editResultFields; // the host may replace it meanwhile
+    if (edit)
+        return edit(&widget_, panel, helpContext, options);
+    widget_.refuse(QueryPanelWidget::tr("This program has no window for the result fields"));
+    return false;
 }
 
 bool PanelView::EditTitles(TVQueryPanel& panel) {
-    const auto& edit = widget_.dialogs().editTitles;
-    return edit && edit(&widget_, panel);
+    const auto edit = widget_.dialogs().editTitles;
+    if (edit)
+        return edit(&widget_, panel);
+    widget_.refuse(QueryPanelWidget::tr("This program has no window for the titles"));
+    return false;
 }
 
 bool PanelView::RunSubQueryDialog(TdlgSubQuery& dialog) {
     // The window's owner may go while the window is open, and the window with it.
     const QPointer<SubQueryDialog> window = new SubQueryDialog(dialog, &widget_);
     window->queryPanel()->setDialogs(widget_.dialogs());
-    window->queryPanel()->setImages(widget_.images());
+    window->queryPanel()->outer_ = &widget_;
+    // Beyond the window too: the sub-query is built when it has closed.
+    for (QueryPanelWidget* widget = &widget_; widget; widget = widget->outer_)
+        widget->listenToConditions(dialog.QPanel);
     const bool isConfirmed = window->exec() == QDialog::Accepted && window;
     delete window;
     return isConfirmed;

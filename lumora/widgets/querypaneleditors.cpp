@@ -21,9 +21,11 @@ void QueryPanelWidget::openEditor(TFilterRow& row, int word) {
         attempt([&editor] { editor.RunDialog(); });
         return;
     }
+    if (content.Kind == ddMenu && hasGroups(content))
+        return openChoices(content, editor, row, word);
     const QRect rect = wordRect(layout_->LineOfRow(&row), word);
     popup_ = DropDownPopup::open(this, QRect(viewport()->mapToGlobal(rect.topLeft()), rect.size()),
-                                 std::move(content), images_);
+                                 std::move(content), icons());
     if (!popup_)
         return;
     openRow_ = &row;
@@ -73,10 +75,36 @@ void QueryPanelWidget::goToNextWord(bool forward) {
         attempt([&] { panel()->ClickWord(*row, panel()->GetKeyboard().GetCurControl()); });
 }
 
+// Groups are submenus, which Qt's own menu has.
+void QueryPanelWidget::openChoices(const TDropDownContent& content, const TWordEditor& editor,
+                                   const TFilterRow& row, int word) {
+    startMenu();
+    fillChoices(*menu_, content, icons(), [this, content, editor](int item) {
+        if (!panel())
+            return;
+        attempt([&, taker = editor]() mutable {
+            const std::string reason = taker.AcceptItem(content.Items.at(static_cast<std::size_t>(item)));
+            if (!reason.empty())
+                throw Exception(reason);
+        });
+    });
+    showMenuAt(row, word);
+}
+
 void QueryPanelWidget::openMenu(const TPopupMenu& menu, const TFilterRow& row, int word,
                                 const std::function<void(const TMenuItem&)>& choose) {
     closeWindows();
     updateNow();
+    startMenu();
+    const TFilterRow* const target = &row;
+    fillMenu(*menu_, menu.Items, [this, target, choose](const TMenuItem& item) {
+        if (panel() && panel()->HasRow(target))
+            attempt([&] { choose(item); });
+    });
+    showMenuAt(row, word);
+}
+
+void QueryPanelWidget::startMenu() {
     menu_ = new QMenu(this);
     // It goes after the answer that follows.
     connect(menu_, &QMenu::aboutToHide, this, [this, menu = menu_.data()] {
@@ -85,12 +113,10 @@ void QueryPanelWidget::openMenu(const TPopupMenu& menu, const TFilterRow& row, i
             menu_.clear();
         viewport()->update();
     });
-    const TFilterRow* const target = &row;
-    fillMenu(*menu_, menu.Items, [this, target, choose](const TMenuItem& item) {
-        if (panel() && panel()->HasRow(target))
-            attempt([&] { choose(item); });
-    });
-    openRow_ = target;
+}
+
+void QueryPanelWidget::showMenuAt(const TFilterRow& row, int word) {
+    openRow_ = &row;
     const int line = layout_->LineOfRow(&row);
     const QRect rect = wordRect(line, word);
     const bool isAtPointer = rect.isEmpty() && viewport()->underMouse();

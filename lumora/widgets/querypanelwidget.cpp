@@ -33,6 +33,7 @@ QueryPanelWidget::QueryPanelWidget(QWidget* parent) : QAbstractScrollArea(parent
 }
 
 QueryPanelWidget::~QueryPanelWidget() {
+    blockSignals(true); // to slots of what may be half gone
     setPanel(nullptr);
 }
 
@@ -47,10 +48,13 @@ void QueryPanelWidget::setPanel(TVQueryPanel* panel) {
     toldRow_ = nullptr;
     view_.setPanel(panel);
     if (panel)
+        listenToPanel(*panel);
+    if (panel)
         layout_ = std::make_unique<TScreenLayout>(panel->GetScreen(), measurer_);
     verticalScrollBar()->setValue(0);
     horizontalScrollBar()->setValue(0);
     rowsChanged();
+    tellSettings();
 }
 
 // --- Places.

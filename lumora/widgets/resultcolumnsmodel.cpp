@@ -176,12 +176,12 @@ TDSFieldList ResultColumnsModel::tellingFields(const TVCustomDBStructure& model,
     TDSFieldList telling;
     for (int i = 0; i < model.GetFieldCount() && telling.size() < enough; ++i) {
         TDSField& field = *model.GetField(i);
-        if (field.GetTable() == &table && !isKey(field) && field.FieldType != ftBlob &&
+        if (field.UIR && field.GetTable() == &table && !isKey(field) && field.FieldType != ftBlob &&
             field.FieldType != ftGraphic)
             telling.push_back(&field);
     }
     for (int i = 0; i < model.GetFieldCount() && telling.empty(); ++i) // a table of keys
-        if (model.GetField(i)->GetTable() == &table)
+        if (model.GetField(i)->UIR && model.GetField(i)->GetTable() == &table)
             telling.push_back(model.GetField(i));
     return telling;
 }

@@ -46,7 +46,8 @@ public:
     static QString aggregateName(Aggregate aggregate);
     static QString sortingName(TSortingType sorting);
 
-    // A few fields that say what a record of the table is: no keys, nothing that cannot be read.
+    // A few fields that say what a record of the table is: no keys, nothing that cannot be read, and only
+    // what may be a column (UIR).
     static TDSFieldList tellingFields(const TVCustomDBStructure& model, const TDSTable& table);
 
     int rowCount(const QModelIndex& parent = {}) const override;

@@ -153,7 +153,10 @@ TDSTable* ResultColumnsWidget::suggestedTable() const {
     TVQueryPanel* const query = panel();
     TFilterCond* const first =
         query && query->GetRootBracket() ? query->GetRootBracket()->GetFirstCondition() : nullptr;
-    return first && !first->GetTables().empty() ? first->GetTables().front() : nullptr;
+    TDSTable* const table = first && !first->GetTables().empty() ? first->GetTables().front() : nullptr;
+    const bool hasColumns =
+        table && !ResultColumnsModel::tellingFields(*query->GetDbStruct(), *table).empty();
+    return hasColumns ? table : nullptr;
 }
 
 void ResultColumnsWidget::updateState() {

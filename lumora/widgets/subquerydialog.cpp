@@ -21,6 +21,15 @@ QString fromText(const std::string& text) {
     return QString::fromStdString(text);
 }
 
+// A strip of controls, higher than it is meant to be only where large letters need that.
+QHBoxLayout* layOut(QWidget* strip, int height) {
+    strip->setMinimumHeight(height);
+    strip->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    auto* const layout = new QHBoxLayout(strip);
+    layout->setContentsMargins(margin, 2, margin, 2);
+    return layout;
+}
+
 } // namespace
 
 SubQueryDialog::SubQueryDialog(TdlgSubQuery& dialog, QWidget* parent)
@@ -31,10 +40,10 @@ SubQueryDialog::SubQueryDialog(TdlgSubQuery& dialog, QWidget* parent)
     auto* const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addLayout(makeTopStrip());
+    layout->addWidget(makeTopStrip());
     layout->addWidget(panel_, 1);
     layout->addWidget(message_);
-    layout->addLayout(makeBottomStrip());
+    layout->addWidget(makeBottomStrip());
     message_->setWordWrap(true);
     message_->setTextFormat(Qt::PlainText);
     message_->setMargin(margin);
@@ -43,20 +52,19 @@ SubQueryDialog::SubQueryDialog(TdlgSubQuery& dialog, QWidget* parent)
     panel_->setFocus();
 }
 
-QLayout* SubQueryDialog::makeTopStrip() {
-    auto* const strip = new QHBoxLayout;
-    strip->setContentsMargins(margin, 2, margin, 2);
-    strip->setSpacing(TdlgSubQuery::LabelGap);
+QWidget* SubQueryDialog::makeTopStrip() {
+    auto* const strip = new QWidget(this);
+    QHBoxLayout* const layout = layOut(strip, TdlgSubQuery::TopStripHeight);
+    layout->setSpacing(TdlgSubQuery::LabelGap);
     auto* const label = new QLabel(fromText(dialog_.ResultFieldLabel), this);
     resultField_ = new DropDownLabel(this);
     resultField_->setAccessibleName(label->text());
     label->setBuddy(resultField_);
     auto* const distinct = new QCheckBox(fromText(dialog_.DistinctCaption), this);
     distinct->setChecked(dialog_.cbDistinct);
-    strip->addWidget(label);
-    strip->addWidget(resultField_, 1);
-    strip->addWidget(distinct);
-    strip->setSizeConstraint(QLayout::SetNoConstraint);
+    layout->addWidget(label);
+    layout->addWidget(resultField_, 1);
+    layout->addWidget(distinct);
     showResultFields();
     connect(resultField_, &DropDownLabel::dialogRequested, this, &SubQueryDialog::openResultFields);
     connect(resultField_, &DropDownLabel::aboutToOpen, this, &SubQueryDialog::showResultFields);
@@ -68,16 +76,15 @@ QLayout* SubQueryDialog::makeTopStrip() {
     return strip;
 }
 
-QLayout* SubQueryDialog::makeBottomStrip() {
-    auto* const strip = new QHBoxLayout;
-    strip->setContentsMargins(margin, 4, margin, 4);
-    auto* const buttons = new QDialogButtonBox(this);
+QWidget* SubQueryDialog::makeBottomStrip() {
+    auto* const strip = new QWidget(this);
+    auto* const buttons = new QDialogButtonBox(strip);
     auto* const ok = buttons->addButton(fromText(dialog_.btOK), QDialogButtonBox::AcceptRole);
     buttons->addButton(fromText(dialog_.btCancel), QDialogButtonBox::RejectRole);
     ok->setDefault(true);
     connect(buttons, &QDialogButtonBox::accepted, this, &SubQueryDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &SubQueryDialog::reject);
-    strip->addWidget(buttons);
+    layOut(strip, TdlgSubQuery::BottomStripHeight)->addWidget(buttons);
     return strip;
 }
 

@@ -27,8 +27,8 @@ public slots:
     void accept() override;
 
 private:
-    QLayout* makeTopStrip();
-    QLayout* makeBottomStrip();
+    QWidget* makeTopStrip();
+    QWidget* makeBottomStrip();
     void openResultFields();
     void showResultFields();
 

@@ -2,6 +2,7 @@
 
 #include "apps/lumora-desk/mainwindow.h"
 #include "apps/lumora-desk/opendatabasedialog.h"
+#include "apps/lumora-desk/parametersdialog.h"
 #include "apps/lumora-desk/querylistpane.h"
 #include "apps/lumora-desk/querypane.h"
 #include "apps/lumora-desk/readsqldialog.h"
@@ -11,6 +12,7 @@
 #include "apps/lumora-desk/statementpane.h"
 #include "tests/desk/desk_fixture.h"
 
+#include <QAction>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputDialog>
@@ -74,6 +76,33 @@ protected:
     void settle() { QTest::qWait(20); }
     int rows() { return window.result().model().rowCount(); }
     void press(QMessageBox::StandardButton button, QMessageBox& box) { box.button(button)->click(); }
+    // What a person chooses in the menu of that text.
+    void choose(const QString& text) {
+        for (QAction* const action : window.findChildren<QAction*>())
+            if (action->text().remove(u'&') == text && action->parent() == &window) {
+                EXPECT_TRUE(action->isEnabled()) << text.toStdString();
+                return action->trigger();
+            }
+        FAIL() << "no action " << text.toStdString();
+    }
+    bool isOffered(const QString& text) const {
+        for (const QAction* const action : window.findChildren<QAction*>())
+            if (action->text().remove(u'&') == text && action->parent() == &window)
+                return action->isEnabled();
+        return false;
+    }
+    void makeQuery(const char* name, const char* city) {
+        window.document().newQuery();
+        addCondition(window.document(), "City", city);
+        window.document().saveAs(name);
+    }
+    QString sql() { return window.document().build().sql; }
+    // Types a name into the list, as F2 and Enter do.
+    void rename(const QString& name) {
+        QListView& list = window.findChild<QueryListPane*>()->list();
+        list.model()->setData(list.currentIndex(), name);
+        settle();
+    }
 
     MainWindow window;
 };
@@ -223,6 +252,194 @@ TEST_F(Windows, TheListPutsItsSelectionRightWhenTheQueryIsKept) {
     }
     EXPECT_EQ(window.document().queryName(), "A");
     EXPECT_TRUE(readFile(queryFolder + "/B.qry").find("Oslo") != std::string::npos);
+}
+
+TEST_F(Windows, ParametersAreAskedForUntilTheyWillDoAndRemembered) {
+    window.query().columns().columns().addField(field(window.document(), "Name"));
+    addCondition(window.document(), "Customer ID", "1");
+    auto& condition = dynamic_cast<TFilterCond&>(*window.document().panel().GetRootBracket()->GetRow(0));
+    condition.SetValueIsParam(1, true);
+    condition.GetParam(1)->Name = "Number";
+    condition.GetParam(1)->Caption = "R&D <b>number";
+    const auto lineOf = [](ParametersDialog& dialog) { return dialog.findChild<QLineEdit*>(); };
+    {
+        const WhenDialogOpens<ParametersDialog> asked([&](ParametersDialog& dialog) {
+            const QLabel* label = nullptr;
+            for (const QLabel* const each : dialog.findChildren<QLabel*>())
+                if (each->text().contains("number"))
+                    label = each;
+            ASSERT_TRUE(label);
+            EXPECT_TRUE(label->text().startsWith("R&D <b>number")) << label->text().toStdString();
+            EXPECT_EQ(label->textFormat(), Qt::PlainText);
+            EXPECT_FALSE(label->buddy()) << "its & would be a shortcut";
+            EXPECT_EQ(lineOf(dialog)->text(), "");
+            lineOf(dialog)->setText("one");
+            dialog.accept();
+            EXPECT_TRUE(dialog.isVisible());
+            bool isTold = false;
+            for (const QLabel* const each : dialog.findChildren<QLabel*>())
+                isTold = isTold || (each->isVisible() && each->text().contains("one"));
+            EXPECT_TRUE(isTold);
+            lineOf(dialog)->setText("3");
+            dialog.accept();
+            EXPECT_FALSE(dialog.isVisible());
+        });
+        run();
+    }
+    ASSERT_EQ(rows(), 1);
+    EXPECT_EQ(window.result().model().index(0, 0).data().toString(), "Eve");
+    {
+        const WhenDialogOpens<ParametersDialog> again([&](ParametersDialog& dialog) {
+            EXPECT_EQ(lineOf(dialog)->text(), "3");
+            lineOf(dialog)->setText("1");
+            dialog.reject();
+        });
+        run();
+    }
+    EXPECT_EQ(rows(), 1) << "a run that was given up leaves the rows";
+    {
+        const WhenDialogOpens<ParametersDialog> third([&](ParametersDialog& dialog) {
+            EXPECT_EQ(lineOf(dialog)->text(), "3") << "what was given up is not remembered";
+            dialog.reject();
+        });
+        run();
+    }
+}
+
+TEST_F(Windows, QueriesAreRenamedCopiedAndDeletedFromTheMenu) {
+    makeQuery("One", "Oslo");
+    makeQuery("Two", "Bergen");
+    settle();
+    choose("Duplicate");
+    EXPECT_EQ(window.document().queryName(), "Two (copy)");
+    EXPECT_TRUE(sql().contains("Bergen"));
+    rename("Three");
+    EXPECT_EQ(window.document().queryName(), "Three");
+    EXPECT_TRUE(window.windowTitle().startsWith("Three"));
+    {
+        QString told;
+        const WhenDialogOpens<QMessageBox> taken([&](QMessageBox& box) {
+            told = box.text();
+            EXPECT_EQ(box.textFormat(), Qt::PlainText);
+            box.accept();
+        });
+        rename("One");
+        EXPECT_TRUE(told.contains("One")) << told.toStdString();
+    }
+    EXPECT_EQ(window.document().queryName(), "Three");
+    {
+        const WhenDialogOpens<QMessageBox> no([&](QMessageBox& box) {
+            EXPECT_TRUE(box.text().contains("\"Three\"")) << box.text().toStdString();
+            EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::Cancel));
+            press(QMessageBox::Cancel, box);
+        });
+        choose("Delete");
+    }
+    EXPECT_EQ(window.document().queryName(), "Three");
+    {
+        const WhenDialogOpens<QMessageBox> yes([&](QMessageBox& box) { press(QMessageBox::Yes, box); });
+        choose("Delete");
+    }
+    EXPECT_EQ(window.document().queries()->IndexByName("Three"), -1);
+    EXPECT_EQ(window.document().queryName(), "Two");
+    EXPECT_TRUE(sql().contains("Bergen")) << "the statement is that of the query that is shown";
+
+    // Changes are not renamed, copied or lost without a word.
+    addCondition(window.document(), "Name", "Ann");
+    {
+        const WhenDialogOpens<QMessageBox> no([&](QMessageBox& box) { press(QMessageBox::Cancel, box); });
+        rename("Four");
+    }
+    EXPECT_EQ(window.document().queryName(), "Two");
+    EXPECT_TRUE(window.document().isModified());
+    {
+        const WhenDialogOpens<QMessageBox> no([&](QMessageBox& box) { press(QMessageBox::Cancel, box); });
+        choose("Duplicate");
+    }
+    EXPECT_EQ(window.document().queries()->GetCount(), 2);
+    {
+        const WhenDialogOpens<QMessageBox> discard(
+            [&](QMessageBox& box) { press(QMessageBox::Discard, box); });
+        rename("Four");
+    }
+    EXPECT_EQ(window.document().queryName(), "Four");
+    EXPECT_FALSE(sql().contains("Ann"));
+    EXPECT_EQ(readFile(queryFolder + "/Four.qry").find("Ann"), std::string::npos);
+}
+
+TEST_F(Windows, RevertBringsBackWhatWasSaved) {
+    makeQuery("One", "Oslo");
+    settle();
+    EXPECT_FALSE(isOffered("Revert to Saved"));
+    EXPECT_FALSE(isOffered("Save"));
+    addCondition(window.document(), "Name", "Ann");
+    EXPECT_TRUE(isOffered("Save"));
+    {
+        const WhenDialogOpens<QMessageBox> no([&](QMessageBox& box) { press(QMessageBox::Cancel, box); });
+        choose("Revert to Saved");
+    }
+    EXPECT_TRUE(sql().contains("Ann"));
+    {
+        const WhenDialogOpens<QMessageBox> yes([&](QMessageBox& box) { press(QMessageBox::Yes, box); });
+        choose("Revert to Saved");
+    }
+    EXPECT_FALSE(sql().contains("Ann"));
+    EXPECT_TRUE(sql().contains("Oslo"));
+    EXPECT_FALSE(isOffered("Revert to Saved"));
+
+    // What somebody else has saved meanwhile is asked about.
+    DeskDocument other;
+    other.adopt(openDatabase(request()));
+    addCondition(other, "Name", "Eve");
+    other.save();
+    addCondition(window.document(), "Name", "Ann");
+    {
+        const WhenDialogOpens<QMessageBox> no([&](QMessageBox& box) { press(QMessageBox::Cancel, box); });
+        choose("Save");
+    }
+    EXPECT_NE(readFile(queryFolder + "/One.qry").find("Eve"), std::string::npos);
+    {
+        const WhenDialogOpens<QMessageBox> yes([&](QMessageBox& box) {
+            for (QAbstractButton* const button : box.buttons())
+                if (box.buttonRole(button) == QMessageBox::DestructiveRole)
+                    return button->click();
+        });
+        choose("Save");
+    }
+    EXPECT_NE(readFile(queryFolder + "/One.qry").find("Ann"), std::string::npos);
+}
+
+TEST_F(Windows, RowsAreExportedAsTheyAreShownAndSaidSo) {
+    EXPECT_FALSE(isOffered("Export Rows to CSV..."));
+    window.query().columns().columns().addField(field(window.document(), "Name"));
+    run();
+    EXPECT_TRUE(isOffered("Export Rows to CSV..."));
+    const auto infoText = [&] {
+        for (const QLabel* const label : window.result().findChildren<QLabel*>())
+            if (label->accessibleName() == "Number of rows and time")
+                return label->text();
+        return QString();
+    };
+    const auto exportTo = [&](const std::string& name) {
+        window.result().exportTo(QString::fromStdString(name));
+        EXPECT_FALSE(isOffered("Export Rows to CSV...")) << "while one is written";
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !window.result().isBusy(); }, 10'000));
+        settle();
+    };
+    exportTo(folder / "rows.csv");
+    EXPECT_EQ(readFile(folder / "rows.csv"), "\xEF\xBB\xBFName\nAnn\nBob\nEve\n");
+    EXPECT_TRUE(infoText().endsWith("3 rows exported")) << infoText().toStdString();
+    addCondition(window.document(), "City", "Oslo"); // not run yet
+    settle();
+    EXPECT_TRUE(infoText().contains("has changed since"));
+    exportTo(folder / "again.csv");
+    EXPECT_EQ(readFile(folder / "again.csv"), readFile(folder / "rows.csv"));
+    exportTo(folder / "no/folder.csv");
+    EXPECT_TRUE(infoText().contains("Export failed")) << infoText().toStdString();
+    EXPECT_EQ(rows(), 3) << "the rows stay";
+    run();
+    EXPECT_EQ(rows(), 2);
+    EXPECT_FALSE(infoText().contains("xport")) << "that was about other rows";
 }
 
 TEST(OpenDialog, GivesBackTheRequestThatItWasGiven) {

@@ -129,6 +129,72 @@ TEST_F(QueryPanelWidgetTest, KeyboardBuildsAWholeCondition) {
     EXPECT_TRUE(Shop.Panel.GetEmpty());
 }
 
+TEST_F(QueryPanelWidgetTest, OnlyALeftClickThatEndsWhereItBeganOpensAnEditor) {
+    Shop.Where("customers.company", "EqualTo", "Acme");
+    Shop.Where("customers.company", "EqualTo", "Bell");
+    Show();
+    const QPoint field = Widget.wordRect(1, WordOf(1, wrField)).center();
+    const QPoint op = Widget.wordRect(1, WordOf(1, wrOperator)).center();
+    QWidget* const viewport = Widget.viewport();
+    for (const QPoint& end : {op, Widget.wordRect(2, WordOf(2, wrField)).center(), QPoint(490, field.y())}) {
+        QTest::mousePress(viewport, Qt::LeftButton, Qt::NoModifier, field);
+        QTest::mouseRelease(viewport, Qt::LeftButton, Qt::NoModifier, end);
+        EXPECT_FALSE(Widget.popup());
+    }
+    for (const Qt::MouseButton other : {Qt::RightButton, Qt::MiddleButton}) {
+        QTest::mousePress(viewport, other, Qt::NoModifier, field);
+        QTest::mouseRelease(viewport, Qt::LeftButton, Qt::NoModifier, field);
+        EXPECT_FALSE(Widget.popup());
+        QTest::mousePress(viewport, Qt::LeftButton, Qt::NoModifier, field);
+        QTest::mouseRelease(viewport, other, Qt::NoModifier, field);
+        EXPECT_FALSE(Widget.popup());
+        QTest::mouseRelease(viewport, Qt::LeftButton, Qt::NoModifier, op);
+    }
+    QTest::mouseClick(viewport, Qt::LeftButton, Qt::NoModifier, op);
+    ASSERT_TRUE(Widget.popup());
+    Widget.popup()->cancel();
+    Key(Qt::Key_Insert, Qt::AltModifier); // the first word's editor, whichever word is current
+    ASSERT_TRUE(Widget.popup());
+    EXPECT_EQ(Widget.currentPlace().Word, WordOf(1, wrField));
+    EXPECT_EQ(Shop.Root().GetRowCount(), 2);
+    Widget.popup()->cancel();
+}
+
+// What is drawn stands where clicks find it, and says where the keyboard is.
+TEST_F(QueryPanelWidgetTest, WordsAreDrawnInTheirPlacesAndTheCurrentRowStandsOut) {
+    Shop.Where("customers.company", "EqualTo", "Acme");
+    Shop.Where("customers.company", "EqualTo", "Bell");
+    Show();
+    Widget.makeCurrent(2);
+    QCoreApplication::processEvents();
+    const auto isBlue = [](const QColor& color) { return color.blue() > color.red() + 100; };
+    const auto blueIn = [&](const QImage& image, const QRect& area) {
+        int count = 0;
+        for (int y = area.top(); y <= area.bottom(); ++y)
+            for (int x = area.left(); x <= area.right(); ++x)
+                count += isBlue(image.pixelColor(x, y)) ? 1 : 0;
+        return count;
+    };
+    const auto groundOf = [&](const QImage& image, int line) {
+        return image.pixelColor(Widget.viewport()->width() - 5, Widget.lineRect(line).center().y());
+    };
+    const QImage focused = Widget.viewport()->grab().toImage();
+    int inWords = 0;
+    for (const TWordRole role : {wrField, wrOperator, wrValue}) {
+        const int count = blueIn(focused, Widget.wordRect(1, WordOf(1, role)));
+        EXPECT_GT(count, 20) << role;
+        inWords += count;
+    }
+    EXPECT_EQ(blueIn(focused, Widget.lineRect(1).adjusted(0, 0, -1, 0)), inWords) << "and nowhere else";
+    const QColor plain = Widget.palette().color(QPalette::Base);
+    EXPECT_EQ(groundOf(focused, 1), plain);
+    EXPECT_NE(groundOf(focused, 2), plain);
+    Widget.clearFocus();
+    const QImage unfocused = Widget.viewport()->grab().toImage();
+    EXPECT_NE(groundOf(unfocused, 2), plain);
+    EXPECT_NE(groundOf(unfocused, 2), groundOf(focused, 2)) << "the keyboard is elsewhere";
+}
+
 TEST_F(QueryPanelWidgetTest, EscapeGivesBackTheOldValue) {
     TSimpleCond* const condition = Shop.Where("customers.custno", "EqualTo", "7");
     Show();

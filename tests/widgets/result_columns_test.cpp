@@ -1,5 +1,6 @@
 // Choosing and arranging the columns of a query.
 
+#include "lumora/panel/Vquerdlg.h"
 #include "lumora/widgets/fieldchooser.h"
 #include "lumora/widgets/resultcolumnswidget.h"
 #include "tests/fixtures.h"
@@ -143,6 +144,35 @@ TEST_F(ResultColumns, TheKeyboardDoesAllThatTheMouseDoes) {
     chooser.close();
 }
 
+TEST_F(ResultColumns, SortingAndPlacesStayWithinTheirBounds) {
+    for (const char* const name : {"customers.company", "customers.since", "orders.amount"})
+        columns().addField(field(name));
+    widget.show();
+    QTableView& view = widget.view();
+    const std::string before = state();
+    view.selectRow(0);
+    for (const Qt::Key key : {Qt::Key_Plus, Qt::Key_Minus, Qt::Key_Up})
+        QTest::keyClick(&view, key, Qt::AltModifier);
+    EXPECT_EQ(state(), before) << "the first column, which is not sorted";
+    EXPECT_EQ(view.currentIndex().row(), 0);
+    for (const int row : {0, 1, 2})
+        columns().setData(columns().index(row, Model::Sorting), stAscending, Qt::EditRole);
+    view.selectRow(2);
+    QTest::keyClick(&view, Qt::Key_Plus, Qt::AltModifier);
+    EXPECT_EQ(cell(2, Model::Sorting).toString(), "2. ascending");
+    EXPECT_EQ(cell(1, Model::Sorting).toString(), "3. ascending");
+    for (int i = 0; i < 4; ++i)
+        QTest::keyClick(&view, Qt::Key_Minus, Qt::AltModifier);
+    EXPECT_EQ(cell(2, Model::Sorting).toString(), "3. ascending");
+    QStringList headings;
+    for (int column = 0; column < columns().columnCount(); ++column)
+        headings.append(columns().headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
+    EXPECT_EQ(headings.join(u'|'), "Column|Shows|Sorted");
+    EXPECT_TRUE(view.isVisible());
+    columns().removeRows({0, 1, 2});
+    EXPECT_FALSE(view.isVisible()) << "a query without columns says so instead";
+}
+
 TEST_F(ResultColumns, AnEmptyQueryOffersTheFieldsOfItsFirstCondition) {
     widget.show();
     QPushButton* suggest = nullptr;
@@ -153,11 +183,50 @@ TEST_F(ResultColumns, AnEmptyQueryOffersTheFieldsOfItsFirstCondition) {
     EXPECT_FALSE(suggest->isVisible());
     shop.Where("orders.amount", "Equal", "1");
     EXPECT_TRUE(suggest->isVisible());
+    EXPECT_EQ(suggest->text(), "Show the main fields of orders");
     QTest::mouseClick(suggest, Qt::LeftButton);
     EXPECT_GT(columns().rowCount(), 0);
     for (int row = 0; row < columns().rowCount(); ++row)
         EXPECT_EQ(shop.Panel.GetQResult().GetResultFields().GetRField(row)->GetSQLExpr().find("orders."), 0U);
     EXPECT_FALSE(suggest->isVisible());
+}
+
+TEST_F(ResultColumns, OnlyFieldsThatMayBeColumnsAreOffered) {
+    field("orders.amount").UIR = false;
+    field("customers.active").UIR = false;
+    shop.Model.GetFieldGroups().AddGroup("Hidden", &field("customers.active"));
+    shop.Where("orders.amount", "EqualTo", "1"); // a condition may have it
+    widget.show();
+    QStringList offered;
+    widget.chooseFields();
+    const QAbstractItemModel& list = *widget.findChild<FieldChooser*>()->list().model();
+    for (int i = 0; i < list.rowCount(); ++i)
+        offered.append(list.index(i, 0).data().toString());
+    widget.findChild<FieldChooser*>()->close();
+    EXPECT_TRUE(offered.contains("company"));
+    EXPECT_FALSE(offered.contains("amount"));
+    EXPECT_FALSE(offered.contains("Hidden")) << "a group without fields";
+    widget.addSuggested();
+    for (int row = 0; row < columns().rowCount(); ++row)
+        EXPECT_NE(cell(row, Model::Caption).toString(), "amount");
+
+    widget.setPanel(nullptr);
+    shop.Panel.ClearAll();
+    field("orders.custno").UIR = field("orders.placed").UIR = false;
+    shop.Where("orders.amount", "EqualTo", "1");
+    widget.setPanel(&shop.Panel);
+    widget.addSuggested();
+    EXPECT_EQ(columns().rowCount(), 0) << "the table has nothing to show";
+
+    TdlgSubQuery dialog;
+    dialog.SetParentQPanel(shop.Panel);
+    dialog.LoadQuery({});
+    dialog.AcceptResultField(
+        {.Caption = {}, .Value = std::to_string(field("lines.qty").GetID()), .Group = {}});
+    const TDropDownContent content = dialog.ResultFieldContent();
+    for (const TDropDownItem& item : content.Items)
+        EXPECT_NE(item.Caption, "amount");
+    EXPECT_EQ(content.Items.at(static_cast<std::size_t>(content.CurrentItem)).Caption, "qty");
 }
 
 } // namespace
