@@ -500,6 +500,23 @@ TEST_F(CliRunSmall, FormatsKeepEveryValue) {
         "\n]\n");
 }
 
+// Nothing that a database holds moves the cursor, turns the direction of writing or ends a line.
+TEST_F(CliRunSmall, TablesKeepTheTerminalWhole) {
+    runScript(database_,
+              "delete from things;"
+              "insert into things (id, name) values (1, char(27) || '[2J' || char(13, 9, 10, 127)),"
+              " (2, 'a' || char(0x202A) || 'b' || char(0x202E) || 'c' || char(0x200E, 0x2066, 0x2029)),"
+              " (3, 'e' || char(0x301) || ' 日本' || char(0x200B, 0x1F600)), (4, '~ !');");
+    EXPECT_EQ(outputOf(command({}), {.text = queryText({1, 2}, {})}),
+              "id | name\n"
+              "---+----------------------------------\n"
+              " 1 | \\u001b[2J\\r\\t\\n\\u007f\n"
+              " 2 | a\\u202ab\\u202ec\\u200e\\u2066\\u2029\n"
+              " 3 | e\u0301 日本\u200B😀\n"
+              " 4 | ~ !\n"
+              "(4 rows)\n");
+}
+
 TEST_F(CliRunSmall, LimitStopsEarly) {
     const std::string query = queryText({1}, {});
     EXPECT_EQ(outputOf(command({"--limit=0"}), {.text = query}), "id\n--\n(0 rows)\n");
