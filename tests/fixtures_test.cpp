@@ -1,5 +1,4 @@
 // Runs the fixtures: what is in tests/fixtures/ and how to add to it, its README says.
-#include "lumora/panel/Vquerpnl.h"
 #include "lumora/platform/text_file.h"
 #include "lumora/support/Vstrings.h"
 #include "tests/fixtures.h"

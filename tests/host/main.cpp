@@ -1,5 +1,5 @@
 // A host that has files of the library's names, and uses both.
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 
 #include <cstdio>
 #include <string_view>
