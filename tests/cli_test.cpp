@@ -141,6 +141,35 @@ TEST(Cli, HelpTellsEveryCommandAndOption) {
     EXPECT_EQ(group.find("\n  run "), std::string::npos) << group;
 }
 
+// What a command or an option is for stands beside it, all in one column.
+void expectColumns(const std::string& help, const std::string& heading) {
+    const std::size_t start = help.find(heading);
+    ASSERT_NE(start, std::string::npos) << help;
+    std::istringstream lines(help.substr(start + heading.size()));
+    std::size_t column = 0;
+    for (std::string line; std::getline(lines, line) && !line.empty();) {
+        const std::size_t gap = line.find("  ", 2);
+        const std::size_t text = line.find_first_not_of(' ', line[2] == ' ' ? 0 : gap);
+        ASSERT_NE(text, std::string::npos) << line;
+        column = column == 0 ? text : column;
+        EXPECT_GE(text, column) << line;
+        EXPECT_TRUE(text == column || line[2] == ' ') << line;
+    }
+    EXPECT_GT(column, 0U);
+}
+
+TEST(Cli, HelpStandsInColumns) {
+    const std::string help = outputOf({"--help"});
+    expectColumns(help, "\nCommands:\n");
+    EXPECT_NE(help.find("\nThe exit status is 0 "), std::string::npos) << help;
+    for (const char* const command : {"model", "sql", "run", "visual"}) {
+        const std::string own = outputOf({command, "--help"});
+        expectColumns(own, "\nOptions:\n");
+        EXPECT_EQ(own.substr(0, own.find('\n')).find("  "), std::string::npos)
+            << "an argument without a name";
+    }
+}
+
 TEST(Cli, StatementsBecomeTreesAndQueries) {
     const ProcessInput statement = {
         .text = "select customers.city from customers\nwhere customers.city like 'O%'"};
@@ -273,7 +302,7 @@ TEST(CliQueries, AreKeptInFoldersAndFiles) {
     const TemporaryFolder folder;
     const std::string query = sampleQuery("05-nested-brackets");
     const std::string other = "[Main]\nVersion=3.5\n[Description]\ntwo\nlines\n";
-    for (const std::string& base : {folder / "queries", folder / "queries.sqlite"}) {
+    for (const std::string& base : {folder / "queries", folder / "queries.sqlite", folder / "queries.DB"}) {
         EXPECT_EQ(errorOf({"queries", "list", base}),
                   "Cannot open query base \"" + base + "\": No such file or directory");
         EXPECT_EQ(outputOf({"queries", "save", base, "Größe: a/b", query}), "");
@@ -294,6 +323,7 @@ TEST(CliQueries, AreKeptInFoldersAndFiles) {
         EXPECT_EQ(outputOf({"queries", "list", base, "--format=csv"}),
                   "name,description\nGröße: a/b,\"two\nlines\"\n");
     }
+    EXPECT_TRUE(std::filesystem::is_regular_file(folder / "queries.DB"));
     EXPECT_TRUE(std::filesystem::exists(folder / "queries/Größe%3A a%2Fb.qry"));
     EXPECT_EQ(errorOf({"queries", "list", query}),
               "Cannot open database \"" + query + "\": file is not a database");
@@ -346,23 +376,24 @@ struct Row {
     bool enabled = true;
 };
 
+void runScript(const std::string& database, const std::string& sql) {
+    const std::string program = "import sqlite3, sys\n"
+                                "c = sqlite3.connect(sys.argv[1]); c.executescript(sys.stdin.read())\n";
+    const ProcessResult made = runProcess({"python3", "-c", program, database}, {.text = sql});
+    ASSERT_EQ(made.status, 0) << made.err;
+}
+
 class CliRunSmall : public testing::Test {
 protected:
     void SetUp() override {
-        script("create table things (id integer, name text, amount real, made date, seen timestamp,"
-               " open boolean, extra);"
-               "insert into things values (1, 'plain', 2.5, '2024-02-29', '2024-02-29 08:05:00', 1, null),"
-               " (2, 'O''Hara \"x\", ;--', -0.1, '2024-03-01', '2024-03-01 00:00:00', 0, ''),"
-               " (3, ':Name' || char(10) || '100%', 1e300, null, null, 1, x'00ff'),"
-               " (4, '日本 é', null, '1999-12-31', null, 0, 0.1 + 0.2);");
+        runScript(database_,
+                  "create table things (id integer, name text, amount real, made date, seen timestamp,"
+                  " open boolean, extra);"
+                  "insert into things values (1, 'plain', 2.5, '2024-02-29', '2024-02-29 08:05:00', 1, null),"
+                  " (2, 'O''Hara \"x\", ;--', -0.1, '2024-03-01', '2024-03-01 00:00:00', 0, ''),"
+                  " (3, ':Name' || char(10) || '100%', 1e300, null, null, 1, x'00ff'),"
+                  " (4, '日本 é', null, '1999-12-31', null, 0, 0.1 + 0.2);");
         writeFile(model_, modelText());
-    }
-
-    void script(const std::string& sql) {
-        const std::string program = "import sqlite3, sys\n"
-                                    "c = sqlite3.connect(sys.argv[1]); c.executescript(sys.stdin.read())\n";
-        const ProcessResult made = runProcess({"python3", "-c", program, database_}, {.text = sql});
-        ASSERT_EQ(made.status, 0) << made.err;
     }
 
     static std::string modelText() {
@@ -469,6 +500,23 @@ TEST_F(CliRunSmall, FormatsKeepEveryValue) {
         "\n]\n");
 }
 
+// Nothing that a database holds moves the cursor, turns the direction of writing or ends a line.
+TEST_F(CliRunSmall, TablesKeepTheTerminalWhole) {
+    runScript(database_,
+              "delete from things;"
+              "insert into things (id, name) values (1, char(27) || '[2J' || char(13, 9, 10, 127)),"
+              " (2, 'a' || char(0x202A) || 'b' || char(0x202E) || 'c' || char(0x200E, 0x2066, 0x2029)),"
+              " (3, 'e' || char(0x301) || ' 日本' || char(0x200B, 0x1F600)), (4, '~ !');");
+    EXPECT_EQ(outputOf(command({}), {.text = queryText({1, 2}, {})}),
+              "id | name\n"
+              "---+----------------------------------\n"
+              " 1 | \\u001b[2J\\r\\t\\n\\u007f\n"
+              " 2 | a\\u202ab\\u202ec\\u200e\\u2066\\u2029\n"
+              " 3 | e\u0301 日本\u200B😀\n"
+              " 4 | ~ !\n"
+              "(4 rows)\n");
+}
+
 TEST_F(CliRunSmall, LimitStopsEarly) {
     const std::string query = queryText({1}, {});
     EXPECT_EQ(outputOf(command({"--limit=0"}), {.text = query}), "id\n--\n(0 rows)\n");
@@ -559,7 +607,7 @@ TEST_F(CliRunSmall, DatabasesThatCannotBeOpenedAreNamed) {
     EXPECT_EQ(error(":memory:"), "Cannot open database \":memory:\": No such file or directory");
     EXPECT_EQ(error(model_), "Cannot open database \"" + model_ + "\": file is not a database");
     EXPECT_EQ(error(samples), "Cannot open database \"" + samples + "\": it is a directory");
-    script("drop table things;");
+    runScript(database_, "drop table things;");
     EXPECT_EQ(error(database_), "no such table: things");
 }
 

@@ -135,35 +135,6 @@ TEST_F(Strict, RefusesWhatIsUnrecognizedOrWouldBeCut) {
     EXPECT_EQ(Text("lines.at", "Equal", "09:00:45"), "lines.at = '09:00:45'\n");
 }
 
-TEST_F(Strict, JoinsASecondAliasOfATable) {
-    shop_.Model.AddTable("customers", "Bosses");
-    shop_.Model.GetTable(3)->SetAlias("boss");
-    auto link = std::make_unique<TDSLink>(*shop_.Model.GetTable(0), *shop_.Model.GetTable(3));
-    link->Fields1.Add("boss");
-    link->Fields2.Add("custno");
-    shop_.Model.AddLinkByRef(std::move(link));
-    TDSField& boss =
-        *shop_.Model.GetField(shop_.Model.AddField(vfkData, "company", "Boss", shop_.Model.GetTable(3)));
-    shop_.Select("customers.company");
-    shop_.Panel.GetQResult().GetResultFields().Add("@1", {&boss}, "Boss");
-    EXPECT_EQ(TStringList(shop_.SQL())[2], "     INNER JOIN customers boss ON (customers.boss=boss.custno)");
-    shop_.Panel.SetStrict(false);
-    EXPECT_EQ(TStringList(shop_.SQL()).Count(), 2);
-}
-
-TEST_F(Strict, WritesOracleDatesAsTheyAreMeant) {
-    shop_.Panel.SetSQLSyntax(ssOracle);
-    EXPECT_EQ(Text("customers.since", "Equal", "2001-03-05"),
-              "customers.since = TO_DATE('05-03-2001', 'dd-mm-yyyy')\n");
-    EXPECT_EQ(Text("lines.at", "GreaterOrEqual", "14:30"), "lines.at >= TO_DATE('14:30:00', 'hh24:mi:ss')\n");
-    EXPECT_EQ(Text("orders.placed", "Between", "2001-03-05 14:30", "2001-03-06"),
-              "orders.placed between TO_DATE('05-03-2001 14:30:00', 'dd-mm-yyyy hh24:mi:ss') and "
-              "TO_DATE('06-03-2001 00:00:00', 'dd-mm-yyyy hh24:mi:ss')\n");
-    EXPECT_EQ(
-        Text("customers.since", "InList", "2001-03-05,2001-03-06"),
-        "customers.since in (TO_DATE('05-03-2001', 'dd-mm-yyyy'),TO_DATE('06-03-2001', 'dd-mm-yyyy'))\n");
-}
-
 TEST_F(Strict, DoublesClosingQuotesInNames) {
     TDSField& amount = *shop_.Field("orders.amount");
     amount.SetFieldName("a\"; drop");
