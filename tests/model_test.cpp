@@ -45,6 +45,10 @@ TEST(Tables, RenderTheirSQL) {
     // A name that begins with a double quote counts as quoted; strictly, only when it is quoted well.
     table.SetName("\"s\".\"t\"");
     EXPECT_EQ(table.GetSQLExpr(nqStrict), "\"s\".\"t\" OI");
+    table.SetName("\"s\"\"x\"");
+    EXPECT_EQ(table.GetSQLExpr(nqStrict), "\"s\"\"x\" OI");
+    table.SetName("\"s\" x\"");
+    EXPECT_EQ(table.GetSQLExpr(nqStrict), "[\"s\" x\"] OI");
     table.SetName("\"s; drop");
     EXPECT_EQ(table.GetSQLExpr(), "\"s; drop OI");
     EXPECT_EQ(table.GetSQLExpr(nqStrict), "[\"s; drop] OI");
@@ -110,6 +114,8 @@ TEST(Fields, TakeIDsTypesAndOperators) {
     const int added = shop.Model.AddField(vfkData, "COMPANY", "Firm", shop.Model.GetTable(0));
     EXPECT_EQ(shop.Model.GetField(added)->GetID(), lastID + 1);
     EXPECT_EQ(shop.Model.GetField(added)->FieldSize, 40);
+    EXPECT_EQ(shop.Model.GetField(added)->GetDisplayName(), "Firm");
+    EXPECT_EQ(shop.Model.GetField(added)->GetFieldText(), "COMPANY");
     shop.Model.DelField(added);
     EXPECT_EQ(shop.Model.GetField(shop.Model.AddField(vfkVirtual, "1", "One", nullptr))->GetID(), lastID + 1);
     EXPECT_EQ(
@@ -357,6 +363,16 @@ TEST(Model, FillsItselfFromAProvider) {
     shop.Model.RetriveDataModelInfo();
     EXPECT_EQ(changes, 1);
     EXPECT_EQ(shop.Model.GetLinkCount(), 2);
+    EXPECT_EQ(shop.Model.GetFieldCount(), 10);
+    shop.Model.SetAutoAddFields(false);
+    shop.Model.RetriveDataModelInfo();
+    EXPECT_EQ(std::exchange(changes, 1), 2);
+    EXPECT_EQ(shop.Model.GetTableCount(), 3);
+    EXPECT_EQ(shop.Model.GetFieldCount(), 0);
+    for (const char* const name :
+         {"StoreStruct", "AutoAddFields", "SQLFormats", "DatabaseInfo", "DefOperators", "ExOperators",
+          "HelpFileName", "SEHelpContext", "InitialSEPath", "OnSEHelpClick", "OnChange"})
+        EXPECT_NE(shop.Model.FindProperty(name), nullptr) << name;
     shop.Model.BeginUpdate();
     shop.Model.AddTable("x", "x");
     shop.Model.EndUpdate();
@@ -477,6 +493,9 @@ TEST(Fields, AreListedByEachName) {
         << "after the largest come the first free ones";
     const int added = shop.Model.AddField(vfkVirtual, "1", "One", nullptr);
     EXPECT_EQ(shop.Model.GetField(added)->FieldSize, 100);
+    int id = 0;
+    shop.Model.RenumberFields([&](const TDSField&) { return id += 3; });
+    EXPECT_EQ(shop.Model.GetField(shop.Model.AddField(vfkVirtual, "2", "Two", nullptr))->GetID(), id + 1);
     EXPECT_EQ(shop.Model.FieldByID(shop.Model.GetField(added)->GetID()), shop.Model.GetField(added));
 }
 
