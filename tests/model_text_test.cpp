@@ -125,6 +125,7 @@ TEST(ModelText, OfOlderVersions) {
         "Values=1,2\nOperats=EqualTo,Like\n"
         "[FieldGroup1]\nGroupName=All\nFields=\"Orders No\"\n");
     EXPECT_EQ(model.OperatorByName("Like")->ValFormat, "or");
+    EXPECT_EQ(model.OperatorByName("Like")->GetSQLName(), "@f like '@1'");
     EXPECT_EQ(model.OperatorByName("Equal")->AppliedTypes, (TAppliedTypes{ftString, ftInteger}));
     EXPECT_EQ(model.GetTable(0)->GetDisplayName(), "All orders");
     EXPECT_EQ(model.GetLink(0)->LinkType, ltOuterLeft);
