@@ -97,6 +97,9 @@ TEST(Fields, AreFoundThroughEveryChange) {
     shop.Model.GetSQLFormats().SetQuoteSymbol1('`');
     EXPECT_EQ(shop.Field("o.`amount\""), amount);
     EXPECT_EQ(quoteChanges, 1);
+    amount->SetFieldName("sum");
+    EXPECT_EQ(shop.Model.FieldByName(fnText, "sum"), amount);
+    EXPECT_EQ(shop.Model.FieldByName(fnText, "amount"), nullptr);
     amount->SetDisplayName("Total");
     EXPECT_EQ(shop.Model.FieldByName(fnDisplayName, "total"), amount);
     // The first of equal names is found, whichever came to the list when.
