@@ -129,6 +129,11 @@ TEST(DatasetModel, TellsOfItsContentAfterAFill) {
     model.SetActive(true); // ends it
     EXPECT_FALSE(model.IsUpdating());
     EXPECT_EQ(std::exchange(notices, {}), "7 ");
+    model.BeginUpdate(); // the host's own goes on
+    model.FillStructure();
+    EXPECT_TRUE(model.IsUpdating());
+    model.EndUpdate();
+    EXPECT_FALSE(model.IsUpdating());
     orders.DataSet.Open = false;
     EXPECT_THROW(model.ReloadStructure(), EVDatasetStructureError);
     EXPECT_EQ(notices, "0 ") << "what was cleared before";
@@ -283,6 +288,7 @@ TEST(Filter, ComparesByTheColumnsType) {
         {"at between '09:00' and '10:29'", "f"},
         {"born < seen", "t"},
         {"day = born", "t"},
+        {"any < name", "t"},
         {"any > 9", "t"},
         {"any > '9'", "f"},
         {"any = '1*'", "t"},

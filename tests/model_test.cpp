@@ -45,6 +45,10 @@ TEST(Tables, RenderTheirSQL) {
     // A name that begins with a double quote counts as quoted; strictly, only when it is quoted well.
     table.SetName("\"s\".\"t\"");
     EXPECT_EQ(table.GetSQLExpr(nqStrict), "\"s\".\"t\" OI");
+    table.SetName("\"s\"\"x\"");
+    EXPECT_EQ(table.GetSQLExpr(nqStrict), "\"s\"\"x\" OI");
+    table.SetName("\"s\" x\"");
+    EXPECT_EQ(table.GetSQLExpr(nqStrict), "[\"s\" x\"] OI");
     table.SetName("\"s; drop");
     EXPECT_EQ(table.GetSQLExpr(), "\"s; drop OI");
     EXPECT_EQ(table.GetSQLExpr(nqStrict), "[\"s; drop] OI");
@@ -93,6 +97,9 @@ TEST(Fields, AreFoundThroughEveryChange) {
     shop.Model.GetSQLFormats().SetQuoteSymbol1('`');
     EXPECT_EQ(shop.Field("o.`amount\""), amount);
     EXPECT_EQ(quoteChanges, 1);
+    amount->SetFieldName("sum");
+    EXPECT_EQ(shop.Model.FieldByName(fnText, "sum"), amount);
+    EXPECT_EQ(shop.Model.FieldByName(fnText, "amount"), nullptr);
     amount->SetDisplayName("Total");
     EXPECT_EQ(shop.Model.FieldByName(fnDisplayName, "total"), amount);
     // The first of equal names is found, whichever came to the list when.
@@ -110,6 +117,8 @@ TEST(Fields, TakeIDsTypesAndOperators) {
     const int added = shop.Model.AddField(vfkData, "COMPANY", "Firm", shop.Model.GetTable(0));
     EXPECT_EQ(shop.Model.GetField(added)->GetID(), lastID + 1);
     EXPECT_EQ(shop.Model.GetField(added)->FieldSize, 40);
+    EXPECT_EQ(shop.Model.GetField(added)->GetDisplayName(), "Firm");
+    EXPECT_EQ(shop.Model.GetField(added)->GetFieldText(), "COMPANY");
     shop.Model.DelField(added);
     EXPECT_EQ(shop.Model.GetField(shop.Model.AddField(vfkVirtual, "1", "One", nullptr))->GetID(), lastID + 1);
     EXPECT_EQ(
@@ -158,6 +167,79 @@ TEST(Operators, FollowTheirGroups) {
     EXPECT_EQ(SaveAppliedTypes({ftInteger, ftString}), "ftString,ftInteger,");
     EXPECT_EQ(ReadAppliedTypes("ftString,ftInteger,"), (TAppliedTypes{ftInteger, ftString}));
     EXPECT_EQ(ReadAppliedTypes("1,3,40,99,", 1.9), (TAppliedTypes{ftInteger, ftString}));
+}
+
+TEST(Operators, OfGroupsThatAreOffGoByHalves) {
+    TVDBStructure model;
+    const auto names = [&] {
+        TStringList list;
+        model.GetOperatorNames(list);
+        return list.GetCommaText();
+    };
+    model.SetExOperators({});
+    EXPECT_EQ(names(), "Equal,NotEqual,LessThan,LessOrEqual,GreaterThan,GreaterOrEqual,IsNull");
+    for (const char* const own : {"InList", "NotInList", "StartsWith", "NotStartsWith", "Contains",
+                                  "NotContains", "Between", "NotBetween"})
+        model.AddOperator(own, "own", "@f", "", {});
+    model.UpdateDefOperators(); // some of the host's operators of these names stay
+    EXPECT_TRUE(names().ends_with("IsNull,NotInList,StartsWith,NotStartsWith,NotBetween")) << names();
+    EXPECT_EQ(model.OperatorByName("StartsWith")->DisplayName, "own");
+    model.UpdateExOperators();
+    EXPECT_TRUE(names().ends_with("IsNull")) << names();
+
+    const int index = model.OperatorIndexByName("EQUAL");
+    TDSOperator& equal = *model.GetOperator(index);
+    equal.ExprType = ftInteger;
+    equal.ValueKind = vkSubQuery;
+    EXPECT_EQ(model.AddUpdateOperator(true, "equal", "same", "@f == '@1'", "v", {ftDate}), index);
+    EXPECT_EQ(equal.GetName() + equal.DisplayName + equal.GetSQLName() + equal.ValFormat,
+              "equalsame@f == '@1'v");
+    EXPECT_EQ(equal.AppliedTypes, TAppliedTypes{ftDate});
+    EXPECT_EQ(equal.ExprType, ftInteger) << "the types of the values stay";
+    EXPECT_EQ(equal.ValueKind, vkSubQuery);
+    const int added = model.AddUpdateOperator(false, "equal", "second", "", "", {});
+    EXPECT_EQ(added, model.GetOperatCount() - 1);
+    EXPECT_EQ(model.OperatorByName("Equal"), &equal) << "the first of a name";
+    EXPECT_EQ(model.IndexOfOperator(model.GetOperator(added)), added);
+    EXPECT_EQ(model.IndexOfOperator(nullptr), -1);
+    EXPECT_EQ(model.OperatorByExpr("nowhere"), nullptr);
+    TDSOperator fresh;
+    EXPECT_EQ(fresh.ExprType, ftUnknown);
+    EXPECT_EQ(fresh.AppliedTypes, LmUsedTypes);
+}
+
+TEST(Operators, ApplyToTheirTypes) {
+    TVDBStructure model;
+    const auto offered = [&](TFieldType type) {
+        TDSField field(model, 1, vfkData);
+        field.FieldType = type;
+        field.AddAppliedOperators();
+        std::string names;
+        for (const TDSOperator* const op : field.GetOperators())
+            names.append(op->GetName()).append(" ");
+        return names;
+    };
+    const std::string ordered =
+        "Equal NotEqual LessThan LessOrEqual GreaterThan GreaterOrEqual IsNull InList NotInList ";
+    for (const TFieldType type : {ftSmallint, ftInteger, ftWord, ftFloat, ftCurrency, ftBCD, ftDate, ftTime,
+                                  ftDateTime, ftAutoInc, ftLargeint})
+        EXPECT_EQ(offered(type), ordered + "Between NotBetween ") << EnumName(type);
+    EXPECT_EQ(offered(ftString),
+              ordered + "StartsWith NotStartsWith Contains NotContains Between NotBetween ");
+    EXPECT_EQ(offered(ftBoolean), "Equal NotEqual IsNull InList NotInList ");
+    for (const TFieldType type : {ftMemo, ftFmtMemo})
+        EXPECT_EQ(offered(type), "IsNull StartsWith NotStartsWith Contains NotContains ") << EnumName(type);
+    EXPECT_EQ(offered(ftWideString), "StartsWith NotStartsWith Contains NotContains ");
+    for (const TFieldType type : {ftUnknown, ftBlob, ftBytes, ftFixedChar})
+        EXPECT_EQ(offered(type), "") << EnumName(type);
+    TDSField text(model, 1, vfkData);
+    for (const TFieldType type :
+         {ftString, ftBoolean, ftDate, ftTime, ftDateTime, ftMemo, ftFmtMemo, ftFixedChar, ftWideString}) {
+        text.FieldType = type;
+        EXPECT_EQ(text.ValueAsString("a'b"), "'a''b'") << EnumName(type);
+    }
+    text.FieldType = ftInteger;
+    EXPECT_EQ(text.ValueAsString("1"), "1");
 }
 
 TEST(Operators, LeaveFieldsWhenTheyGo) {
@@ -220,6 +302,20 @@ TEST(Conditions, MakeValueSlotsFromTheirFormat) {
     EXPECT_EQ(condition.GetTables(), TDSTableList{shop.Model.GetTable(1)});
     EXPECT_EQ(shop.Model.ConditionByID(5), &condition);
     EXPECT_EQ(shop.Model.ConditionIndexByID(6), -1);
+    TStringList captions("old\n");
+    shop.Model.GetConditionCaptions(captions);
+    EXPECT_EQ(captions.GetText(), "Placed between   and \n");
+    condition.SetID(6);
+    EXPECT_EQ(shop.Model.ConditionByID(5), nullptr);
+    EXPECT_EQ(shop.Model.ConditionIndexByID(6), 0);
+    condition.Values[0].SetValueObject(std::make_shared<TDSValueObject>());
+    TDSValue copy;
+    copy.Assign(condition.Values[0]);
+    EXPECT_EQ(copy.GetValueObject(), condition.Values[0].GetValueObject());
+    copy.SetDataType(ftString);
+    EXPECT_NE(copy.GetValueObject(), nullptr) << "the type was this one";
+    copy.SetDataType(ftDate);
+    EXPECT_EQ(copy.GetValueObject(), nullptr);
     condition.SetDisplayFormat("All of them");
     EXPECT_EQ(condition.GetCaption(), "All of them");
     EXPECT_TRUE(condition.Values.empty());
@@ -229,8 +325,15 @@ TEST(Conditions, MakeValueSlotsFromTheirFormat) {
 
 TEST(Links, AreReadAndWrittenAsLines) {
     TVDBStructure model;
-    for (const char* const name : {"a", "b", "a-b", "c:d"})
+    for (const char* const name : {"a", "b", "a-b", "c:d", "e:"})
         model.AddTable(name, name);
+    model.AddLinkByExpr("a-e::x=y,z>w, u <= v ,nonsense");
+    model.GetLink(0)->Fields2.Delete(2);
+    model.GetLink(0)->Operators.Delete(2);
+    TStringList line;
+    model.SaveLinksToStrings(line);
+    EXPECT_EQ(line.GetText(), "a-e::x=y,z>w,u=\n");
+    model.DelLink(0);
     model.AddLinkByExpr("a-b:x=y,z!=w");
     model.AddLinkByExpr("A-B-c:d:p>=q");
     EXPECT_EQ(model.GetLink(0)->Operators.GetCommaText(), "=,!=");
@@ -263,6 +366,16 @@ TEST(Model, FillsItselfFromAProvider) {
     shop.Model.RetriveDataModelInfo();
     EXPECT_EQ(changes, 1);
     EXPECT_EQ(shop.Model.GetLinkCount(), 2);
+    EXPECT_EQ(shop.Model.GetFieldCount(), 10);
+    shop.Model.SetAutoAddFields(false);
+    shop.Model.RetriveDataModelInfo();
+    EXPECT_EQ(std::exchange(changes, 1), 2);
+    EXPECT_EQ(shop.Model.GetTableCount(), 3);
+    EXPECT_EQ(shop.Model.GetFieldCount(), 0);
+    for (const char* const name :
+         {"StoreStruct", "AutoAddFields", "SQLFormats", "DatabaseInfo", "DefOperators", "ExOperators",
+          "HelpFileName", "SEHelpContext", "InitialSEPath", "OnSEHelpClick", "OnChange"})
+        EXPECT_NE(shop.Model.FindProperty(name), nullptr) << name;
     shop.Model.BeginUpdate();
     shop.Model.AddTable("x", "x");
     shop.Model.EndUpdate();
@@ -326,6 +439,67 @@ TEST(Model, ForgetsItsMainTableWhenItGoes) {
     EXPECT_TRUE(isForgotten([&] { // by a text that names none, though a table has no name
         shop.Model.SetStructString("[Main]\nVersion=3.5\nTableCount=1\n[Table:1]\nAlias=x\n");
     }));
+}
+
+TEST(Tables, KeepTheirPlaceInADesigner) {
+    TVDBStructure model;
+    TDSTable& table = *model.GetTable(model.AddTable("t", "T"));
+    EXPECT_EQ(table.GetDesignPositions(), "0,0,0,0");
+    table.SetDesignPositions("1,-2,30,44,5");
+    EXPECT_EQ(table.DesignRect.Left, 1);
+    EXPECT_EQ(table.DesignRect.Top, -2);
+    EXPECT_EQ(table.DesignRect.Right, 30);
+    EXPECT_EQ(table.DesignRect.Bottom, 44);
+    TVDBStructure copy;
+    copy.SetStructString(model.GetStructString());
+    EXPECT_EQ(copy.GetTable(0)->GetDesignPositions(), "1,-2,30,44");
+    EXPECT_EQ(copy.IndexOfTable(copy.GetTable(0)), 0);
+    EXPECT_EQ(copy.IndexOfTable(&table), -1);
+    table.SetDesignPositions("7");
+    EXPECT_EQ(table.GetDesignPositions(), "7,0,0,0");
+    TDSPath path(nullptr);
+    EXPECT_EQ(MessageOf<EVDBStructError>([&] { copy.FindPath(table, *copy.GetTable(0), path); }),
+              "No such table t")
+        << "of another model";
+}
+
+TEST(Fields, AreListedByEachName) {
+    TShop shop;
+    shop.Model.GetTable(1)->SetAlias("o");
+    shop.Model.GetTable(1)->SetDisplayName("Orders made");
+    TDSField& field = *shop.Field("o.amount");
+    field.SetDisplayName("Total");
+    field.SetQuoted(true);
+    const auto line = [](const TStringList& names, int i) { return std::string(names[i]); };
+    TStringList names;
+    const char* const tables[] = {"orders", "o", "Orders made", "orders - o", "orders o"};
+    for (const TTableNameMode mode : {tnName, tnAlias, tnDisplayName, tnCompoundName, tnSQLText}) {
+        shop.Model.GetTableNames(mode, names);
+        EXPECT_EQ(line(names, 1), tables[mode]);
+        EXPECT_EQ(shop.Model.TableByName(mode, LowerAscii(tables[mode])), shop.Model.GetTable(1));
+    }
+    const char* const fields[] = {"amount", "Total", "orders.amount", "o.\"amount\""};
+    for (const TFieldNameMode mode : {fnText, fnDisplayName, fnFullName, fnSQLExpr}) {
+        shop.Model.GetFieldNames(mode, names);
+        EXPECT_EQ(line(names, 5), fields[mode]);
+        EXPECT_EQ(shop.Model.FieldByName(mode, LowerAscii(fields[mode])), &field);
+        EXPECT_EQ(shop.Model.FieldByName(mode, std::string(fields[mode]) + "s"), nullptr);
+    }
+    EXPECT_EQ(shop.Model.FieldByName(fnFullName, "orders. amount"), nullptr) << "a blank counts here";
+
+    shop.Model.RenumberFields(
+        [](const TDSField& f) { return f.GetFieldText() == "custno" ? 5 : 2147483647; });
+    EXPECT_EQ(shop.Model.FieldByID(5), shop.Model.GetField(0));
+    EXPECT_EQ(shop.Model.FieldByID(6), shop.Model.FieldByName(fnSQLExpr, "o.custno"));
+    EXPECT_EQ(shop.Model.FieldByID(2147483647), shop.Field("customers.company"));
+    EXPECT_EQ(shop.Model.FieldByID(1), shop.Field("customers.since"))
+        << "after the largest come the first free ones";
+    const int added = shop.Model.AddField(vfkVirtual, "1", "One", nullptr);
+    EXPECT_EQ(shop.Model.GetField(added)->FieldSize, 100);
+    int id = 0;
+    shop.Model.RenumberFields([&](const TDSField&) { return id += 3; });
+    EXPECT_EQ(shop.Model.GetField(shop.Model.AddField(vfkVirtual, "2", "Two", nullptr))->GetID(), id + 1);
+    EXPECT_EQ(shop.Model.FieldByID(shop.Model.GetField(added)->GetID()), shop.Model.GetField(added));
 }
 
 TEST(Model, RefusesBadIndexesByTheirKind) {

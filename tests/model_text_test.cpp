@@ -85,13 +85,14 @@ TEST(ModelText, IsReadTolerantlyInDetails) {
         "[main]\nVersion=3.5\nTableCount=2000000000\nFieldCount=2\nOperatCount=1\n"
         "[OPERATOR:1]\nName=EqualTo\nName=Other\nSQLName=@f = @1\nExprType=sameasfield\n"
         "AppliedTypes=ftString,ftNothing,\nValueKind=vkList\n"
-        "[Table:1]\nAlias=My Table\nName=T\n"
+        "[Table:1]\nAlias=My Table\nName=T\nAlias=again\n"
         "[Field:2]\nEditKind=2\nTableAlias=my_table\nEditType=1\nKind=vfkData\nID=7\nFieldExpr=x\n");
     ASSERT_EQ(model.GetOperatCount(), 1);
     EXPECT_EQ(model.GetOperator(0)->GetName(), "Equal");
     EXPECT_EQ(model.GetOperator(0)->ValueKind, vkList);
     ASSERT_EQ(model.GetTableCount(), 1);
-    EXPECT_EQ(model.GetTable(0)->GetAlias(), "My_Table");
+    EXPECT_EQ(model.GetTable(0)->GetAlias(), "My_Table"); // the first of two
+    EXPECT_EQ(model.GetTable(0)->GetName(), "T");
     ASSERT_EQ(model.GetFieldCount(), 1);
     EXPECT_EQ(model.FieldByID(7)->GetSQLExpr(), "My_Table.x");
     EXPECT_EQ(dynamic_cast<TDSTextEditor&>(*model.FieldByID(7)->GetValueEditor()).EditKind, tekDate);
@@ -124,6 +125,7 @@ TEST(ModelText, OfOlderVersions) {
         "Values=1,2\nOperats=EqualTo,Like\n"
         "[FieldGroup1]\nGroupName=All\nFields=\"Orders No\"\n");
     EXPECT_EQ(model.OperatorByName("Like")->ValFormat, "or");
+    EXPECT_EQ(model.OperatorByName("Like")->GetSQLName(), "@f like '@1'");
     EXPECT_EQ(model.OperatorByName("Equal")->AppliedTypes, (TAppliedTypes{ftString, ftInteger}));
     EXPECT_EQ(model.GetTable(0)->GetDisplayName(), "All orders");
     EXPECT_EQ(model.GetLink(0)->LinkType, ltOuterLeft);

@@ -273,6 +273,9 @@ TEST(DateTime, RefusesWhatNoCalendarHas) {
         EXPECT_FALSE(TryEncodeDate(date.Year, date.Month, date.Day)) << date.Year << '-' << date.Month;
     EXPECT_TRUE(TryEncodeDate(2000, 2, 29));
     EXPECT_FALSE(TryEncodeTime(24, 0, 0, 0));
+    EXPECT_FALSE(TryEncodeTime(-1, 0, 0, 0) || TryEncodeTime(0, -1, 0, 0) || TryEncodeTime(0, 0, -1, 0) ||
+                 TryEncodeTime(0, 0, 0, -1));
+    EXPECT_FALSE(TryEncodeTime(0, 0, 60, 0) || TryEncodeTime(0, 0, 0, 1000));
     EXPECT_FALSE(TryEncodeTime(0, 60, 0, 0));
     EXPECT_FALSE(TryEncodeTime(0, 0, 60, 0));
     EXPECT_FALSE(TryEncodeTime(0, 0, 0, 1000));

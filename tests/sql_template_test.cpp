@@ -61,6 +61,30 @@ TEST(SQLTemplate, IsWorkedOutForEachWayValuesEnter) {
     EXPECT_EQ(many.GetParamCount(), MaxTemplateValues);
     many.SetText("(a or b) and 'or'");
     EXPECT_FALSE(many.HasOuterOr());
+    many.SetText("@f = 1 OR (@f = 2)");
+    EXPECT_TRUE(many.HasOuterOr());
+}
+
+TEST(SQLTemplate, KeepsItsPlansUntilItsTextChanges) {
+    TSQLTemplate sql;
+    sql.SetText("@f @1");
+    TTemplatePlan spare;
+    TPlanRequest first;
+    first.HasField = true;
+    const TTemplatePlan* const plan = &sql.Plan(first, spare);
+    bool isSpare = false;
+    for (int values = 1; values < 1000; ++values) { // far more than a template keeps
+        TPlanRequest request;
+        request.ValueCount = values;
+        TTemplatePlan own;
+        isSpare = &sql.Plan(request, own) == &own;
+        EXPECT_EQ((isSpare ? own : sql.Plan(request, spare)).Pieces.size(), 2u);
+    }
+    EXPECT_TRUE(isSpare);
+    EXPECT_EQ(&sql.Plan(first, spare), plan);
+    EXPECT_EQ(plan->Pieces.front().Kind, tpField);
+    sql.SetText("@f");
+    EXPECT_EQ(sql.Plan(first, spare).Pieces.size(), 1u);
 }
 
 TEST(SQLPattern, CapturesWhatStoodInTheTemplate) {
@@ -76,6 +100,7 @@ TEST(SQLPattern, CapturesWhatStoodInTheTemplate) {
     EXPECT_EQ(Captured("@f is null", "a", " IS  Null"), "");
     EXPECT_EQ(Captured("@f = '@1'", "a", " = 1 and more"), "1 and more|");
     EXPECT_EQ(Captured("f(@f, @1, @1)", "a", ""), "no");
+    EXPECT_EQ(Captured("@f > @1", "a", " >"), "no");
     std::string endless; // no pattern takes for ever
     for (int i = 1; i < 90; ++i)
         endless += "@" + std::to_string(i) + ",";
