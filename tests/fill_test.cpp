@@ -1,5 +1,5 @@
 // The command "lumora fill": a data model from a database, as a person gets it.
-#include "lumora/panel/Vquerpnl.h"
+#include "lumora/lumora.h"
 #include "lumora/qtsql/catalogues.h"
 #include "lumora/qtsql/databaseconnection.h"
 #include "tests/cli_process.h"

@@ -21,6 +21,8 @@
 
 namespace lumora {
 
+class TDSField;
+class TDSFieldGroup;
 class TWordEditor;
 struct TDropDownResult;
 
