@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace lumora {
 
@@ -18,16 +19,14 @@ TQueryBuilder::TQueryBuilder(TQueryHost& panel, const TVCustomDBStructure& struc
       bracketConditions_(panel.GetSQLOptions().Contains(soBracketConditions)) {}
 
 void TQueryBuilder::Build(TDSTable* mainTable, const TFilterBracket* root) {
-    result_.ClearBuild();
-    open_.reserve(16); // brackets are mostly nested less deep
+    statement_ = result_.BeginBuild();
     if (mainTable)
         AddTable(mainTable);
     AddResultFields();
-    if (!root)
-        return;
-    if (root->GetEnabled())
-        WriteBracket(*root);
-    if (result_.GetResultTables().Empty())
+    if (root && root->GetEnabled())
+        statement_.Select.Where = MakeBracket(*root);
+    result_.EndBuild(std::move(statement_));
+    if (root && result_.GetResultTables().Empty())
         throw EVQueryPanelError(qpeNoEnoughInfo);
 }
 
@@ -74,7 +73,7 @@ void TQueryBuilder::AddResultFields() {
     TRFieldList& fields = result_.GetResultFields();
     fields.GenerateNumbers();
     bool aggregates = false;
-    std::vector<std::pair<int, std::string>> sorted;
+    std::vector<const TResultField*> sorted;
     for (int i = 0; i < fields.Count(); ++i) {
         TResultField& field = *fields.GetRField(i);
         if (strict_)
@@ -83,14 +82,26 @@ void TQueryBuilder::AddResultFields() {
         for (const TDSField* const entry : field.GetFields())
             AddTables(entry->GetTables());
         if (field.GetSorting() != stNoSort)
-            sorted.emplace_back(field.GetSortOrder(), SortItem(field));
+            sorted.push_back(&field);
     }
-    std::stable_sort(sorted.begin(), sorted.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
-    for (const auto& item : sorted)
-        result_.OrderBy.append(result_.OrderBy.empty() ? "" : ", ").append(item.second);
+    AddSortItems(sorted);
     if (aggregates)
         AddGroupBy();
+}
+
+void TQueryBuilder::AddSortItems(std::vector<const TResultField*>& sorted) {
+    std::stable_sort(sorted.begin(), sorted.end(), [](const TResultField* a, const TResultField* b) {
+        return a->GetSortOrder() < b->GetSortOrder();
+    });
+    TNodeList<TSortItem>& items = statement_.Select.OrderBy;
+    for (const TResultField* const field : sorted) {
+        statement_.Text += items.Empty() ? "" : ", ";
+        const std::size_t start = statement_.Text.size();
+        AppendSortItem(statement_.Text, *field);
+        TSortItem* const item = statement_.Nodes.New<TSortItem>();
+        item->Text = statement_.SpanFrom(start);
+        items.Add(item);
+    }
 }
 
 void TQueryBuilder::CheckResultField(const TResultField& field) const {
@@ -112,98 +123,85 @@ void TQueryBuilder::CheckSorting(const TResultField& field) const {
         throw EVQueryPanelError(qpeCantSortDistinct, {field.GetCaption()});
 }
 
-std::string TQueryBuilder::SortItem(TResultField& field) const {
+void TQueryBuilder::AppendSortItem(std::string& out, const TResultField& field) const {
     const bool justSorting = result_.GetResultFields().JustSorting;
     const bool constant = field.GetFields().empty(); // its text might be taken for a position
     const bool byName =
         justSorting || (panel_.GetSQLOptions().Contains(soSortByNames) && !(strict_ && constant));
-    std::string item;
     if (!byName)
-        item = std::to_string(field.GetNumber());
+        out += std::to_string(field.GetNumber());
     else if (constant || strict_) // strict: what the column shows, not only the first field in it
-        item = field.GetSQLExpr();
+        field.AppendSQLExpr(out);
     else
-        item = field.GetFields().front()->GetSQLExpr();
-    return item + (field.GetSorting() == stAscending ? " ASC" : " DESC");
+        field.GetFields().front()->AppendSQLExpr(out, nqPlain);
+    out += field.GetSorting() == stAscending ? " ASC" : " DESC";
 }
 
 void TQueryBuilder::AddGroupBy() {
     TRFieldList& fields = result_.GetResultFields();
+    TNodeList<TGroupItem>& items = statement_.Select.GroupBy;
     for (int i = 0; i < fields.Count(); ++i) {
         const TResultField& field = *fields.GetRField(i);
         if (field.GetAgregate())
             continue;
-        for (const TDSField* const entry : field.GetFields())
-            if (const std::string item = entry->GetGroupByFields(strict_ ? nqStrict : nqPlain); !item.empty())
-                result_.GroupBy.append(result_.GroupBy.empty() ? "" : ", ").append(item);
+        for (const TDSField* const entry : field.GetFields()) {
+            const std::string text = entry->GetGroupByFields(strict_ ? nqStrict : nqPlain);
+            if (text.empty())
+                continue;
+            statement_.Text += items.Empty() ? "" : ", ";
+            TGroupItem* const item = statement_.Nodes.New<TGroupItem>();
+            item->Text = statement_.Append(text);
+            items.Add(item);
+        }
     }
 }
 
 // --- Conditions.
 
-void TQueryBuilder::WriteBracket(const TFilterBracket& bracket) {
-    open_.push_back({bracket.GetLinkType()});
+// None for a bracket without conditions: it leaves no trace.
+TPredicate* TQueryBuilder::MakeBracket(const TFilterBracket& bracket) {
+    const TFilterLinkType type = bracket.GetLinkType();
+    TPredicate* const node =
+        statement_.NewBracket(type == fltAny || type == fltNone, type == fltNone || type == fltNotAll);
     for (int i = 0; i < bracket.GetRowCount(); ++i) {
         TFilterRow& row = *bracket.GetRow(i);
         if (!row.GetEnabled())
             continue;
-        if (row.GetRowType() == frtBracket)
-            WriteBracket(static_cast<TFilterBracket&>(row));
-        else
-            WriteCondition(static_cast<TFilterCond&>(row));
+        TPredicate* const member = row.GetRowType() == frtBracket
+                                       ? MakeBracket(static_cast<TFilterBracket&>(row))
+                                       : MakeLeaf(static_cast<TFilterCond&>(row));
+        if (member)
+            node->Members.Add(member);
     }
-    if (open_.back().Opened)
-        result_.Conditions().Add(")");
-    open_.pop_back();
+    return node->Members.Empty() ? nullptr : node;
 }
 
-// Opens the brackets around the row that are not open yet, and joins the row to the one before it.
-void TQueryBuilder::BeginRow() {
-    std::size_t first = open_.size();
-    while (first > 0 && !open_[first - 1].Opened)
-        --first;
-    for (std::size_t i = first; i < open_.size(); ++i) {
-        if (i > 0)
-            StartRowIn(open_[i - 1]);
-        const bool negated = open_[i].LinkType == fltNone || open_[i].LinkType == fltNotAll;
-        result_.Conditions().Add(negated ? " NOT (" : " (");
-        open_[i].Opened = true;
-    }
-    StartRowIn(open_.back());
-}
-
-void TQueryBuilder::StartRowIn(TOpenBracket& bracket) {
-    if (bracket.HasRows)
-        result_.Conditions().AppendToLast(bracket.LinkType == fltAny || bracket.LinkType == fltNone ? " OR"
-                                                                                                    : " AND");
-    bracket.HasRows = true;
-}
-
-void TQueryBuilder::WriteCondition(TFilterCond& condition) {
-    AddTables(condition.GetTables());
-    if (!condition.GetTemplate())
-        return;
+// None for a condition without an operator.
+TPredicate* TQueryBuilder::MakeLeaf(TFilterCond& condition) {
+    const TDSTableList& tables = condition.GetTables();
+    AddTables(tables);
+    const TSQLTemplate* const pattern = condition.GetTemplate();
+    if (!pattern)
+        return nullptr;
     if (strict_ && condition.GetRowType() == frtSimpleCondition)
         CheckRecognized(static_cast<TSimpleCond&>(condition));
+    TPredicate* const leaf = statement_.Nodes.New<TPredicate>();
+    leaf->Tables = &tables;
     // A strict query holds an "or" of the template together, whatever stands around it.
-    const bool bracketed = bracketConditions_ || (strict_ && condition.GetTemplate()->HasOuterOr());
-    TStringList& lines = result_.Conditions();
-    if (panel_.WantsConditionText()) {
-        text_.clear();
-        FillTemplate(text_, condition);
-        panel_.ConditionText(condition, text_);
-        BeginRow();
-        lines.Tail().append(bracketed ? "(" : "").append(text_).append(bracketed ? ")" : "");
-    } else {
-        BeginRow();
-        std::string& line = lines.Tail();
-        if (bracketed)
-            line += '(';
-        FillTemplate(line, condition);
-        if (bracketed)
-            line += ')';
-    }
-    lines.EndLine();
+    leaf->Parenthesized = bracketConditions_ || (strict_ && pattern->HasOuterOr());
+    FillTemplate(*leaf, condition);
+    if (panel_.WantsConditionText())
+        LetHostChange(*leaf, condition);
+    return leaf;
+}
+
+// What the host makes of a condition's text is its own: nothing is known of the values in it.
+void TQueryBuilder::LetHostChange(TPredicate& leaf, TFilterCond& condition) {
+    std::string text(statement_.View(leaf.Text));
+    panel_.ConditionText(condition, text);
+    leaf.Text = statement_.Append(text);
+    leaf.Values = nullptr;
+    leaf.ValueCount = 0;
 }
 
 void TQueryBuilder::CheckRecognized(const TSimpleCond& condition) const {
@@ -213,7 +211,7 @@ void TQueryBuilder::CheckRecognized(const TSimpleCond& condition) const {
         throw EVQueryPanelError(qpeUnrecognizedOperator, {"row " + condition.GetRowID()});
 }
 
-void TQueryBuilder::FillTemplate(std::string& out, TFilterCond& condition) {
+void TQueryBuilder::FillTemplate(TPredicate& leaf, TFilterCond& condition) {
     TPlanRequest request;
     request.Strict = strict_;
     request.HasField =
@@ -226,12 +224,19 @@ void TQueryBuilder::FillTemplate(std::string& out, TFilterCond& condition) {
     const TTemplatePlan& plan = condition.GetTemplate()->Plan(request);
     if (!plan.Patterns.empty())
         RefreshPatterns(plan, condition);
-    AppendPieces(out, plan.Pieces, condition);
+    leafValues_.clear();
+    const std::size_t start = statement_.Text.size();
+    AppendPieces(statement_.Text, plan.Pieces, condition);
+    leaf.Text = statement_.SpanFrom(start);
+    leaf.ValueCount = leafValues_.size();
+    leaf.Values = statement_.Nodes.New<TLeafValue>(leafValues_.size());
+    std::copy(leafValues_.begin(), leafValues_.end(), leaf.Values);
 }
 
 void TQueryBuilder::AppendPieces(std::string& out, const std::vector<TTemplatePiece>& pieces,
                                  TFilterCond& condition) {
-    for (const TTemplatePiece& piece : pieces)
+    for (const TTemplatePiece& piece : pieces) {
+        const std::size_t start = out.size();
         switch (piece.Kind) {
         case tpLiteral:
             out += piece.Text;
@@ -257,6 +262,12 @@ void TQueryBuilder::AppendPieces(std::string& out, const std::vector<TTemplatePi
             out += '\'';
             break;
         }
+        if (piece.Kind == tpValue || piece.Kind == tpParamName)
+            leafValues_.push_back({{start, out.size() - start},
+                                   condition.GetValueType(piece.Value),
+                                   piece.Value,
+                                   piece.Kind == tpParamName});
+    }
 }
 
 // The pattern is what stood around the parameter's place, without its quotes.

@@ -20,14 +20,6 @@ public:
     void Build(TDSTable* mainTable, const TFilterBracket* root);
 
 private:
-    // A bracket whose rows are being written. Its opening line is written with its first condition, so that a
-    // bracket without conditions leaves no trace.
-    struct TOpenBracket {
-        TFilterLinkType LinkType;
-        bool Opened = false;
-        bool HasRows = false;
-    };
-
     void AddTable(TDSTable* table);
     void AddTables(const TDSTableList& tables);
     bool HasTable(TDSTable* table) const;
@@ -35,13 +27,13 @@ private:
     void CheckResultField(const TResultField& field) const;
     void CheckSorting(const TResultField& field) const;
     void CheckRecognized(const TSimpleCond& condition) const;
-    std::string SortItem(TResultField& field) const;
+    void AddSortItems(std::vector<const TResultField*>& sorted);
+    void AppendSortItem(std::string& out, const TResultField& field) const;
     void AddGroupBy();
-    void WriteBracket(const TFilterBracket& bracket);
-    void WriteCondition(TFilterCond& condition);
-    void BeginRow();
-    void StartRowIn(TOpenBracket& bracket);
-    void FillTemplate(std::string& out, TFilterCond& condition);
+    TPredicate* MakeBracket(const TFilterBracket& bracket);
+    TPredicate* MakeLeaf(TFilterCond& condition);
+    void LetHostChange(TPredicate& leaf, TFilterCond& condition);
+    void FillTemplate(TPredicate& leaf, TFilterCond& condition);
     void AppendPieces(std::string& out, const std::vector<TTemplatePiece>& pieces, TFilterCond& condition);
     void RefreshPatterns(const TTemplatePlan& plan, TFilterCond& condition);
     void AppendParamName(std::string& out, const TSQLParam& param) const;
@@ -52,10 +44,10 @@ private:
     const TVCustomDBStructure& structure_;
     const bool strict_;
     const bool bracketConditions_;
-    std::vector<TOpenBracket> open_;
     std::vector<const TDSTable*> added_; // tables that were asked for before, ascending
     const TDSTable* lastAdded_ = nullptr;
-    std::string text_;
+    TStatement statement_;
+    std::vector<TLeafValue> leafValues_; // of the leaf that is being made
 };
 
 } // namespace lumora

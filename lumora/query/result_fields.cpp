@@ -65,37 +65,48 @@ void TResultField::SetFormula(const std::string& formula) {
 }
 
 template <typename TAppendField>
-std::string TResultField::FillFormula(TAppendField appendField) const {
+void TResultField::FillFormula(std::string& text, TAppendField appendField) const {
     TPlanRequest request;
     request.ValueCount = static_cast<int>(fields_.size());
-    std::string text;
     for (const TTemplatePiece& piece : formula_.Plan(request).Pieces) {
         if (piece.Kind == tpLiteral)
             text += piece.Text;
         else
             appendField(text, *fields_[static_cast<std::size_t>(piece.Value - 1)]);
     }
-    return text;
+}
+
+void TResultField::AppendSQLExpr(std::string& out) const {
+    const TQueryHost* const panel = GetQueryPanel();
+    const TNameQuoting quoting = panel && panel->GetStrict() ? nqStrict : nqPlain;
+    FillFormula(out,
+                [quoting](std::string& text, const TDSField& field) { field.AppendSQLExpr(text, quoting); });
 }
 
 std::string TResultField::GetSQLExpr() const {
-    const TQueryHost* const panel = GetQueryPanel();
-    const TNameQuoting quoting = panel && panel->GetStrict() ? nqStrict : nqPlain;
-    return FillFormula(
-        [quoting](std::string& text, const TDSField& field) { field.AppendSQLExpr(text, quoting); });
+    std::string text;
+    AppendSQLExpr(text);
+    return text;
 }
 
 std::string TResultField::GetExpression() const {
-    return FillFormula([](std::string& text, const TDSField& field) {
+    std::string expression;
+    FillFormula(expression, [](std::string& text, const TDSField& field) {
         text.append("{").append(field.GetDisplayName()) += '}';
     });
+    return expression;
 }
 
 std::string TResultField::GetSelectExpr() const {
-    std::string text = GetSQLExpr();
-    if (!alias_.empty())
-        text.append(" as ").append(GetSQLAlias());
+    std::string text;
+    AppendSelectExpr(text);
     return text;
+}
+
+void TResultField::AppendSelectExpr(std::string& out) const {
+    AppendSQLExpr(out);
+    if (!alias_.empty())
+        out.append(" as ").append(GetSQLAlias());
 }
 
 std::string TResultField::GetSQLAlias() const {

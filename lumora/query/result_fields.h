@@ -47,9 +47,11 @@ public:
 
     // The formula with the fields' SQL expressions, or with their captions in braces.
     std::string GetSQLExpr() const;
+    void AppendSQLExpr(std::string& out) const;
     std::string GetExpression() const;
     // The SQL expression and " as " and the alias, when there is one.
     std::string GetSelectExpr() const;
+    void AppendSelectExpr(std::string& out) const;
     std::string GetSQLAlias() const;
     std::string GetOrderName() const;
     // True when the SQL expression holds an aggregate function.
@@ -73,7 +75,7 @@ private:
     friend class TRFieldList;
 
     template <typename TAppendField>
-    std::string FillFormula(TAppendField appendField) const;
+    void FillFormula(std::string& text, TAppendField appendField) const;
     bool TakeWholeWords(int nameMode);
     void Changed() const;
 
