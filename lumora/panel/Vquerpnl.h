@@ -119,7 +119,7 @@ public:
 
     // --- SQL and words.
     // Builds the query; GetQResult().GetSQL() then gives the statement.
-    void BuildQuery();
+    void BuildQuery() override;
     // The query as the words on the screen.
     std::string GetQueryText();
     // The text with which value `value` of a condition stands in the statement.

@@ -56,7 +56,7 @@ void TVQueryPanel::DefineProperties(TFiler& filer) {
         "RFields",
         [this](const TFormValue& value) {
             // The model may not be known yet; Loaded takes them when it is.
-            result_.GetResultFields().Clear();
+            result_.GetResultFields().Forget();
             pendingRFields_ = value.ToStrings();
         },
         [this] {

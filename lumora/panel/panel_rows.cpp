@@ -66,7 +66,7 @@ void TVQueryPanel::ClearRows() {
 }
 
 void TVQueryPanel::ClearAll() {
-    result_.GetResultFields().Clear();
+    result_.GetResultFields().Forget();
     result_.ClearParams();
     ClearRows();
     modified_ = false;

@@ -52,7 +52,7 @@ void TVQueryPanel::SetDbStruct(TVCustomDBStructure* structure) {
         pendingRFields_.Clear();
         if (result_.GetResultFields().Count() > 0)
             result_.GetResultFields().SaveToStrings(pendingRFields_);
-        result_.GetResultFields().Clear();
+        result_.GetResultFields().Forget();
         result_.ClearParams();
         mainTable_ = nullptr;
         dbStruct_->RemoveListener(*this);
@@ -275,6 +275,7 @@ bool TVQueryPanel::EditTitles() {
 // --- Notices.
 
 void TVQueryPanel::QueryChanged() {
+    result_.QueryChanged();
     if (state_ != stIdle || updating_ || IsDestroying())
         return;
     modified_ = true;

@@ -34,6 +34,12 @@ TMessageId MessageOf(TQueryPanelErrorCode code) {
         return msgOtherJoin;
     case qpeCantSortDistinct:
         return msgCantSortDistinct;
+    case qpeInvalidIndex:
+        return msgInvalidIndex;
+    case qpeCantSortByTotal:
+        return msgCantSortByTotal;
+    case qpeEmptyLink:
+        return msgEmptyLink;
     case qpeNoTable:
         return msgNoTable;
     }
@@ -50,5 +56,11 @@ EVQueryPanelError::EVQueryPanelError(TQueryPanelErrorCode code,
                                      std::initializer_list<std::string_view> arguments, int line)
     : EVLumoraError(code,
                     FormatText(Message(MessageOf(code)), arguments) + "\r\nLine:" + std::to_string(line)) {}
+
+std::size_t CheckedIndex(int index, std::size_t count) {
+    if (index < 0 || static_cast<std::size_t>(index) >= count)
+        throw EVQueryPanelError(qpeInvalidIndex, {std::to_string(index)});
+    return static_cast<std::size_t>(index);
+}
 
 } // namespace lumora

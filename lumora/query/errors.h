@@ -23,7 +23,10 @@ enum TQueryPanelErrorCode : int {
     qpeCantBeKept = 12,
     qpeOtherJoin = 13,
     qpeNoTable = 14,
-    qpeCantSortDistinct = 15
+    qpeCantSortDistinct = 15,
+    qpeInvalidIndex = 16,
+    qpeCantSortByTotal = 17,
+    qpeEmptyLink = 18
 };
 
 class EVQueryPanelError : public EVLumoraError {
@@ -33,5 +36,8 @@ public:
     // With a line break, "Line:" and the line of the statement at the end of the message.
     EVQueryPanelError(TQueryPanelErrorCode code, std::initializer_list<std::string_view> arguments, int line);
 };
+
+// The index as a place in a list; EVQueryPanelError "Invalid index" when the list has no such place.
+std::size_t CheckedIndex(int index, std::size_t count);
 
 } // namespace lumora

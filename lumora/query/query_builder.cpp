@@ -20,12 +20,22 @@ TQueryBuilder::TQueryBuilder(TQueryHost& panel, const TVCustomDBStructure& struc
 
 void TQueryBuilder::Build(TDSTable* mainTable, const TFilterBracket* root) {
     statement_ = result_.BeginBuild();
+    try {
+        Collect(mainTable, root);
+    } catch (...) {
+        result_.FinishBuild(false);
+        throw;
+    }
+    result_.EndBuild(std::move(statement_));
+    result_.FinishBuild(true);
+}
+
+void TQueryBuilder::Collect(TDSTable* mainTable, const TFilterBracket* root) {
     if (mainTable)
         AddTable(mainTable);
     AddResultFields();
     if (root && root->GetEnabled())
         statement_.Select.Where = MakeBracket(*root);
-    result_.EndBuild(std::move(statement_));
     if (root && result_.GetResultTables().Empty())
         throw EVQueryPanelError(qpeNoEnoughInfo);
 }
@@ -57,9 +67,19 @@ void TQueryBuilder::AddTable(TDSTable* table) {
     const TDSPath& path = structure_.GetPath(*tables.GetItem(0).Table, *table);
     for (int i = 1; i < path.GetTableCount(); ++i) {
         TDSTable* const step = path.GetTable(i);
-        if (!HasTable(step))
-            tables.Add(step, path.GetTable(i - 1)->LinkByTable(step));
+        if (HasTable(step))
+            continue;
+        TDSLink* const link = path.GetTable(i - 1)->LinkByTable(step);
+        if (strict_)
+            CheckLink(*link);
+        tables.Add(step, link);
     }
+}
+
+// Without fields it would say "ON" and nothing, or join each record with each.
+void TQueryBuilder::CheckLink(const TDSLink& link) const {
+    if (link.Fields1.Empty())
+        throw EVQueryPanelError(qpeEmptyLink, {link.Table1->GetAlias(), link.Table2->GetAlias()});
 }
 
 void TQueryBuilder::AddTables(const TDSTableList& tables) {
@@ -95,9 +115,12 @@ void TQueryBuilder::AddSortItems(std::vector<const TResultField*>& sorted) {
     });
     TNodeList<TSortItem>& items = statement_.Select.OrderBy;
     for (const TResultField* const field : sorted) {
+        const bool constant = strict_ && IsNumberConstant(field->GetSQLExpr());
+        if (constant && result_.GetResultFields().JustSorting)
+            continue; // the same in every record, and a number there would be a position
         statement_.Text += items.Empty() ? "" : ", ";
         const std::size_t start = statement_.Text.size();
-        AppendSortItem(statement_.Text, *field);
+        AppendSortItem(statement_.Text, *field, constant);
         TSortItem* const item = statement_.Nodes.New<TSortItem>();
         item->Text = statement_.SpanFrom(start);
         items.Add(item);
@@ -112,25 +135,30 @@ void TQueryBuilder::CheckResultField(const TResultField& field) const {
     CheckSorting(field);
 }
 
-// Records that are shown whole and told apart can be sorted by their columns only: not every engine takes
-// more, and none could mean it.
+// Records that are shown whole can't be sorted by a total: it would group them. Those that are told apart can
+// be sorted by their columns only: not every engine takes more, and none could mean it.
 void TQueryBuilder::CheckSorting(const TResultField& field) const {
-    if (field.GetSorting() == stNoSort || !result_.GetResultFields().JustSorting ||
-        !panel_.GetSQLOptions().Contains(soSelectDistinct))
+    if (!result_.GetResultFields().JustSorting)
+        return;
+    const bool distinct = panel_.GetSQLOptions().Contains(soSelectDistinct);
+    if (field.GetAgregate() && !(distinct && field.GetSorting() != stNoSort))
+        throw EVQueryPanelError(qpeCantSortByTotal, {field.GetCaption()});
+    if (field.GetSorting() == stNoSort || !distinct)
         return;
     const TDSFieldList& fields = field.GetFields();
     if (fields.size() != 1 || fields.front()->GetKind() != vfkData || field.GetFormula() != "@1")
         throw EVQueryPanelError(qpeCantSortDistinct, {field.GetCaption()});
 }
 
-void TQueryBuilder::AppendSortItem(std::string& out, const TResultField& field) const {
+// By name, or by position: a `constant` would be taken for another one.
+void TQueryBuilder::AppendSortItem(std::string& out, const TResultField& field, bool constant) const {
     const bool justSorting = result_.GetResultFields().JustSorting;
-    const bool constant = field.GetFields().empty(); // its text might be taken for a position
-    const bool byName =
-        justSorting || (panel_.GetSQLOptions().Contains(soSortByNames) && !(strict_ && constant));
+    const bool fieldless = field.GetFields().empty();
+    const bool byName = justSorting || (panel_.GetSQLOptions().Contains(soSortByNames) &&
+                                        !(strict_ && fieldless) && !constant);
     if (!byName)
         out += std::to_string(field.GetNumber());
-    else if (constant || strict_) // strict: what the column shows, not only the first field in it
+    else if (fieldless || strict_) // strict: what the column shows, not only the first field in it
         field.AppendSQLExpr(out);
     else
         field.GetFields().front()->AppendSQLExpr(out, nqPlain);

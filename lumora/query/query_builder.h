@@ -20,15 +20,17 @@ public:
     void Build(TDSTable* mainTable, const TFilterBracket* root);
 
 private:
+    void Collect(TDSTable* mainTable, const TFilterBracket* root);
     void AddTable(TDSTable* table);
     void AddTables(const TDSTableList& tables);
     bool HasTable(TDSTable* table) const;
     void AddResultFields();
     void CheckResultField(const TResultField& field) const;
     void CheckSorting(const TResultField& field) const;
+    void CheckLink(const TDSLink& link) const;
     void CheckRecognized(const TSimpleCond& condition) const;
     void AddSortItems(std::vector<const TResultField*>& sorted);
-    void AppendSortItem(std::string& out, const TResultField& field) const;
+    void AppendSortItem(std::string& out, const TResultField& field, bool constant) const;
     void AddGroupBy();
     TPredicate* MakeBracket(const TFilterBracket& bracket);
     TPredicate* MakeLeaf(TFilterCond& condition);

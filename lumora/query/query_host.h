@@ -29,7 +29,9 @@ public:
     // A query text is being read: rows stay as the text has them.
     virtual bool IsLoadingQuery() const = 0;
 
-    // The query is another one now.
+    // Builds the query; the result then holds what the statement is made of.
+    virtual void BuildQuery() = 0;
+    // The query is another one now. Tells the result so, whoever else is not to hear of it.
     virtual void QueryChanged() = 0;
     virtual void ParametersListChanged() = 0;
     virtual void BeginUpdate() = 0;

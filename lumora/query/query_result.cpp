@@ -44,6 +44,7 @@ void TQueryResult::ClearBuild() {
     conditions_.Clear();
     statement_.Clear();
     built_ = {};
+    wasBuilt_ = stale_ = false;
 }
 
 namespace {
@@ -62,6 +63,9 @@ TTextSpan WholeClause(const TNodeList<TItem>& items) {
 // Handed out whole, so that nothing that the host asks for in the middle can disturb it.
 TStatement TQueryResult::BeginBuild() {
     ClearBuild();
+    wasBuilt_ = building_ = true;
+    builtVersion_ = resultFields_.GetVersion();
+    builtJustSorting_ = resultFields_.JustSorting;
     return std::exchange(statement_, TStatement());
 }
 
@@ -71,6 +75,12 @@ void TQueryResult::EndBuild(TStatement statement) {
     built_ = {select, statement_.Mark(), WholeClause(select.GroupBy), WholeClause(select.OrderBy)};
     GroupBy = statement_.View(built_.GroupBy);
     OrderBy = statement_.View(built_.OrderBy);
+}
+
+// What a failed build has left is no statement: whoever asks for one has it built again.
+void TQueryResult::FinishBuild(bool succeeded) {
+    building_ = false;
+    stale_ = stale_ || !succeeded;
 }
 
 // --- The statement.
@@ -92,7 +102,15 @@ const TStringList& TQueryResult::GetSQL() {
     return sql_;
 }
 
+void TQueryResult::BuildAgainWhenStale() {
+    const bool changed = stale_ || builtVersion_ != resultFields_.GetVersion() ||
+                         builtJustSorting_ != resultFields_.JustSorting;
+    if (wasBuilt_ && changed && !building_)
+        panel_.BuildQuery();
+}
+
 const TStatement& TQueryResult::GetStatement() {
+    BuildAgainWhenStale();
     BeginClauses();
     AddColumns();
     AddTables();
@@ -107,8 +125,8 @@ void TQueryResult::BeginClauses() {
 }
 
 void TQueryResult::AddColumns() {
-    if (sqlOptions_.Contains(soASCIIRFields))
-        ReplaceForeignAliases();
+    for (int i = 0; i < resultFields_.Count() && sqlOptions_.Contains(soASCIIRFields); ++i)
+        resultFields_.GetRField(i)->ReplaceForeignAlias();
     TSelect& select = statement_.Select;
     select.Distinct = sqlOptions_.Contains(soSelectDistinct);
     for (int i = 0; i < resultFields_.Count() && !resultFields_.JustSorting; ++i) {
@@ -164,16 +182,6 @@ std::string TQueryResult::GetSelectClause() {
     return line;
 }
 
-void TQueryResult::ReplaceForeignAliases() {
-    for (int i = 0; i < resultFields_.Count(); ++i) {
-        TResultField& field = *resultFields_.GetRField(i);
-        const std::string& alias = field.GetAlias();
-        if (std::any_of(alias.begin(), alias.end(),
-                        [](char c) { return static_cast<unsigned char>(c) >= 128; }))
-            field.SetAlias("C" + std::to_string(i + 1));
-    }
-}
-
 const TStringList& TQueryResult::GetFromClause() {
     BeginClauses();
     AddTables();
@@ -210,15 +218,24 @@ std::string TQueryResult::AdjustCondition(std::string_view text) const {
 
 // --- Parameters.
 
+namespace {
+
+std::string DefaultCaption(const TSQLParam& param) {
+    return param.GetCondition().GetValueName(param.GetValueIndex()) + " param";
+}
+
+} // namespace
+
 TSQLParam* TQueryResult::AddParameter(TFilterCond& condition, int valueIndex) {
     TSQLParam* const other = FindParameterByCondition(&condition, valueIndex == 1 ? 2 : 1);
     TSQLParam* const param = params_.Add(std::make_unique<TSQLParam>(condition, valueIndex));
     param->Name = "Param" + std::to_string(params_.Count() + ParamNumberBase);
-    const std::string caption = condition.GetValueName(valueIndex) + " param";
-    param->Caption = caption;
+    param->Caption = DefaultCaption(*param);
     if (other) {
-        param->Caption = caption + (valueIndex == 1 ? " 1" : " 2");
-        other->Caption = caption + (valueIndex == 1 ? " 2" : " 1");
+        // Two of one condition are told apart; a caption that the host has given stays.
+        if (other->Caption == DefaultCaption(*other))
+            other->Caption += other->GetValueIndex() == 1 ? " 1" : " 2";
+        param->Caption += valueIndex == 1 ? " 1" : " 2";
     }
     panel_.ParametersListChanged();
     return param;

@@ -39,7 +39,8 @@ public:
     void DbStructChanged(TVCustomDBStructure* structure);
 
     // --- The statement, from what the build step has put together or the host has put into the lists.
-    // The whole statement, one clause part a line. EVQueryPanelError when no query was built.
+    // The whole statement, one clause part a line. A query that has changed since it was built is built
+    // again, and what building raises comes through. EVQueryPanelError when no query was built.
     const TStringList& GetSQL();
     // The same as a tree, which holds until the next call of these operations.
     const TStatement& GetStatement();
@@ -57,12 +58,16 @@ public:
 
     std::string OrderBy; // the items of the clause; empty: none
     std::string GroupBy;
-    // Forgets what an earlier build has put together.
+    // Forgets what an earlier build has put together. What is then put into the lists by hand stays.
     void ClearBuild();
+    // What was built is no longer what the query says.
+    void QueryChanged() { stale_ = true; }
     // The build step makes conditions, group and sort items in the statement that BeginBuild hands out;
     // EndBuild takes it back and makes the texts of the two clauses.
+    // FinishBuild says whether it came so far.
     TStatement BeginBuild();
     void EndBuild(TStatement statement);
+    void FinishBuild(bool succeeded);
 
     // --- Parameters. Each change tells the panel.
     int GetParamCount() const { return params_.Count(); }
@@ -78,11 +83,11 @@ public:
 private:
     bool Strict() const { return panel_.GetStrict(); }
     TSQLPrinter Printer() const;
+    void BuildAgainWhenStale();
     void BeginClauses();
     void AddColumns();
     void AddTables();
     void AddGroupsAndSorting();
-    void ReplaceForeignAliases();
 
     TQueryHost& panel_;
     TRFieldList resultFields_;
@@ -103,6 +108,11 @@ private:
     TSQLOptions sqlOptions_ = DefaultSQLOptions;
     TSQLSyntax sqlSyntax_ = ssSQL2;
     bool usesSQL1Joins_ = false;
+    bool wasBuilt_ = false; // by the build step, whether or not it failed
+    bool building_ = false;
+    bool stale_ = false;
+    unsigned builtVersion_ = 0; // of the result fields
+    bool builtJustSorting_ = false;
 };
 
 } // namespace lumora

@@ -146,4 +146,17 @@ bool CallsAggregate(std::string_view expression) {
     return false;
 }
 
+bool IsNumberConstant(std::string_view expression) {
+    int numbers = 0;
+    for (TVScanner scanner(expression); !scanner.AtEnd(); scanner.Next()) {
+        const TToken& token = scanner.Token();
+        const bool isSign =
+            token.IsSymbol('(') || token.IsSymbol(')') || token.IsSymbol('+') || token.IsSymbol('-');
+        if (token.Kind != tkNumber && !isSign)
+            return false;
+        numbers += token.Kind == tkNumber ? 1 : 0;
+    }
+    return numbers == 1;
+}
+
 } // namespace lumora

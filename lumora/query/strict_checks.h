@@ -25,6 +25,8 @@ void CheckExpression(std::string_view text, std::string_view caption);
 void CheckSubQuery(std::string_view text, std::string_view caption);
 // Whether an expression calls an aggregate function; what stands in quotes is none.
 bool CallsAggregate(std::string_view expression);
+// Whether an expression is one number, perhaps with signs and brackets: in ORDER BY it would be a position.
+bool IsNumberConstant(std::string_view expression);
 [[noreturn]] void RaiseInvalidValue(std::string_view text, std::string_view caption);
 
 } // namespace lumora

@@ -63,6 +63,9 @@ enum TMessageId : int {
     msgNoDataSet,
     msgDataSetNotOpened,
     msgCantSortDistinct,
+    msgInvalidIndex,
+    msgCantSortByTotal,
+    msgEmptyLink,
     // On screen.
     msgYes,
     msgNo,
