@@ -60,8 +60,10 @@ void TDSField::AppendSQLExpr(std::string& out, TNameQuoting quoting) const {
         out += text_;
         return;
     }
-    if (const TDSTable* const table = GetTable(); table && !table->GetAlias().empty())
-        (out += table->GetAlias()) += '.';
+    if (const TDSTable* const table = GetTable(); table && !table->GetAlias().empty()) {
+        table->AppendAlias(out, quoting);
+        out += '.';
+    }
     if (quoted_)
         structure_.GetSQLFormats().Quotes().Append(out, text_, quoting);
     else

@@ -65,6 +65,9 @@ public:
     void SetSQLOptions(TSQLOptions options);
     TSQLSyntax GetSQLSyntax() const override { return sqlSyntax_; }
     void SetSQLSyntax(TSQLSyntax syntax);
+    // The engine that the statement is for; the standard: as the model and the syntax say.
+    TSQLDialect GetDialect() const override { return dialect_; }
+    void SetDialect(TSQLDialect dialect);
     // The statement keeps its shape and means what the rows say, or building it is refused.
     bool GetStrict() const override { return strict_; }
     void SetStrict(bool strict);
@@ -343,6 +346,7 @@ private:
     TSQLOptions sqlOptions_ = DefaultSQLOptions;
     TSQLSyntax sqlSyntax_ = ssSQL2;
     bool saveSQLOptions_ = false;
+    TSQLDialect dialect_ = sdStandard;
     bool strict_ = false;
     double version_ = CurrentQueryVersion;
     int subQueryLevel_ = 0; // how many panels around this one read the same statement

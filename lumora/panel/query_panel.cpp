@@ -147,6 +147,13 @@ void TVQueryPanel::SetSQLSyntax(TSQLSyntax syntax) {
         SQLOptionsChanged();
 }
 
+void TVQueryPanel::SetDialect(TSQLDialect dialect) {
+    if (dialect == dialect_)
+        return;
+    dialect_ = dialect;
+    SQLOptionsChanged();
+}
+
 void TVQueryPanel::SetStrict(bool strict) {
     if (strict == strict_)
         return;
@@ -230,15 +237,19 @@ void TVQueryPanel::BuildQuery() {
 std::string TVQueryPanel::ExtractValue(const TFilterCond& condition, int value) const {
     CheckIfDBStructAssigned();
     std::string text;
-    TValueWriter(*dbStruct_, sqlSyntax_, strict_).Append(text, condition, value, false);
+    const TDialect& dialect = EffectiveDialect(dialect_, sqlSyntax_, strict_);
+    TValueWriter(*dbStruct_, dialect, strict_).Append(text, condition, value, false);
     return text;
 }
 
 std::string TVQueryPanel::ProcessDateValue(TFieldType type, std::string_view text, bool toSQL) const {
     CheckIfDBStructAssigned();
     const TSQLFormats& formats = dbStruct_->GetSQLFormats();
-    return toSQL ? DateValueToSQL(formats, type, text, sqlSyntax_, strict_)
-                 : DateValueFromSQL(formats, type, text);
+    if (!toSQL)
+        return DateValueFromSQL(formats, type, text);
+    std::string value;
+    AppendDateValue(value, formats, type, text, EffectiveDialect(dialect_, sqlSyntax_, strict_));
+    return value;
 }
 
 std::string TVQueryPanel::GetQueryText() {

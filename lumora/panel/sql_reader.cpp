@@ -447,6 +447,7 @@ void TVQueryPanel::ProcessSubQuery(std::string_view sql, TStringList& lines) {
     auxiliary->SetSQLOptions(sqlOptions_);
     auxiliary->SetSQLSyntax(sqlSyntax_);
     auxiliary->SetStrict(strict_);
+    auxiliary->SetDialect(dialect_);
     auxiliary->SetSaveTitles(saveTitles_);
     auxiliary->ParseSQL(TStringList(sql));
     auxiliary->SaveToStrings(lines);

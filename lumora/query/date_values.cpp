@@ -3,6 +3,7 @@
 #include "lumora/platform/ascii.h"
 #include "lumora/platform/errors.h"
 #include "lumora/platform/formats.h"
+#include "lumora/statement/dialects/dialect.h"
 
 namespace lumora {
 
@@ -21,12 +22,6 @@ constexpr TOracleForm OracleForms[] = {{"dd-mm-yyyy", "dd-mm-yyyy"},
 const TFormatSettings& IsoSettings() {
     static const TFormatSettings settings;
     return settings;
-}
-
-std::string OracleLiteral(TFieldType type, TDateTime value) {
-    const TOracleForm& form = OracleForms[type == ftDate ? 0 : type == ftTime ? 1 : 2];
-    return "TO_DATE('" + FormatDateTime(form.Mask, value, IsoSettings()) + "', '" +
-           std::string(form.OracleMask) + "')";
 }
 
 // The date of TO_DATE('05-03-2001', 'dd-mm-yyyy'), with single or double quotes.
@@ -50,14 +45,24 @@ std::optional<TDateTime> ParseOracleLiteral(std::string_view text) {
 
 } // namespace
 
+void AppendDateValue(std::string& out, const TSQLFormats& formats, TFieldType type, std::string_view text,
+                     const TDialect& dialect) {
+    const TDateForm& form = DateFormOf(dialect, type);
+    const TDateTime value = StrToDateTime(text);
+    out += form.Before;
+    const std::string date = form.Mask.empty() ? FormatDateTime(formats.MaskFor(type), value)
+                                               : FormatDateTime(form.Mask, value, IsoSettings());
+    constexpr std::string_view noFraction = ".000";
+    const bool whole = form.Mask.ends_with(".zzz") && date.ends_with(noFraction);
+    out.append(date, 0, date.size() - (whole ? noFraction.size() : 0));
+    out += form.After;
+}
+
 std::string DateValueToSQL(const TSQLFormats& formats, TFieldType type, std::string_view text,
                            TSQLSyntax syntax, bool strict) {
-    const TDateTime value = StrToDateTime(text);
-    if (syntax != ssOracle)
-        return FormatDateTime(formats.MaskFor(type), value);
-    if (strict)
-        return OracleLiteral(type, value);
-    return "TO_DATE(\"" + FormatDateTime("dd-mm-yyyy", value) + "\", \"dd-mm-yyyy\")";
+    std::string date;
+    AppendDateValue(date, formats, type, text, EffectiveDialect(sdStandard, syntax, strict));
+    return date;
 }
 
 std::optional<std::string> TryDateValueFromSQL(const TSQLFormats& formats, TFieldType type,

@@ -13,9 +13,12 @@ namespace lumora {
 TQueryBuilder::TQueryBuilder(TQueryHost& panel, const TVCustomDBStructure& structure)
     : panel_(panel),
       result_(panel.GetQResult()),
-      values_(structure, panel.GetSQLSyntax(), panel.GetStrict()),
       structure_(structure),
       strict_(panel.GetStrict()),
+      dialect_(EffectiveDialect(panel.GetDialect(), panel.GetSQLSyntax(), strict_)),
+      quoting_(QuotingOf(dialect_, strict_)),
+      exact_(strict_ || dialect_.Exact),
+      values_(structure, dialect_, strict_),
       bracketConditions_(panel.GetSQLOptions().Contains(soBracketConditions)) {}
 
 void TQueryBuilder::Build(TDSTable* mainTable, const TFilterBracket* root) {
@@ -131,7 +134,7 @@ void TQueryBuilder::CheckResultField(const TResultField& field) const {
     for (const TDSField* const entry : field.GetFields())
         if (entry == structure_.GetUnrecognizedField())
             throw EVQueryPanelError(qpeUnrecognizedField, {field.GetCaption()});
-    CheckExpression(field.GetSQLExpr(), field.GetCaption());
+    CheckExpression(field.GetSQLExpr(), field.GetCaption(), dialect_);
     CheckSorting(field);
 }
 
@@ -161,7 +164,7 @@ void TQueryBuilder::AppendSortItem(std::string& out, const TResultField& field, 
     else if (fieldless || strict_) // strict: what the column shows, not only the first field in it
         field.AppendSQLExpr(out);
     else
-        field.GetFields().front()->AppendSQLExpr(out, nqPlain);
+        field.GetFields().front()->AppendSQLExpr(out, quoting_);
     out += field.GetSorting() == stAscending ? " ASC" : " DESC";
 }
 
@@ -173,7 +176,7 @@ void TQueryBuilder::AddGroupBy() {
         if (field.GetAgregate())
             continue;
         for (const TDSField* const entry : field.GetFields()) {
-            const std::string text = entry->GetGroupByFields(strict_ ? nqStrict : nqPlain);
+            const std::string text = entry->GetGroupByFields(quoting_);
             if (text.empty())
                 continue;
             statement_.Text += items.Empty() ? "" : ", ";
@@ -241,7 +244,7 @@ void TQueryBuilder::CheckRecognized(const TSimpleCond& condition) const {
 
 void TQueryBuilder::FillTemplate(TPredicate& leaf, TFilterCond& condition) {
     TPlanRequest request;
-    request.Strict = strict_;
+    request.Strict = exact_;
     request.HasField =
         condition.GetRowType() == frtSimpleCondition && static_cast<TSimpleCond&>(condition).GetField();
     request.HasTable = !condition.GetTables().empty();
@@ -263,14 +266,17 @@ void TQueryBuilder::FillTemplate(TPredicate& leaf, TFilterCond& condition) {
 
 void TQueryBuilder::AppendPieces(std::string& out, const std::vector<TTemplatePiece>& pieces,
                                  TFilterCond& condition) {
-    for (const TTemplatePiece& piece : pieces) {
-        const std::size_t start = out.size();
+    bool quoteTaken = false; // the one that the next piece begins with
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        const TTemplatePiece& piece = pieces[i];
+        std::size_t start = out.size();
         switch (piece.Kind) {
         case tpLiteral:
-            out += piece.Text;
+            out.append(piece.Text, quoteTaken ? 1 : 0);
+            quoteTaken = false;
             break;
         case tpField:
-            static_cast<TSimpleCond&>(condition).GetField()->AppendSQLExpr(out, strict_ ? nqStrict : nqPlain);
+            static_cast<TSimpleCond&>(condition).GetField()->AppendSQLExpr(out, quoting_);
             break;
         case tpTable:
             out += condition.GetTables().front()->GetName();
@@ -279,15 +285,18 @@ void TQueryBuilder::AppendPieces(std::string& out, const std::vector<TTemplatePi
             out += result_.GetResultTables().GetItem(0).Table->GetName();
             break;
         case tpValue:
-            values_.Append(out, condition, piece.Value, strict_ && !piece.InLiteral);
+            if (piece.InLiteral && values_.NeedsOwnLiteral(condition, piece.Value)) {
+                TakeQuotes(out, i + 1 < pieces.size() ? &pieces[i + 1] : nullptr, condition, piece.Value);
+                start = out.size();
+                quoteTaken = true;
+            }
+            values_.Append(out, condition, piece.Value, quoteTaken || (exact_ && !piece.InLiteral));
             break;
         case tpParamName:
             AppendParamName(out, *condition.GetParam(piece.Value));
             break;
         case tpParamPattern:
-            out += '\'';
-            AppendDoubled(out, condition.GetParam(piece.Value)->ValueFormat, '\'');
-            out += '\'';
+            AppendTextLiteral(out, dialect_, condition.GetParam(piece.Value)->ValueFormat);
             break;
         }
         if (piece.Kind == tpValue || piece.Kind == tpParamName)
@@ -296,6 +305,20 @@ void TQueryBuilder::AppendPieces(std::string& out, const std::vector<TTemplatePi
                                    piece.Value,
                                    piece.Kind == tpParamName});
     }
+}
+
+// Takes the quote before a value away, for the value brings its own literal; the one behind it is to be left
+// out. Refused where other text stands in the same quotes.
+void TQueryBuilder::TakeQuotes(std::string& out, const TTemplatePiece* next, const TFilterCond& condition,
+                               int value) const {
+    const std::size_t size = out.size();
+    const char before = size > 1 ? out[size - 2] : ' ';
+    const bool opens = size > 0 && out[size - 1] == '\'' && before != '\'' && !IsParamName({&before, 1});
+    const bool closes = next && next->Kind == tpLiteral && next->Text[0] == '\'' &&
+                        (next->Text.size() == 1 || next->Text[1] != '\'');
+    if (!opens || !closes)
+        RaiseInvalidValue(condition.GetValue(value), condition.GetCaptionText());
+    out.pop_back();
 }
 
 // The pattern is what stood around the parameter's place, without its quotes.

@@ -38,13 +38,18 @@ private:
     void FillTemplate(TPredicate& leaf, TFilterCond& condition);
     void AppendPieces(std::string& out, const std::vector<TTemplatePiece>& pieces, TFilterCond& condition);
     void RefreshPatterns(const TTemplatePlan& plan, TFilterCond& condition);
+    void TakeQuotes(std::string& out, const TTemplatePiece* next, const TFilterCond& condition,
+                    int value) const;
     void AppendParamName(std::string& out, const TSQLParam& param) const;
 
     TQueryHost& panel_;
     TQueryResult& result_;
-    TValueWriter values_;
     const TVCustomDBStructure& structure_;
     const bool strict_;
+    const TDialect& dialect_;
+    const TNameQuoting quoting_;
+    const bool exact_; // placeholders outside quotes are replaced alone
+    TValueWriter values_;
     const bool bracketConditions_;
     std::vector<const TDSTable*> added_; // tables that were asked for before, ascending
     const TDSTable* lastAdded_ = nullptr;

@@ -23,6 +23,7 @@ public:
     virtual TQueryResult& GetQResult() = 0;
     virtual TSQLOptions GetSQLOptions() const = 0;
     virtual TSQLSyntax GetSQLSyntax() const = 0;
+    virtual TSQLDialect GetDialect() const = 0;
     virtual bool GetStrict() const = 0;
     // An empty bracket is removed with its last row.
     virtual bool RemovesEmptyBrackets() const = 0;

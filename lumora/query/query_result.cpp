@@ -2,6 +2,7 @@
 
 #include "lumora/query/errors.h"
 #include "lumora/query/filter_rows.h"
+#include "lumora/statement/dialects/dialect.h"
 #include "lumora/statement/sql_printer.h"
 
 #include <algorithm>
@@ -89,7 +90,9 @@ TSQLPrinter TQueryResult::Printer() const {
     const TSQLOptions options = panel_.GetSQLOptions();
     TPrintOptions form;
     form.Syntax = sqlSyntax_;
-    form.Quoting = Strict() ? nqStrict : nqPlain;
+    const TDialect& dialect = EffectiveDialect(panel_.GetDialect(), sqlSyntax_, panel_.GetStrict());
+    form.Quoting = QuotingOf(dialect, panel_.GetStrict());
+    form.Limit = dialect.Limit;
     form.BracketJoins = options.Contains(soBracketJoins);
     form.BracketConditions = options.Contains(soBracketConditions);
     return {statement_, form};

@@ -81,7 +81,6 @@ public:
     int ParamNumberBase = 0; // new parameters are numbered on from here
 
 private:
-    bool Strict() const { return panel_.GetStrict(); }
     TSQLPrinter Printer() const;
     void BuildAgainWhenStale();
     void BeginClauses();

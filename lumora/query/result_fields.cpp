@@ -18,6 +18,19 @@ std::string Placeholder(int number) {
     return "@" + std::to_string(number);
 }
 
+bool IsStrict(const TQueryHost* panel) {
+    return panel && panel->GetStrict();
+}
+
+const TDialect& DialectOf(const TQueryHost* panel) {
+    return panel ? EffectiveDialect(panel->GetDialect(), panel->GetSQLSyntax(), panel->GetStrict())
+                 : StandardDialect;
+}
+
+TNameQuoting QuotingFor(const TQueryHost* panel) {
+    return QuotingOf(DialectOf(panel), IsStrict(panel));
+}
+
 std::string LowerOutsideLiterals(std::string_view sql) {
     std::string text(sql);
     bool inLiteral = false;
@@ -100,8 +113,7 @@ void TResultField::FillFormula(std::string& text, TAppendField appendField) cons
 }
 
 void TResultField::AppendSQLExpr(std::string& out) const {
-    const TQueryHost* const panel = GetQueryPanel();
-    const TNameQuoting quoting = panel && panel->GetStrict() ? nqStrict : nqPlain;
+    const TNameQuoting quoting = QuotingFor(GetQueryPanel());
     FillFormula(out,
                 [quoting](std::string& text, const TDSField& field) { field.AppendSQLExpr(text, quoting); });
 }
@@ -133,13 +145,12 @@ void TResultField::AppendSelectExpr(std::string& out) const {
 }
 
 std::string TResultField::GetSQLAlias() const {
-    const TQueryHost* const panel = GetQueryPanel();
-    const bool strict = panel && panel->GetStrict();
+    const bool strict = IsStrict(GetQueryPanel());
     if (!owner_.QuoteAliases && !(strict && !IsPlainName(alias_)))
         return alias_;
     const TQuoteSymbols quotes = GetDBStruct() ? GetDBStruct()->GetSQLFormats().Quotes() : TQuoteSymbols();
     std::string text;
-    quotes.Append(text, alias_, strict ? nqStrict : nqPlain);
+    quotes.Append(text, alias_, QuotingFor(GetQueryPanel()));
     return text;
 }
 
@@ -149,8 +160,8 @@ std::string TResultField::GetOrderName() const {
 
 bool TResultField::GetAgregate() const {
     const std::string sql = LowerAscii(GetSQLExpr());
-    if (const TQueryHost* const panel = GetQueryPanel(); panel && panel->GetStrict())
-        return CallsAggregate(sql);
+    if (const TQueryHost* const panel = GetQueryPanel(); IsStrict(panel))
+        return CallsAggregate(sql, DialectOf(panel));
     for (const char* const function : {"sum(", "count(", "max(", "min(", "avg("})
         if (sql.find(function) != std::string::npos)
             return true;
@@ -183,8 +194,7 @@ void TResultField::ProcessExpression(std::string_view expression) {
 
 void TResultField::ProcessSQLExpr(std::string_view sql) {
     ++owner_.version_;
-    const TQueryHost* const panel = GetQueryPanel();
-    formula_.SetText(panel && panel->GetStrict() ? LowerOutsideLiterals(sql) : LowerAscii(sql));
+    formula_.SetText(IsStrict(GetQueryPanel()) ? LowerOutsideLiterals(sql) : LowerAscii(sql));
     TVCustomDBStructure* const structure = GetDBStruct();
     if (!structure)
         return;

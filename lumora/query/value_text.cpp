@@ -1,7 +1,10 @@
 #include "lumora/query/value_text.h"
 
+#include "lumora/model/structure.h"
+#include "lumora/platform/convert.h"
 #include "lumora/platform/formats.h"
 #include "lumora/query/date_values.h"
+#include "lumora/query/filter_rows.h"
 #include "lumora/query/strict_checks.h"
 #include "lumora/support/string_helpers.h"
 
@@ -90,13 +93,27 @@ bool TValueWriter::IsQuoted(TFieldType type) const {
     return structure_.GetQuotedTypes().Contains(type) || (strict_ && !IsCheckedType(type));
 }
 
+bool TValueWriter::HasLiteral(TFieldType type) const {
+    return type == ftBoolean ? !dialect_.True.empty()
+                             : IsDateOrTime(type) && DateFormOf(dialect_, type).IsLiteral;
+}
+
+// Quotes of the template around a list or a sub-query would end where a strict query has quotes inside.
 TValueEntry TValueWriter::EntryOf(const TFilterCond& condition, int value) const {
     if (condition.GetValueIsParam(value))
         return veParameter;
-    if (condition.GetValueKind(value) == vkSubQuery)
+    const TValueKind kind = condition.GetValueKind(value);
+    if (strict_ && kind != vkScalar)
+        return veStretch;
+    if (kind == vkSubQuery)
         return veBare;
     const TFieldType type = condition.GetValueType(value);
-    return IsQuoted(type) && !IsOracleLiteral(type) ? veBare : veStretch;
+    return IsQuoted(type) && !HasLiteral(type) ? veBare : veStretch;
+}
+
+bool TValueWriter::NeedsOwnLiteral(const TFilterCond& condition, int value) const {
+    return NeedsHexText(dialect_, condition.GetValue(value)) && condition.GetValueKind(value) != vkSubQuery &&
+           !IsDateOrTime(condition.GetValueType(value));
 }
 
 void TValueWriter::Append(std::string& out, const TFilterCond& condition, int value, bool quotes) const {
@@ -105,7 +122,7 @@ void TValueWriter::Append(std::string& out, const TFilterCond& condition, int va
     switch (condition.GetValueKind(value)) {
     case vkSubQuery:
         if (strict_)
-            CheckSubQuery(text, condition.GetCaptionText());
+            CheckSubQuery(text, condition.GetCaptionText(), dialect_);
         out += text.empty() ? EmptyValue(type) : std::string_view(text);
         break;
     case vkList:
@@ -124,21 +141,27 @@ void TValueWriter::AppendItem(std::string& out, const TFilterCond& condition, TF
         text = Trim(text);
         CheckValue(condition, type, text);
     }
-    if (text.empty()) {
+    if (text.empty())
         text = EmptyValue(type);
-    } else if (IsDateOrTime(type)) {
-        const std::string date = DateValueToSQL(structure_.GetSQLFormats(), type, text, syntax_, strict_);
-        if (strict_ && !MeansTheSame(structure_.GetSQLFormats(), type, text, date))
-            RaiseInvalidValue(text, condition.GetCaptionText()); // the format would drop a part of it
-        if (IsOracleLiteral(type))
-            out += date;
-        else
-            out.append(quotes ? "'" : "").append(date).append(quotes ? "'" : "");
-        return;
-    }
+    else if (IsDateOrTime(type))
+        return AppendDate(out, condition, type, text, quotes);
+    if (type == ftBoolean && HasLiteral(type) && IsValidValue(type, text))
+        out += text == "1" || SameText(text, "true") ? dialect_.True : dialect_.False;
+    else if (quotes || HasLiteral(type))
+        AppendTextLiteral(out, dialect_, text);
+    else
+        AppendDoubled(out, text, '\'');
+}
+
+void TValueWriter::AppendDate(std::string& out, const TFilterCond& condition, TFieldType type,
+                              std::string_view text, bool quotes) const {
+    quotes = quotes && !HasLiteral(type);
     if (quotes)
         out += '\'';
-    AppendDoubled(out, text, '\'');
+    const std::size_t start = out.size();
+    AppendDateValue(out, structure_.GetSQLFormats(), type, text, dialect_);
+    if (strict_ && !MeansTheSame(structure_.GetSQLFormats(), type, text, std::string_view(out).substr(start)))
+        RaiseInvalidValue(text, condition.GetCaptionText()); // the format would drop a part of it
     if (quotes)
         out += '\'';
 }

@@ -3,6 +3,7 @@
 #include "lumora/model/links.h"
 #include "lumora/model/tables.h"
 #include "lumora/platform/string_list.h"
+#include "lumora/statement/dialects/dialect.h"
 
 namespace lumora {
 
@@ -59,6 +60,8 @@ void TSQLPrinter::Print(TStringList& lines, const TStringList& where) const {
         AppendItems(lines.Tail(), select_.OrderBy);
         lines.EndLine();
     }
+    if (select_.Limit > 0)
+        lines.Add(FillPattern(options_.Limit, {std::to_string(select_.Limit)}));
 }
 
 template <typename TItem>

@@ -5,6 +5,7 @@
 #include "lumora/statement/select.h"
 
 #include <string>
+#include <string_view>
 
 namespace lumora {
 
@@ -14,6 +15,7 @@ struct TPrintOptions {
     TSQLSyntax Syntax = ssSQL2; // where joins are written
     TNameQuoting Quoting = nqPlain;
     bool BracketJoins = false;
+    std::string_view Limit;         // the line that gives the first "@1" rows
     bool BracketConditions = false; // link conditions in WHERE; a leaf knows for itself
 };
 
