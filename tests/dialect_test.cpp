@@ -182,9 +182,10 @@ TEST(Statement, KnowsTheTablesAndValuesOfALeaf) {
     const TPredicate& leaf = *statement.Select.Where->Members.First;
     EXPECT_EQ(statement.View(leaf.Text), "orders.amount between 1.5 and :Param1");
     EXPECT_EQ(leaf.Tables->front()->GetName(), "orders");
-    ASSERT_EQ(leaf.ValueCount, 2U);
-    EXPECT_EQ(statement.View(leaf.Values[0].Text), "1.5");
-    EXPECT_EQ(leaf.Values[0].Type, ftFloat);
-    EXPECT_EQ(statement.View(leaf.Values[1].Text), ":Param1");
-    EXPECT_TRUE(leaf.Values[1].IsParam);
+    const TLeafValue& least = *leaf.Values.First;
+    EXPECT_EQ(statement.View(least.Text), "1.5");
+    EXPECT_EQ(least.Type, ftFloat);
+    ASSERT_EQ(least.Next, leaf.Values.Last);
+    EXPECT_EQ(statement.View(least.Next->Text), ":Param1");
+    EXPECT_TRUE(least.Next->IsParam);
 }

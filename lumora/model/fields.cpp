@@ -61,7 +61,10 @@ void TDSField::AppendSQLExpr(std::string& out, TNameQuoting quoting) const {
         return;
     }
     if (const TDSTable* const table = GetTable(); table && !table->GetAlias().empty()) {
-        table->AppendAlias(out, quoting);
+        if (quoting.Taken)
+            table->AppendAlias(out, quoting);
+        else
+            out += table->GetAlias();
         out += '.';
     }
     if (quoted_)

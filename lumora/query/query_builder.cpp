@@ -5,6 +5,8 @@
 #include "lumora/support/string_helpers.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <utility>
 
@@ -23,6 +25,8 @@ TQueryBuilder::TQueryBuilder(TQueryHost& panel, const TVCustomDBStructure& struc
 
 void TQueryBuilder::Build(TDSTable* mainTable, const TFilterBracket* root) {
     statement_ = result_.BeginBuild();
+    hostWantsText_ = panel_.WantsConditionText();
+    added_.reserve(std::size(recent_));
     try {
         Collect(mainTable, root);
     } catch (...) {
@@ -53,9 +57,11 @@ bool TQueryBuilder::HasTable(TDSTable* table) const {
 }
 
 void TQueryBuilder::AddTable(TDSTable* table) {
-    if (table == lastAdded_)
+    const TDSTable*& recent =
+        recent_[(reinterpret_cast<std::uintptr_t>(table) / alignof(std::max_align_t)) % std::size(recent_)];
+    if (recent == table)
         return;
-    lastAdded_ = table;
+    recent = table;
     const auto place = std::lower_bound(added_.begin(), added_.end(), table, std::less<>());
     if (place != added_.end() && *place == table)
         return;
@@ -221,7 +227,7 @@ TPredicate* TQueryBuilder::MakeLeaf(TFilterCond& condition) {
     // A strict query holds an "or" of the template together, whatever stands around it.
     leaf->Parenthesized = bracketConditions_ || (strict_ && pattern->HasOuterOr());
     FillTemplate(*leaf, condition);
-    if (panel_.WantsConditionText())
+    if (hostWantsText_)
         LetHostChange(*leaf, condition);
     return leaf;
 }
@@ -231,8 +237,7 @@ void TQueryBuilder::LetHostChange(TPredicate& leaf, TFilterCond& condition) {
     std::string text(statement_.View(leaf.Text));
     panel_.ConditionText(condition, text);
     leaf.Text = statement_.Append(text);
-    leaf.Values = nullptr;
-    leaf.ValueCount = 0;
+    leaf.Values = {};
 }
 
 void TQueryBuilder::CheckRecognized(const TSimpleCond& condition) const {
@@ -255,17 +260,13 @@ void TQueryBuilder::FillTemplate(TPredicate& leaf, TFilterCond& condition) {
     const TTemplatePlan& plan = condition.GetTemplate()->Plan(request);
     if (!plan.Patterns.empty())
         RefreshPatterns(plan, condition);
-    leafValues_.clear();
     const std::size_t start = statement_.Text.size();
-    AppendPieces(statement_.Text, plan.Pieces, condition);
+    AppendPieces(statement_.Text, plan.Pieces, condition, &leaf);
     leaf.Text = statement_.SpanFrom(start);
-    leaf.ValueCount = leafValues_.size();
-    leaf.Values = statement_.Nodes.New<TLeafValue>(leafValues_.size());
-    std::copy(leafValues_.begin(), leafValues_.end(), leaf.Values);
 }
 
 void TQueryBuilder::AppendPieces(std::string& out, const std::vector<TTemplatePiece>& pieces,
-                                 TFilterCond& condition) {
+                                 TFilterCond& condition, TPredicate* leaf) {
     bool quoteTaken = false; // the one that the next piece begins with
     for (std::size_t i = 0; i < pieces.size(); ++i) {
         const TTemplatePiece& piece = pieces[i];
@@ -299,12 +300,19 @@ void TQueryBuilder::AppendPieces(std::string& out, const std::vector<TTemplatePi
             AppendTextLiteral(out, dialect_, condition.GetParam(piece.Value)->ValueFormat);
             break;
         }
-        if (piece.Kind == tpValue || piece.Kind == tpParamName)
-            leafValues_.push_back({{start, out.size() - start},
-                                   condition.GetValueType(piece.Value),
-                                   piece.Value,
-                                   piece.Kind == tpParamName});
+        if (leaf && (piece.Kind == tpValue || piece.Kind == tpParamName))
+            AddLeafValue(*leaf, start, piece, condition);
     }
+}
+
+void TQueryBuilder::AddLeafValue(TPredicate& leaf, std::size_t start, const TTemplatePiece& piece,
+                                 const TFilterCond& condition) {
+    TLeafValue* const value = statement_.Nodes.New<TLeafValue>();
+    value->Text = statement_.SpanFrom(start);
+    value->Type = condition.GetValueType(piece.Value);
+    value->Number = piece.Value;
+    value->IsParam = piece.Kind == tpParamName;
+    leaf.Values.Add(value);
 }
 
 // Takes the quote before a value away, for the value brings its own literal; the one behind it is to be left
@@ -325,7 +333,7 @@ void TQueryBuilder::TakeQuotes(std::string& out, const TTemplatePiece* next, con
 void TQueryBuilder::RefreshPatterns(const TTemplatePlan& plan, TFilterCond& condition) {
     for (const TTemplatePlan::TPattern& pattern : plan.Patterns) {
         std::string text;
-        AppendPieces(text, pattern.Pieces, condition);
+        AppendPieces(text, pattern.Pieces, condition, nullptr);
         std::erase(text, '\'');
         condition.GetParam(pattern.Value)->ValueFormat = std::move(text);
     }

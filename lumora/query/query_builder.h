@@ -36,7 +36,10 @@ private:
     TPredicate* MakeLeaf(TFilterCond& condition);
     void LetHostChange(TPredicate& leaf, TFilterCond& condition);
     void FillTemplate(TPredicate& leaf, TFilterCond& condition);
-    void AppendPieces(std::string& out, const std::vector<TTemplatePiece>& pieces, TFilterCond& condition);
+    void AppendPieces(std::string& out, const std::vector<TTemplatePiece>& pieces, TFilterCond& condition,
+                      TPredicate* leaf);
+    void AddLeafValue(TPredicate& leaf, std::size_t start, const TTemplatePiece& piece,
+                      const TFilterCond& condition);
     void RefreshPatterns(const TTemplatePlan& plan, TFilterCond& condition);
     void TakeQuotes(std::string& out, const TTemplatePiece* next, const TFilterCond& condition,
                     int value) const;
@@ -52,9 +55,9 @@ private:
     TValueWriter values_;
     const bool bracketConditions_;
     std::vector<const TDSTable*> added_; // tables that were asked for before, ascending
-    const TDSTable* lastAdded_ = nullptr;
+    const TDSTable* recent_[16] = {};    // some of them, each at the place that its address gives
+    bool hostWantsText_ = false;
     TStatement statement_;
-    std::vector<TLeafValue> leafValues_; // of the leaf that is being made
 };
 
 } // namespace lumora

@@ -159,7 +159,10 @@ std::string TResultField::GetOrderName() const {
 }
 
 bool TResultField::GetAgregate() const {
-    const std::string sql = LowerAscii(GetSQLExpr());
+    std::string sql = GetSQLExpr();
+    if (sql.find('(') == std::string::npos)
+        return false; // nothing is called
+    sql = LowerAscii(sql);
     if (const TQueryHost* const panel = GetQueryPanel(); IsStrict(panel))
         return CallsAggregate(sql, DialectOf(panel));
     for (const char* const function : {"sum(", "count(", "max(", "min(", "avg("})

@@ -8,15 +8,25 @@
 #include "lumora/query/strict_checks.h"
 #include "lumora/support/string_helpers.h"
 
+#include <algorithm>
+
 namespace lumora {
 
 namespace {
 
-// Hands each item of a list value to `take`, which may use it up.
+// Hands each item of a list value to `take`.
 template <typename TTake>
 void ForEachItem(std::string_view text, TTake take) {
     if (Trim(text).empty())
         return;
+    if (text.find('"') == std::string_view::npos) {
+        for (std::size_t start = 0; start <= text.size();) {
+            const std::size_t end = std::min(text.find(',', start), text.size());
+            take(Trim(text.substr(start, end - start)));
+            start = end + 1;
+        }
+        return;
+    }
     std::string item;
     std::size_t kept = 0; // the length of the item without blanks behind it
     bool quoted = false;
@@ -24,7 +34,7 @@ void ForEachItem(std::string_view text, TTake take) {
         const char c = i < text.size() ? text[i] : ',';
         if (i == text.size() || (c == ',' && !quoted)) {
             item.resize(kept);
-            take(item);
+            take(std::string_view(item));
             item.clear();
             kept = 0;
             quoted = false;
@@ -47,7 +57,7 @@ void ForEachItem(std::string_view text, TTake take) {
 
 std::vector<std::string> SplitListValue(std::string_view text) {
     std::vector<std::string> items;
-    ForEachItem(text, [&items](std::string& item) { items.push_back(std::move(item)); });
+    ForEachItem(text, [&items](std::string_view item) { items.emplace_back(item); });
     return items;
 }
 
@@ -179,7 +189,7 @@ void TValueWriter::AppendList(std::string& out, const TFilterCond& condition, TF
     }
     const bool isEmptyDate = text == EmptyValue(type);
     bool first = true;
-    ForEachItem(text, [&](const std::string& item) {
+    ForEachItem(text, [&](std::string_view item) {
         if (!first)
             out += ',';
         first = false;

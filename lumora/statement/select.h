@@ -46,6 +46,7 @@ struct TNodeList {
 
 // A constant or parameter within a leaf's text.
 struct TLeafValue {
+    TLeafValue* Next = nullptr;
     TTextSpan Text; // without quotes that stand in the template around it
     TFieldType Type = ftUnknown;
     int Number = 0; // which value of its condition, from 1
@@ -63,8 +64,7 @@ struct TPredicate {
     bool Parenthesized = false;
     TTextSpan Text;
     const TDSTableList* Tables = nullptr; // those that it names; the model's or the query's own list
-    TLeafValue* Values = nullptr;
-    std::size_t ValueCount = 0;
+    TNodeList<TLeafValue> Values;
 };
 
 struct TSelectColumn {
