@@ -238,7 +238,7 @@ std::string TVQueryPanel::ExtractValue(const TFilterCond& condition, int value) 
     CheckIfDBStructAssigned();
     std::string text;
     const TDialect& dialect = EffectiveDialect(dialect_, sqlSyntax_, strict_);
-    TValueWriter(*dbStruct_, dialect, strict_).Append(text, condition, value, false);
+    TValueWriter(*dbStruct_, dialect, strict_).Append(text, TValueWriter::ValueOf(condition, value), false);
     return text;
 }
 

@@ -256,7 +256,10 @@ void TQueryBuilder::FillTemplate(TPredicate& leaf, TFilterCond& condition) {
     request.HasMainTable = !result_.GetResultTables().Empty();
     request.ValueCount = condition.GetValueCount();
     for (int value = 1; value <= std::min(request.ValueCount, MaxTemplateValues); ++value)
-        request.SetEntry(value, values_.EntryOf(condition, value));
+        request.SetEntry(value,
+                         condition.GetValueIsParam(value)
+                             ? veParameter
+                             : values_.EntryOf(condition.GetValueKind(value), condition.GetValueType(value)));
     const TTemplatePlan& plan = condition.GetTemplate()->Plan(request);
     if (!plan.Patterns.empty())
         RefreshPatterns(plan, condition);
@@ -285,31 +288,35 @@ void TQueryBuilder::AppendPieces(std::string& out, const std::vector<TTemplatePi
         case tpMainTable:
             out += result_.GetResultTables().GetItem(0).Table->GetName();
             break;
-        case tpValue:
-            if (piece.InLiteral && values_.NeedsOwnLiteral(condition, piece.Value)) {
-                TakeQuotes(out, i + 1 < pieces.size() ? &pieces[i + 1] : nullptr, condition, piece.Value);
+        case tpValue: {
+            const TValueWriter::TValue value = TValueWriter::ValueOf(condition, piece.Value);
+            if (piece.InLiteral && values_.NeedsOwnLiteral(value)) {
+                TakeQuotes(out, i + 1 < pieces.size() ? &pieces[i + 1] : nullptr, value);
                 start = out.size();
                 quoteTaken = true;
             }
-            values_.Append(out, condition, piece.Value, quoteTaken || (exact_ && !piece.InLiteral));
+            values_.Append(out, value, quoteTaken || (exact_ && !piece.InLiteral));
+            if (leaf)
+                AddLeafValue(*leaf, start, value.Type, piece);
             break;
+        }
         case tpParamName:
             AppendParamName(out, *condition.GetParam(piece.Value));
+            if (leaf)
+                AddLeafValue(*leaf, start, condition.GetValueType(piece.Value), piece);
             break;
         case tpParamPattern:
             AppendTextLiteral(out, dialect_, condition.GetParam(piece.Value)->ValueFormat);
             break;
         }
-        if (leaf && (piece.Kind == tpValue || piece.Kind == tpParamName))
-            AddLeafValue(*leaf, start, piece, condition);
     }
 }
 
-void TQueryBuilder::AddLeafValue(TPredicate& leaf, std::size_t start, const TTemplatePiece& piece,
-                                 const TFilterCond& condition) {
+void TQueryBuilder::AddLeafValue(TPredicate& leaf, std::size_t start, TFieldType type,
+                                 const TTemplatePiece& piece) {
     TLeafValue* const value = statement_.Nodes.New<TLeafValue>();
     value->Text = statement_.SpanFrom(start);
-    value->Type = condition.GetValueType(piece.Value);
+    value->Type = type;
     value->Number = piece.Value;
     value->IsParam = piece.Kind == tpParamName;
     leaf.Values.Add(value);
@@ -317,15 +324,15 @@ void TQueryBuilder::AddLeafValue(TPredicate& leaf, std::size_t start, const TTem
 
 // Takes the quote before a value away, for the value brings its own literal; the one behind it is to be left
 // out. Refused where other text stands in the same quotes.
-void TQueryBuilder::TakeQuotes(std::string& out, const TTemplatePiece* next, const TFilterCond& condition,
-                               int value) const {
+void TQueryBuilder::TakeQuotes(std::string& out, const TTemplatePiece* next,
+                               const TValueWriter::TValue& value) const {
     const std::size_t size = out.size();
     const char before = size > 1 ? out[size - 2] : ' ';
     const bool opens = size > 0 && out[size - 1] == '\'' && before != '\'' && !IsParamName({&before, 1});
     const bool closes = next && next->Kind == tpLiteral && next->Text[0] == '\'' &&
                         (next->Text.size() == 1 || next->Text[1] != '\'');
     if (!opens || !closes)
-        RaiseInvalidValue(condition.GetValue(value), condition.GetCaptionText());
+        RaiseInvalidValue(value.Text, value.Condition.GetCaptionText());
     out.pop_back();
 }
 

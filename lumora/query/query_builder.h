@@ -38,11 +38,9 @@ private:
     void FillTemplate(TPredicate& leaf, TFilterCond& condition);
     void AppendPieces(std::string& out, const std::vector<TTemplatePiece>& pieces, TFilterCond& condition,
                       TPredicate* leaf);
-    void AddLeafValue(TPredicate& leaf, std::size_t start, const TTemplatePiece& piece,
-                      const TFilterCond& condition);
+    void AddLeafValue(TPredicate& leaf, std::size_t start, TFieldType type, const TTemplatePiece& piece);
     void RefreshPatterns(const TTemplatePlan& plan, TFilterCond& condition);
-    void TakeQuotes(std::string& out, const TTemplatePiece* next, const TFilterCond& condition,
-                    int value) const;
+    void TakeQuotes(std::string& out, const TTemplatePiece* next, const TValueWriter::TValue& value) const;
     void AppendParamName(std::string& out, const TSQLParam& param) const;
 
     TQueryHost& panel_;

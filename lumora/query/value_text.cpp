@@ -109,37 +109,35 @@ bool TValueWriter::HasLiteral(TFieldType type) const {
 }
 
 // Quotes of the template around a list or a sub-query would end where a strict query has quotes inside.
-TValueEntry TValueWriter::EntryOf(const TFilterCond& condition, int value) const {
-    if (condition.GetValueIsParam(value))
-        return veParameter;
-    const TValueKind kind = condition.GetValueKind(value);
+TValueEntry TValueWriter::EntryOf(TValueKind kind, TFieldType type) const {
     if (strict_ && kind != vkScalar)
         return veStretch;
     if (kind == vkSubQuery)
         return veBare;
-    const TFieldType type = condition.GetValueType(value);
     return IsQuoted(type) && !HasLiteral(type) ? veBare : veStretch;
 }
 
-bool TValueWriter::NeedsOwnLiteral(const TFilterCond& condition, int value) const {
-    return NeedsHexText(dialect_, condition.GetValue(value)) && condition.GetValueKind(value) != vkSubQuery &&
-           !IsDateOrTime(condition.GetValueType(value));
+TValueWriter::TValue TValueWriter::ValueOf(const TFilterCond& condition, int value) {
+    return {condition, condition.GetValue(value), condition.GetValueKind(value),
+            condition.GetValueType(value)};
 }
 
-void TValueWriter::Append(std::string& out, const TFilterCond& condition, int value, bool quotes) const {
-    const std::string& text = condition.GetValue(value);
-    const TFieldType type = condition.GetValueType(value);
-    switch (condition.GetValueKind(value)) {
+bool TValueWriter::NeedsOwnLiteral(const TValue& value) const {
+    return NeedsHexText(dialect_, value.Text) && value.Kind != vkSubQuery && !IsDateOrTime(value.Type);
+}
+
+void TValueWriter::Append(std::string& out, const TValue& value, bool quotes) const {
+    switch (value.Kind) {
     case vkSubQuery:
         if (strict_)
-            CheckSubQuery(text, condition.GetCaptionText(), dialect_);
-        out += text.empty() ? EmptyValue(type) : std::string_view(text);
+            CheckSubQuery(value.Text, value.Condition.GetCaptionText(), dialect_);
+        out += value.Text.empty() ? EmptyValue(value.Type) : value.Text;
         break;
     case vkList:
-        AppendList(out, condition, type, text);
+        AppendList(out, value.Condition, value.Type, value.Text);
         break;
     case vkScalar:
-        AppendItem(out, condition, type, text, quotes && IsQuoted(type));
+        AppendItem(out, value.Condition, value.Type, value.Text, quotes && IsQuoted(value.Type));
         break;
     }
 }

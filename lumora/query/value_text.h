@@ -1,7 +1,7 @@
 // The text with which a condition's constant value stands in a statement.
 #pragma once
 
-#include "lumora/model/sql_syntax.h"
+#include "lumora/model/Lmglobal.h"
 #include "lumora/model/sql_template.h"
 #include "lumora/platform/field_types.h"
 #include "lumora/statement/dialects/dialect.h"
@@ -24,14 +24,23 @@ public:
 
     // Whether values of the type stand in quotes. A strict query quotes whatever it does not check.
     bool IsQuoted(TFieldType type) const;
-    // How value k enters the condition's template.
-    TValueEntry EntryOf(const TFilterCond& condition, int value) const;
-    // Whether value k can't stand between quotes of the template, and must bring a literal of its own.
-    bool NeedsOwnLiteral(const TFilterCond& condition, int value) const;
-    // Appends value k. `quotes`: the template has none around it, so a single value of a quoted type brings
+    // A value of a condition, looked up once.
+    struct TValue {
+        const TFilterCond& Condition;
+        std::string_view Text;
+        TValueKind Kind;
+        TFieldType Type;
+    };
+    static TValue ValueOf(const TFilterCond& condition, int value);
+
+    // How a value that is no parameter enters the condition's template.
+    TValueEntry EntryOf(TValueKind kind, TFieldType type) const;
+    // Whether a value can't stand between quotes of the template, and must bring a literal of its own.
+    bool NeedsOwnLiteral(const TValue& value) const;
+    // Appends a value. `quotes`: the template has none around it, so a single value of a quoted type brings
     // its own. EVQueryPanelError for a value that a strict query refuses, EConvertError for a date that is
     // none.
-    void Append(std::string& out, const TFilterCond& condition, int value, bool quotes) const;
+    void Append(std::string& out, const TValue& value, bool quotes) const;
 
 private:
     // Whether the dialect writes values of the type as literals of its own.
