@@ -102,7 +102,11 @@ const std::vector<TNamedAct>& Changes() {
         {"insert", [](TRows& rows) { rows.Bracket->AddCond(); }},
         {"add", [](TRows& rows) { rows.Shop.Panel.AddCondition(*rows.Bracket); }},
         {"add a bracket", [](TRows& rows) { rows.Shop.Panel.AddBracketNum(*rows.Bracket, 1); }},
-        {"add by hand", [](TRows& rows) { rows.Shop.Where("lines.qty", "Between", "1", {}, rows.Bracket); }},
+        {"add by hand",
+         [](TRows& rows) {
+             rows.Shop.Panel.ManualAddCond(*rows.Bracket, rows.Shop.Field("lines.qty"),
+                                           rows.Shop.Operator("Between"), "1");
+         }},
         {"move",
          [](TRows& rows) {
              rows.Shop.Panel.SetCurrentRow(rows.Inner);

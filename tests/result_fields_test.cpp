@@ -91,6 +91,59 @@ TEST_F(ResultFields, OrderTheirSorting) {
     EXPECT_EQ(first.GetOrderName(), "1");
 }
 
+TEST_F(ResultFields, TellOfEachChangeOnce) {
+    int changes = 0;
+    shop_.Panel.OnChange = [&](TVQueryPanel&) { ++changes; };
+    const auto tells = [&](auto change) {
+        changes = 0;
+        change();
+        return changes;
+    };
+    EXPECT_EQ(tells([&] { shop_.Select("orders.amount", "A"); }), 1);
+    EXPECT_EQ(tells([&] { Fields().AddByExpression("B", "{amount}", stAscending, 1); }), 1);
+    EXPECT_EQ(tells([&] { Fields().AddBySQLExpr("C", "orders.amount", stAscending, 1); }), 1);
+    TResultField& field = *Fields().GetRField(0);
+    EXPECT_EQ(tells([&] { field.SetCaption("Alpha"); }), 1); // the alias changes too
+    EXPECT_EQ(tells([&] { field.SetAlias("x"); }), 1);
+    EXPECT_EQ(tells([&] { field.SetAlias("x"); }), 0);
+    EXPECT_EQ(tells([&] { field.SetSortOrder(4); }), 1);
+    EXPECT_EQ(tells([&] { field.SetSortOrder(4); }), 0);
+    EXPECT_EQ(tells([&] { Fields().RegenerateAliases(); }), 1);
+    EXPECT_EQ(tells([&] { Fields().RegenerateAliases(); }), 0);
+    EXPECT_EQ(tells([&] { Fields().Clear(); }), 1);
+    EXPECT_EQ(tells([&] { Fields().Clear(); }), 0);
+    // Making a statement gives aliases their final form and tells nobody.
+    shop_.Panel.SetSQLOptions({soASCIIRFields});
+    shop_.Select("orders.amount", "x")->SetAlias("Größe");
+    shop_.Panel.BuildQuery();
+    EXPECT_EQ(tells([&] { shop_.Panel.GetQResult().GetSQL(); }), 0);
+    EXPECT_EQ(Fields().GetRField(0)->GetAlias(), "C1");
+}
+
+TEST_F(ResultFields, RefuseBadIndexes) {
+    shop_.Select("orders.amount", "A");
+    TResultField& field = *Fields().GetRField(0);
+    TRTableList tables;
+    TSQLParamList params;
+    const auto refused = [](auto use) {
+        EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { use(-1); }), "Invalid index -1");
+        EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { use(2); }), "Invalid index 2");
+    };
+    refused([&](int i) { Fields().GetRField(i); });
+    refused([&](int i) { Fields().Delete(i); });
+    refused([&](int i) { Fields().Move(i, 0); });
+    refused([&](int i) { Fields().Move(0, i); });
+    refused([&](int i) { Fields().Insert(i, "@1", {}, "x"); });
+    refused([&](int i) { field.DelDSField(i); });
+    refused([&](int i) { field.SetDSField(i, nullptr); });
+    refused([&](int i) { tables.GetItem(i); });
+    refused([&](int i) { tables.Delete(i); });
+    refused([&](int i) { params.GetItem(i); });
+    refused([&](int i) { params.Delete(i); });
+    EXPECT_EQ(Fields().Count(), 1);
+    EXPECT_EQ(field.GetFields().size(), 1U);
+}
+
 TEST_F(ResultFields, ReadBackTheirText) {
     shop_.Select("orders.amount", "Größe")->SetSorting(stDescending);
     Fields().Add("@1/@2", {shop_.Field("orders.amount"), shop_.Field("lines.qty")}, "Size")->SetAlias("Size");

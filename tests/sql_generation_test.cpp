@@ -157,3 +157,79 @@ TEST(SQLGeneration, LeavesParametersOpen) {
     result.ClearParams();
     EXPECT_FALSE(contains->GetValueIsParam(1));
 }
+
+TEST(SQLGeneration, TellsTwoParametersOfAConditionApart) {
+    TShop shop;
+    shop.Model.AddCondition(1, "From @ to @", "orders.amount between '@1' and '@2'");
+    TCustomCond& condition = *shop.Panel.AddCustomCondition(shop.Root(), *shop.Model.ConditionByID(1));
+    TQueryResult& result = shop.Panel.GetQResult();
+    condition.SetValueIsParam(1, true);
+    EXPECT_EQ(result.GetParam(0)->Caption, "From param");
+    condition.SetValueIsParam(2, true);
+    EXPECT_EQ(result.GetParam(0)->Caption, "From param 1");
+    EXPECT_EQ(result.GetParam(1)->Caption, "to param 2");
+    // What the host or an earlier pair has called it stays.
+    condition.SetValueIsParam(2, false);
+    result.GetParam(0)->Caption = "Least";
+    condition.SetValueIsParam(2, true);
+    EXPECT_EQ(result.GetParam(0)->Caption, "Least");
+}
+
+TEST(SQLGeneration, BuildsAgainWhatHasChanged) {
+    TShop shop;
+    TQueryResult& result = shop.Panel.GetQResult();
+    shop.Select("orders.amount");
+    const std::string first = shop.SQL();
+    EXPECT_EQ(result.GetSQL().GetText(), first);
+    shop.Select("customers.company");
+    EXPECT_EQ(result.GetSQL().GetText(),
+              "SELECT orders.amount, customers.company\nFROM orders\n"
+              "     RIGHT OUTER JOIN customers ON (customers.custno=orders.custno)\n");
+    shop.Panel.BeginUpdate(); // nobody else is told yet
+    shop.Where("lines.qty", "Equal", "1");
+    EXPECT_EQ(result.GetSQL().Count(), 8);
+    shop.Panel.EndUpdate();
+    result.GetResultFields().GetRField(0)->SetDSField(0, shop.Field("orders.placed"));
+    EXPECT_EQ(result.GetSQL()[0], "SELECT orders.placed, customers.company");
+    result.GetResultFields().JustSorting = true;
+    EXPECT_EQ(result.GetSQL()[0], "SELECT *");
+    shop.Where("orders.placed", "Equal", "soon");
+    EXPECT_THROW(result.GetSQL(), EConvertError);
+    EXPECT_THROW(result.GetSQL(), EConvertError); // what is left of a failed build is no statement
+    shop.Root().DeleteRow(1);
+    EXPECT_EQ(result.GetSQL()[0], "SELECT *");
+
+    // While it is being built a handler gets what there is.
+    shop.Panel.OnBuildSQL = [&](TVQueryPanel& panel, TFilterCond&, std::string&) {
+        panel.QueryChanged();
+        EXPECT_EQ(result.GetSQL()[0], "SELECT *");
+    };
+    EXPECT_EQ(TStringList(shop.SQL()).Count(), 8);
+}
+
+TEST(SQLGeneration, TakesWhatTheHostPutsIn) {
+    TShop shop;
+    TQueryResult& result = shop.Panel.GetQResult();
+    result.GetResultTables().Add(shop.Model.GetTable(1), nullptr);
+    result.AddCondition("1=1");
+    result.OrderBy = "1";
+    EXPECT_EQ(result.GetSQL().GetText(), "SELECT *\nFROM orders\nWHERE\n1=1\nORDER BY 1\n");
+    shop.Select("orders.amount");
+    result.GroupBy = "orders.amount"; // never built: it stays as it is
+    EXPECT_EQ(result.GetSQL().GetText(),
+              "SELECT orders.amount\nFROM orders\nWHERE\n1=1\nGROUP BY orders.amount\nORDER BY 1\n");
+
+    // What was built may be changed before it is asked for.
+    result.GetResultFields().GetRField(0)->SetSorting(stAscending);
+    shop.Where("orders.amount", "Equal", "1");
+    shop.Panel.BuildQuery();
+    result.AddCondition("and 2=2");
+    result.OrderBy += ", 2 DESC";
+    EXPECT_EQ(result.GetSQL().GetText(),
+              "SELECT orders.amount\nFROM orders\nWHERE\n (\norders.amount = 1\n)\n"
+              "and 2=2\nORDER BY 1 ASC, 2 DESC\n");
+    result.OrderBy = "1 ASC";
+    EXPECT_EQ(result.GetSQL().Last(), "ORDER BY 1 ASC");
+    result.OrderBy.clear();
+    EXPECT_EQ(result.GetSQL().Last(), "and 2=2");
+}

@@ -124,6 +124,44 @@ TEST_F(Strict, SortsConstantsByTheirPosition) {
     EXPECT_EQ(shop_.Panel.GetQResult().OrderBy, "customers.company ASC, 7 DESC");
 }
 
+TEST_F(Strict, NeverTakesAColumnForAPosition) {
+    TDSField& one = *shop_.Model.GetField(shop_.Model.AddField(vfkVirtual, " -(1)", "One", nullptr));
+    shop_.Panel.SetMainTableName("customers");
+    shop_.Select("customers.company");
+    TRFieldList& fields = shop_.Panel.GetQResult().GetResultFields();
+    fields.Add("@1", {&one}, "One")->SetSorting(stAscending);
+    shop_.Panel.SetSQLOptions({soSortByNames});
+    shop_.SQL();
+    EXPECT_EQ(shop_.Panel.GetQResult().OrderBy, "2 ASC");
+    one.SetSQLExpr("1 + 1"); // no position
+    shop_.SQL();
+    EXPECT_EQ(shop_.Panel.GetQResult().OrderBy, "1 + 1 ASC");
+    one.SetSQLExpr("1");
+    fields.JustSorting = true; // "*" has no position for it, and nothing is sorted by it
+    EXPECT_EQ(shop_.SQL(), "SELECT *\nFROM customers\n");
+    shop_.Panel.SetStrict(false);
+    shop_.SQL();
+    EXPECT_EQ(shop_.Panel.GetQResult().OrderBy, "1 ASC");
+}
+
+TEST_F(Strict, RefusesToLoseRecords) {
+    TRFieldList& fields = shop_.Panel.GetQResult().GetResultFields();
+    fields.Add("sum(@1)", {shop_.Field("orders.amount")}, "Total")->SetSorting(stAscending);
+    shop_.Select("orders.custno");
+    EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }), "");
+    fields.JustSorting = true;
+    EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }),
+              "Whole records can not be sorted by the total \"Total\"");
+    fields.Clear();
+    shop_.Select("customers.company");
+    shop_.Select("orders.amount");
+    shop_.Model.GetLink(0)->Fields1.Clear();
+    EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }),
+              "The link between \"customers\" and \"orders\" joins no fields");
+    shop_.Panel.SetStrict(false);
+    EXPECT_EQ(TStringList(shop_.SQL())[2], "     LEFT OUTER JOIN orders ON ");
+}
+
 TEST_F(Strict, RefusesWhatIsUnrecognizedOrWouldBeCut) {
     shop_.Where("orders.amount", "Equal", "1")->SetOperator(shop_.Model.GetUnrecognizedOperator());
     EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }), "Unrecognized operator \"row 1.\"");

@@ -60,8 +60,13 @@ void TDSField::AppendSQLExpr(std::string& out, TNameQuoting quoting) const {
         out += text_;
         return;
     }
-    if (const TDSTable* const table = GetTable(); table && !table->GetAlias().empty())
-        (out += table->GetAlias()) += '.';
+    if (const TDSTable* const table = GetTable(); table && !table->GetAlias().empty()) {
+        if (quoting.Taken)
+            table->AppendAlias(out, quoting);
+        else
+            out += table->GetAlias();
+        out += '.';
+    }
     if (quoted_)
         structure_.GetSQLFormats().Quotes().Append(out, text_, quoting);
     else

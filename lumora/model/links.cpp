@@ -13,7 +13,8 @@ constexpr std::string_view OuterMark = " (+) ";
 
 void AppendColumn(std::string& out, const TDSTable& table, std::string_view field, bool quoted,
                   TNameQuoting quoting) {
-    (out += table.GetAlias()) += '.';
+    table.AppendAlias(out, quoting);
+    out += '.';
     if (quoted)
         table.GetStructure().GetSQLFormats().Quotes().Append(out, field, quoting);
     else

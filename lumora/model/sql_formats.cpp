@@ -6,12 +6,23 @@
 namespace lumora {
 
 void TQuoteSymbols::Append(std::string& out, std::string_view name, TNameQuoting quoting) const {
-    out += Open;
-    if (quoting == nqStrict)
-        AppendDoubled(out, name, Close);
+    const TQuoteSymbols symbols =
+        AreTaken(quoting) ? *this : TQuoteSymbols{quoting.Taken[0], quoting.Taken[1]};
+    out += symbols.Open;
+    if (quoting.Doubled)
+        AppendDoubled(out, name, symbols.Close);
     else
         out.append(name);
-    out += Close;
+    out += symbols.Close;
+}
+
+bool TQuoteSymbols::AreTaken(TNameQuoting quoting) const {
+    if (!quoting.Taken)
+        return true;
+    for (const char* pair = quoting.Taken; *pair; pair += 2)
+        if (pair[0] == Open && pair[1] == Close)
+            return true;
+    return false;
 }
 
 TSQLFormats::TSQLFormats(std::function<void()> quotesChanged)

@@ -19,10 +19,15 @@ struct TEnumNames<TSQLSyntax> {
     static constexpr std::string_view Names[] = {"ssSQL1", "ssSQL2", "ssOracle"};
 };
 
-enum TNameQuoting : std::uint8_t {
-    nqPlain, // a quoted name is put between the quote symbols as it is
-    nqStrict // a closing quote symbol inside it is doubled
+// How a quoted name is put between quote symbols.
+struct TNameQuoting {
+    bool Doubled = false; // a closing quote symbol inside it is doubled
+    // The pairs of symbols that the engine takes, its own first; none: the model's symbols, whatever they
+    // are.
+    const char* Taken = nullptr;
 };
+inline constexpr TNameQuoting nqPlain{};
+inline constexpr TNameQuoting nqStrict{true};
 
 // The pair of symbols that open and close a quoted name.
 struct TQuoteSymbols {
@@ -30,6 +35,8 @@ struct TQuoteSymbols {
     char Close = '"';
 
     void Append(std::string& out, std::string_view name, TNameQuoting quoting) const;
+    // Whether the engine takes these symbols.
+    bool AreTaken(TNameQuoting quoting) const;
 };
 
 } // namespace lumora

@@ -65,17 +65,46 @@ bool IsWellQuoted(std::string_view name) {
 
 } // namespace
 
+namespace {
+
+// The parts of a well quoted name in the engine's own quote symbols.
+void AppendRequoted(std::string& out, std::string_view name, TNameQuoting quoting) {
+    while (!name.empty()) {
+        std::size_t end = 1;
+        while (name[end] != '"' || (end + 1 < name.size() && name[end + 1] == '"'))
+            end += name[end] == '"' ? 2 : 1;
+        TQuoteSymbols().Append(out, ReplaceText(name.substr(1, end - 1), "\"\"", "\""), quoting);
+        name.remove_prefix(end + 1);
+        if (!name.empty()) {
+            out += '.';
+            name.remove_prefix(1);
+        }
+    }
+}
+
+} // namespace
+
 void TDSTable::AppendSQLExpr(std::string& out, TNameQuoting quoting) const {
-    const bool quotedAlready =
-        quoting == nqStrict ? IsWellQuoted(name_) : !name_.empty() && name_.front() == '"';
-    if (quoted_ && !name_.empty() && !quotedAlready)
+    const bool quotedAlready = quoting.Doubled ? IsWellQuoted(name_) : !name_.empty() && name_.front() == '"';
+    if (quotedAlready && !TQuoteSymbols().AreTaken(quoting))
+        AppendRequoted(out, name_, quoting);
+    else if (quoted_ && !name_.empty() && !quotedAlready)
         structure_.GetSQLFormats().Quotes().Append(out, name_, quoting);
     else
         out += name_;
-    if (alias_ != name_)
-        out.append(" ").append(alias_);
+    if (alias_ != name_) {
+        out += ' ';
+        AppendAlias(out, quoting);
+    }
     if (!hints_.empty())
         out.append(" WITH ").append(hints_);
+}
+
+void TDSTable::AppendAlias(std::string& out, TNameQuoting quoting) const {
+    if (quoting.Taken && IsWellQuoted(alias_) && !TQuoteSymbols().AreTaken(quoting))
+        AppendRequoted(out, alias_, quoting);
+    else
+        out += alias_;
 }
 
 std::string TDSTable::GetCompoundName() const {

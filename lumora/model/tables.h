@@ -46,6 +46,8 @@ public:
     // As FROM names the table: the name, the alias when it differs, the hints.
     std::string GetSQLExpr(TNameQuoting quoting = nqPlain) const;
     void AppendSQLExpr(std::string& out, TNameQuoting quoting) const;
+    // The alias as columns name it.
+    void AppendAlias(std::string& out, TNameQuoting quoting) const;
     std::string GetCompoundName() const;
 
     // The links that touch the table, in the order in which they came.

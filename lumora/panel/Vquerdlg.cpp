@@ -32,6 +32,7 @@ void TdlgSubQuery::SetParentQPanel(TVQueryPanel& panel) {
     // A sub-query is part of its parent's statement, so it is of the same syntax and as strict.
     QPanel.SetSQLSyntax(panel.GetSQLSyntax());
     QPanel.SetStrict(panel.GetStrict());
+    QPanel.SetDialect(panel.GetDialect());
     QPanel.SetMaxPopupItemCount(panel.GetMaxPopupItemCount());
     QPanel.OnGetGroupImageIndex = panel.OnGetGroupImageIndex;
     QPanel.OnGetItemImageIndex = panel.OnGetItemImageIndex;

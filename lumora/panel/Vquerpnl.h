@@ -92,6 +92,9 @@ public:
     void SetSQLOptions(TSQLOptions options);
     TSQLSyntax GetSQLSyntax() const;
     void SetSQLSyntax(TSQLSyntax syntax);
+    // The engine that the statement is for; the standard: as the model and the syntax say.
+    TSQLDialect GetDialect() const;
+    void SetDialect(TSQLDialect dialect);
     // The statement keeps its shape and means what the rows say, or building it is refused.
     bool GetStrict() const;
     void SetStrict(bool strict);

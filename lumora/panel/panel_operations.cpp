@@ -89,6 +89,14 @@ void TVQueryPanel::SetSQLSyntax(TSQLSyntax syntax) {
     parts_->Query.SetSQLSyntax(syntax);
 }
 
+TSQLDialect TVQueryPanel::GetDialect() const {
+    return parts_->Query.GetDialect();
+}
+
+void TVQueryPanel::SetDialect(TSQLDialect dialect) {
+    parts_->Query.SetDialect(dialect);
+}
+
 bool TVQueryPanel::GetStrict() const {
     return parts_->Query.GetStrict();
 }

@@ -22,6 +22,7 @@ std::span<const TPropertyInfo> TVQueryPanel::PublishedProperties() const {
          Property("SQLOptions", &T::GetSQLOptions, &T::SetSQLOptions, DefaultSQLOptions),
          Property("SQLSyntax", &T::GetSQLSyntax, &T::SetSQLSyntax, ssSQL2),
          Property("SaveSQLOptions", &T::GetSaveSQLOptions, &T::SetSaveSQLOptions, false),
+         Property("Dialect", &T::GetDialect, &T::SetDialect, sdStandard),
          Property("Strict", &T::GetStrict, &T::SetStrict, false),
          ObjectProperty<T, TQPAppearance>("Appearance", &T::GetAppearance),
          ObjectProperty<T, TQPAppearance>("ViewOptions", &T::GetAppearance),

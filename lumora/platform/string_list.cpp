@@ -35,12 +35,6 @@ int TStringList::AddPair(std::string_view key, std::string_view value) {
     return Count() - 1;
 }
 
-void TStringList::EndLine() {
-    lines_.push_back({tail_, buffer_.size() - tail_});
-    buffer_ += '\n';
-    tail_ = buffer_.size();
-}
-
 void TStringList::EndLineWithoutBreaks() {
     const std::size_t first = std::min(buffer_.find('\n', tail_), buffer_.find('\r', tail_));
     if (first != std::string::npos) {

@@ -36,7 +36,11 @@ public:
     void AppendToLast(std::string_view text);
     // For writers that build a line in place: what is appended to Tail() until EndLine becomes the next line.
     std::string& Tail() { return buffer_; }
-    void EndLine();
+    void EndLine() {
+        lines_.push_back({tail_, buffer_.size() - tail_});
+        buffer_ += '\n';
+        tail_ = buffer_.size();
+    }
     // The same for text that must be one line: each line break in it becomes one blank.
     void EndLineWithoutBreaks();
 

@@ -3,6 +3,7 @@
 #include "lumora/platform/ascii.h"
 #include "lumora/platform/errors.h"
 #include "lumora/platform/formats.h"
+#include "lumora/statement/dialects/dialect.h"
 
 namespace lumora {
 
@@ -21,12 +22,6 @@ constexpr TOracleForm OracleForms[] = {{"dd-mm-yyyy", "dd-mm-yyyy"},
 const TFormatSettings& IsoSettings() {
     static const TFormatSettings settings;
     return settings;
-}
-
-std::string OracleLiteral(TFieldType type, TDateTime value) {
-    const TOracleForm& form = OracleForms[type == ftDate ? 0 : type == ftTime ? 1 : 2];
-    return "TO_DATE('" + FormatDateTime(form.Mask, value, IsoSettings()) + "', '" +
-           std::string(form.OracleMask) + "')";
 }
 
 // The date of TO_DATE('05-03-2001', 'dd-mm-yyyy'), with single or double quotes.
@@ -50,14 +45,69 @@ std::optional<TDateTime> ParseOracleLiteral(std::string_view text) {
 
 } // namespace
 
+namespace {
+
+// The number that digits of a text in a pattern of "0" and other characters make.
+bool MatchesDigits(std::string_view text, std::string_view pattern) {
+    for (std::size_t i = 0; i < pattern.size(); ++i)
+        if (pattern[i] == '0' ? !IsDigit(text[i]) : text[i] != pattern[i])
+            return false;
+    return true;
+}
+
+int TwoDigits(std::string_view text, std::size_t at) {
+    return (text[at] - '0') * 10 + (text[at + 1] - '0');
+}
+
+// Whether the text is a date as ISO writes it, perhaps with a time to the second, and means what it says.
+bool IsIsoValue(std::string_view text) {
+    constexpr std::string_view pattern = "0000-00-00 00:00:00";
+    if ((text.size() != 10 && text.size() != 19) || !MatchesDigits(text, pattern.substr(0, text.size())))
+        return false;
+    const int year = TwoDigits(text, 0) * 100 + TwoDigits(text, 2);
+    // The last days of months are left to those who know the calendar.
+    const bool isDay = year > 0 && TwoDigits(text, 5) - 1U < 12 && TwoDigits(text, 8) - 1U < 28;
+    return isDay && (text.size() == 10 ||
+                     (TwoDigits(text, 11) < 24 && TwoDigits(text, 14) < 60 && TwoDigits(text, 17) < 60));
+}
+
+// Appends a value that stands in the form of the mask already, or could by parts that are zero. Most do, and
+// nothing needs to be reckoned.
+bool AppendIsoValue(std::string& out, std::string_view mask, std::string_view text,
+                    const TFormatSettings& settings) {
+    constexpr std::string_view masks = "yyyy-mm-dd hh:nn:ss", zero = "0000-00-00 00:00:00";
+    const bool isIso =
+        (mask.size() == 10 || mask.size() == 16 || mask.size() == 19) && masks.substr(0, mask.size()) == mask;
+    if (!isIso || settings.TimeSeparator != ":" || !IsIsoValue(text))
+        return false;
+    out.append(text, 0, mask.size());
+    if (text.size() < mask.size())
+        out.append(zero, text.size(), mask.size() - text.size());
+    return true;
+}
+
+} // namespace
+
+void AppendDateValue(std::string& out, const TSQLFormats& formats, TFieldType type, std::string_view text,
+                     const TDialect& dialect) {
+    const TDateForm& form = DateFormOf(dialect, type);
+    if (form.Mask.empty() && AppendIsoValue(out, formats.MaskFor(type), text, FormatSettings()))
+        return;
+    const TDateTime value = StrToDateTime(text);
+    out += form.Before;
+    const std::string date = form.Mask.empty() ? FormatDateTime(formats.MaskFor(type), value)
+                                               : FormatDateTime(form.Mask, value, IsoSettings());
+    constexpr std::string_view noFraction = ".000";
+    const bool whole = form.Mask.ends_with(".zzz") && date.ends_with(noFraction);
+    out.append(date, 0, date.size() - (whole ? noFraction.size() : 0));
+    out += form.After;
+}
+
 std::string DateValueToSQL(const TSQLFormats& formats, TFieldType type, std::string_view text,
                            TSQLSyntax syntax, bool strict) {
-    const TDateTime value = StrToDateTime(text);
-    if (syntax != ssOracle)
-        return FormatDateTime(formats.MaskFor(type), value);
-    if (strict)
-        return OracleLiteral(type, value);
-    return "TO_DATE(\"" + FormatDateTime("dd-mm-yyyy", value) + "\", \"dd-mm-yyyy\")";
+    std::string date;
+    AppendDateValue(date, formats, type, text, EffectiveDialect(sdStandard, syntax, strict));
+    return date;
 }
 
 std::optional<std::string> TryDateValueFromSQL(const TSQLFormats& formats, TFieldType type,

@@ -11,9 +11,14 @@
 
 namespace lumora {
 
-// A value in the user's format as SQL text in the model's format for the type. Under ssOracle a call of
-// TO_DATE: with its arguments in double quotes and the date alone, or, `strict`, a literal that holds the
-// time too. EConvertError when the text is no date or time.
+struct TDialect;
+
+// A value in the user's format as the dialect writes it, between the quotes of the template unless the
+// dialect has literals of its own. EConvertError when the text is no date or time.
+void AppendDateValue(std::string& out, const TSQLFormats& formats, TFieldType type, std::string_view text,
+                     const TDialect& dialect);
+// The same in standard SQL: in the model's format for the type. Under ssOracle a call of TO_DATE: with its
+// arguments in double quotes and the date alone, or, `strict`, a literal that holds the time too.
 std::string DateValueToSQL(const TSQLFormats& formats, TFieldType type, std::string_view text,
                            TSQLSyntax syntax, bool strict);
 // A value in the model's format for the type, or in a call of TO_DATE as above, as the user's text: the time

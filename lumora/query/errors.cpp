@@ -34,10 +34,16 @@ TMessageId MessageOf(TQueryPanelErrorCode code) {
         return msgOtherJoin;
     case qpeCantSortDistinct:
         return msgCantSortDistinct;
-    case qpeNoTable:
-        return msgNoTable;
     case qpeInvalidIndex:
         return msgInvalidIndex;
+    case qpeCantSortByTotal:
+        return msgCantSortByTotal;
+    case qpeEmptyLink:
+        return msgEmptyLink;
+    case qpeNoTable:
+        return msgNoTable;
+    case qpeChangedMeanwhile:
+        return msgChangedMeanwhile;
     }
     return msgQueryWasNotBuilt;
 }
@@ -52,5 +58,11 @@ EVQueryPanelError::EVQueryPanelError(TQueryPanelErrorCode code,
                                      std::initializer_list<std::string_view> arguments, int line)
     : EVLumoraError(code,
                     FormatText(Message(MessageOf(code)), arguments) + "\r\nLine:" + std::to_string(line)) {}
+
+std::size_t CheckedIndex(int index, std::size_t count) {
+    if (index < 0 || static_cast<std::size_t>(index) >= count)
+        throw EVQueryPanelError(qpeInvalidIndex, {std::to_string(index)});
+    return static_cast<std::size_t>(index);
+}
 
 } // namespace lumora

@@ -24,7 +24,10 @@ enum TQueryPanelErrorCode : int {
     qpeOtherJoin = 13,
     qpeNoTable = 14,
     qpeCantSortDistinct = 15,
-    qpeInvalidIndex = 16
+    qpeInvalidIndex = 16,
+    qpeCantSortByTotal = 17,
+    qpeEmptyLink = 18,
+    qpeChangedMeanwhile = 19
 };
 
 class EVQueryPanelError : public EVLumoraError {
@@ -34,5 +37,8 @@ public:
     // With a line break, "Line:" and the line of the statement at the end of the message.
     EVQueryPanelError(TQueryPanelErrorCode code, std::initializer_list<std::string_view> arguments, int line);
 };
+
+// The index as a place in a list; EVQueryPanelError "Invalid index" when the list has no such place.
+std::size_t CheckedIndex(int index, std::size_t count);
 
 } // namespace lumora

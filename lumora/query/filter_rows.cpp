@@ -182,7 +182,10 @@ std::unique_ptr<TFilterRow> TFilterBracket::ExtractRow(int index) {
     return row;
 }
 
+// Nothing is told where there is nothing, so that a handler of changes may clear.
 void TFilterBracket::ClearRows() {
+    if (rows_.empty())
+        return;
     TVQuery& query = GetQuery();
     query.FreeRows(std::move(rows_));
     query.QueryChanged();

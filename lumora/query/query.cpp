@@ -51,7 +51,7 @@ void TVQuery::SetDbStruct(const TVCustomDBStructure* model, bool isComplete) {
         pendingRFields_.Clear();
         if (result_->GetResultFields().Count() > 0)
             result_->GetResultFields().SaveToStrings(pendingRFields_);
-        result_->GetResultFields().Clear();
+        result_->GetResultFields().Forget();
         result_->ClearParams();
         mainTable_ = nullptr;
         model_->RemoveListener(*this);
@@ -78,7 +78,7 @@ void TVQuery::ModelKnown() {
 }
 
 void TVQuery::SetPendingResultFields(const TStringList& lines) {
-    result_->GetResultFields().Clear();
+    result_->GetResultFields().Forget();
     pendingRFields_ = lines;
 }
 
@@ -137,16 +137,14 @@ void TVQuery::ClearRows() {
 
 // Whoever hears that there are no parameters any more finds no rows either.
 void TVQuery::ClearAll() {
-    if (!root_) {
+    if (GetEmpty())
         result_->GetResultFields().Clear();
-        result_->ClearParams();
-    } else {
+    else
         AsOneChange(*this, [this] {
-            result_->GetResultFields().Clear();
+            result_->GetResultFields().Forget();
             root_->ClearRows();
         });
-        result_->ClearParams();
-    }
+    result_->ClearParams();
     modified_ = false;
 }
 
@@ -173,6 +171,13 @@ void TVQuery::SetSQLSyntax(TSQLSyntax syntax) {
         QueryChanged();
 }
 
+void TVQuery::SetDialect(TSQLDialect dialect) {
+    if (dialect == dialect_)
+        return;
+    dialect_ = dialect;
+    QueryChanged();
+}
+
 void TVQuery::SetStrict(bool strict) {
     if (strict == strict_)
         return;
@@ -184,26 +189,32 @@ void TVQuery::BuildQuery(bool withConditions) {
     CheckIfDBStructAssigned();
     const TQueryStateGuard guard(*this, stBuilding);
     RefreshMainTable();
+    builtConditions_ = withConditions;
     TQueryBuilder(*this, *model_).Build(mainTable_, withConditions ? root_.get() : nullptr);
 }
 
 std::string TVQuery::ExtractValue(const TFilterCond& condition, int value) const {
     CheckIfDBStructAssigned();
     std::string text;
-    TValueWriter(*model_, sqlSyntax_, strict_).Append(text, condition, value, false);
+    const TDialect& dialect = EffectiveDialect(dialect_, sqlSyntax_, strict_);
+    TValueWriter(*model_, dialect, strict_).Append(text, TValueWriter::ValueOf(condition, value), false);
     return text;
 }
 
 std::string TVQuery::ProcessDateValue(TFieldType type, std::string_view text, bool toSQL) const {
     CheckIfDBStructAssigned();
     const TSQLFormats& formats = model_->GetSQLFormats();
-    return toSQL ? DateValueToSQL(formats, type, text, sqlSyntax_, strict_)
-                 : DateValueFromSQL(formats, type, text);
+    if (!toSQL)
+        return DateValueFromSQL(formats, type, text);
+    std::string value;
+    AppendDateValue(value, formats, type, text, EffectiveDialect(dialect_, sqlSyntax_, strict_));
+    return value;
 }
 
 // --- Notices.
 
 void TVQuery::QueryChanged() {
+    result_->QueryChanged();
     if (!TellsChanges())
         return;
     modified_ = true;

@@ -84,6 +84,9 @@ public:
     void SetSQLOptions(TSQLOptions options);
     TSQLSyntax GetSQLSyntax() const { return sqlSyntax_; }
     void SetSQLSyntax(TSQLSyntax syntax);
+    // The engine that the statement is for; the standard: as the model and the syntax say.
+    TSQLDialect GetDialect() const { return dialect_; }
+    void SetDialect(TSQLDialect dialect);
     // The statement keeps its shape and means what the rows say, or building it is refused.
     bool GetStrict() const { return strict_; }
     void SetStrict(bool strict);
@@ -93,6 +96,8 @@ public:
     // Builds the statement; GetQResult().GetSQL() then gives it. Without conditions it takes the columns
     // alone. EVQueryPanelError, EVDBStructError, EConvertError.
     void BuildQuery(bool withConditions = true);
+    // The same as the last time.
+    void BuildAgain() { BuildQuery(builtConditions_); }
     // The text with which value `value` of a condition stands in the statement.
     std::string ExtractValue(const TFilterCond& condition, int value) const;
     // A date or time between the user's format and the model's SQL format.
@@ -205,6 +210,8 @@ private:
     TSQLOptions sqlOptions_ = DefaultSQLOptions;
     TSQLSyntax sqlSyntax_ = ssSQL2;
     bool saveSQLOptions_ = false;
+    bool builtConditions_ = true;
+    TSQLDialect dialect_ = sdStandard;
     bool strict_ = false;
     double version_ = CurrentQueryVersion;
     std::vector<TConditionTarget> conditionTargets_;

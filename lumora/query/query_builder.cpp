@@ -1,33 +1,50 @@
 #include "lumora/query/query_builder.h"
 
+#include "lumora/model/structure.h"
 #include "lumora/query/errors.h"
 #include "lumora/query/strict_checks.h"
 #include "lumora/support/string_helpers.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <utility>
 
 namespace lumora {
 
 TQueryBuilder::TQueryBuilder(TVQuery& panel, const TVCustomDBStructure& structure)
     : panel_(panel),
       result_(panel.GetQResult()),
-      values_(structure, panel.GetSQLSyntax(), panel.GetStrict()),
       structure_(structure),
       strict_(panel.GetStrict()),
+      dialect_(EffectiveDialect(panel.GetDialect(), panel.GetSQLSyntax(), strict_)),
+      quoting_(QuotingOf(dialect_, strict_)),
+      exact_(strict_ || dialect_.Exact),
+      values_(structure, dialect_, strict_),
       bracketConditions_(panel.GetSQLOptions().Contains(soBracketConditions)) {}
 
 void TQueryBuilder::Build(TDSTable* mainTable, const TFilterBracket* root) {
-    result_.ClearBuild();
-    open_.reserve(16); // brackets are mostly nested less deep
+    statement_ = result_.BeginBuild();
+    hostWantsText_ = panel_.WantsConditionText();
+    added_.reserve(std::size(recent_));
+    try {
+        Collect(mainTable, root);
+    } catch (...) {
+        result_.FinishBuild(false);
+        throw;
+    }
+    result_.EndBuild(std::move(statement_));
+    result_.FinishBuild(true);
+}
+
+void TQueryBuilder::Collect(TDSTable* mainTable, const TFilterBracket* root) {
     if (mainTable)
         AddTable(mainTable);
     AddResultFields();
-    if (!root)
-        return;
-    if (root->GetEnabled())
-        WriteBracket(*root);
-    if (result_.GetResultTables().Empty())
+    if (root && root->GetEnabled())
+        statement_.Select.Where = MakeBracket(*root);
+    if (root && result_.GetResultTables().Empty())
         throw EVQueryPanelError(qpeNoEnoughInfo);
 }
 
@@ -41,9 +58,11 @@ bool TQueryBuilder::HasTable(TDSTable* table) const {
 }
 
 void TQueryBuilder::AddTable(TDSTable* table) {
-    if (table == lastAdded_)
+    const TDSTable*& recent =
+        recent_[(reinterpret_cast<std::uintptr_t>(table) / alignof(std::max_align_t)) % std::size(recent_)];
+    if (recent == table)
         return;
-    lastAdded_ = table;
+    recent = table;
     const auto place = std::lower_bound(added_.begin(), added_.end(), table, std::less<>());
     if (place != added_.end() && *place == table)
         return;
@@ -59,9 +78,19 @@ void TQueryBuilder::AddTable(TDSTable* table) {
     structure_.FindPath(*tables.GetItem(0).Table, *table, path);
     for (int i = 1; i < path.GetTableCount(); ++i) {
         TDSTable* const step = path.GetTable(i);
-        if (!HasTable(step))
-            tables.Add(step, path.GetTable(i - 1)->LinkByTable(step));
+        if (HasTable(step))
+            continue;
+        TDSLink* const link = path.GetTable(i - 1)->LinkByTable(step);
+        if (strict_)
+            CheckLink(*link);
+        tables.Add(step, link);
     }
+}
+
+// Without fields it would say "ON" and nothing, or join each record with each.
+void TQueryBuilder::CheckLink(const TDSLink& link) const {
+    if (link.Fields1.Empty())
+        throw EVQueryPanelError(qpeEmptyLink, {link.Table1->GetAlias(), link.Table2->GetAlias()});
 }
 
 void TQueryBuilder::AddTables(const TDSTableList& tables) {
@@ -75,7 +104,7 @@ void TQueryBuilder::AddResultFields() {
     TRFieldList& fields = result_.GetResultFields();
     fields.GenerateNumbers();
     bool aggregates = false;
-    std::vector<std::pair<int, std::string>> sorted;
+    std::vector<const TResultField*> sorted;
     for (int i = 0; i < fields.Count(); ++i) {
         TResultField& field = *fields.GetRField(i);
         if (strict_)
@@ -84,127 +113,136 @@ void TQueryBuilder::AddResultFields() {
         for (const TDSField* const entry : field.GetFields())
             AddTables(entry->GetTables());
         if (field.GetSorting() != stNoSort)
-            sorted.emplace_back(field.GetSortOrder(), SortItem(field));
+            sorted.push_back(&field);
     }
-    std::stable_sort(sorted.begin(), sorted.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
-    for (const auto& item : sorted)
-        result_.OrderBy.append(result_.OrderBy.empty() ? "" : ", ").append(item.second);
+    AddSortItems(sorted);
     if (aggregates)
         AddGroupBy();
+}
+
+void TQueryBuilder::AddSortItems(std::vector<const TResultField*>& sorted) {
+    std::stable_sort(sorted.begin(), sorted.end(), [](const TResultField* a, const TResultField* b) {
+        return a->GetSortOrder() < b->GetSortOrder();
+    });
+    TNodeList<TSortItem>& items = statement_.Select.OrderBy;
+    for (const TResultField* const field : sorted) {
+        const bool constant = strict_ && IsNumberConstant(field->GetSQLExpr());
+        if (constant && result_.GetResultFields().JustSorting)
+            continue; // the same in every record, and a number there would be a position
+        statement_.Text += items.Empty() ? "" : ", ";
+        const std::size_t start = statement_.Text.size();
+        AppendSortItem(statement_.Text, *field, constant);
+        TSortItem* const item = statement_.Nodes.New<TSortItem>();
+        item->Text = statement_.SpanFrom(start);
+        items.Add(item);
+    }
 }
 
 void TQueryBuilder::CheckResultField(const TResultField& field) const {
     for (const TDSField* const entry : field.GetFields())
         if (entry == structure_.GetUnrecognizedField())
             throw EVQueryPanelError(qpeUnrecognizedField, {field.GetCaption()});
-    CheckExpression(field.GetSQLExpr(), field.GetCaption());
+    CheckExpression(field.GetSQLExpr(), field.GetCaption(), dialect_);
     CheckSorting(field);
 }
 
-// Records that are shown whole and told apart can be sorted by their columns only: not every engine takes
-// more, and none could mean it.
+// Records that are shown whole can't be sorted by a total: it would group them. Those that are told apart can
+// be sorted by their columns only: not every engine takes more, and none could mean it.
 void TQueryBuilder::CheckSorting(const TResultField& field) const {
-    if (field.GetSorting() == stNoSort || !result_.GetResultFields().JustSorting ||
-        !panel_.GetSQLOptions().Contains(soSelectDistinct))
+    if (!result_.GetResultFields().JustSorting)
+        return;
+    const bool distinct = panel_.GetSQLOptions().Contains(soSelectDistinct);
+    if (field.GetAgregate() && !(distinct && field.GetSorting() != stNoSort))
+        throw EVQueryPanelError(qpeCantSortByTotal, {field.GetCaption()});
+    if (field.GetSorting() == stNoSort || !distinct)
         return;
     const TDSFieldList& fields = field.GetFields();
     if (fields.size() != 1 || fields.front()->GetKind() != vfkData || field.GetFormula() != "@1")
         throw EVQueryPanelError(qpeCantSortDistinct, {field.GetCaption()});
 }
 
-std::string TQueryBuilder::SortItem(TResultField& field) const {
+// By name, or by position: a `constant` would be taken for another one.
+void TQueryBuilder::AppendSortItem(std::string& out, const TResultField& field, bool constant) const {
     const bool justSorting = result_.GetResultFields().JustSorting;
-    const bool constant = field.GetFields().empty(); // its text might be taken for a position
-    const bool byName =
-        justSorting || (panel_.GetSQLOptions().Contains(soSortByNames) && !(strict_ && constant));
-    std::string item;
+    const bool fieldless = field.GetFields().empty();
+    const bool byName = justSorting || (panel_.GetSQLOptions().Contains(soSortByNames) &&
+                                        !(strict_ && fieldless) && !constant);
     if (!byName)
-        item = std::to_string(field.GetNumber());
-    else if (constant || strict_) // strict: what the column shows, not only the first field in it
-        item = field.GetSQLExpr();
+        out += std::to_string(field.GetNumber());
+    else if (fieldless || strict_) // strict: what the column shows, not only the first field in it
+        field.AppendSQLExpr(out);
     else
-        item = field.GetFields().front()->GetSQLExpr();
-    return item + (field.GetSorting() == stAscending ? " ASC" : " DESC");
+        field.GetFields().front()->AppendSQLExpr(out, quoting_);
+    out += field.GetSorting() == stAscending ? " ASC" : " DESC";
 }
 
 void TQueryBuilder::AddGroupBy() {
     TRFieldList& fields = result_.GetResultFields();
+    TNodeList<TGroupItem>& items = statement_.Select.GroupBy;
     for (int i = 0; i < fields.Count(); ++i) {
         const TResultField& field = *fields.GetRField(i);
         if (field.GetAgregate())
             continue;
-        for (const TDSField* const entry : field.GetFields())
-            if (const std::string item = entry->GetGroupByFields(strict_ ? nqStrict : nqPlain); !item.empty())
-                result_.GroupBy.append(result_.GroupBy.empty() ? "" : ", ").append(item);
+        for (const TDSField* const entry : field.GetFields()) {
+            const std::string text = entry->GetGroupByFields(quoting_);
+            if (text.empty())
+                continue;
+            statement_.Text += items.Empty() ? "" : ", ";
+            TGroupItem* const item = statement_.Nodes.New<TGroupItem>();
+            item->Text = statement_.Append(text);
+            items.Add(item);
+        }
     }
 }
 
 // --- Conditions.
 
-void TQueryBuilder::WriteBracket(const TFilterBracket& bracket) {
-    open_.push_back({bracket.GetLinkType()});
+// None for a bracket without conditions: it leaves no trace.
+TPredicate* TQueryBuilder::MakeBracket(const TFilterBracket& bracket) {
+    const TFilterLinkType type = bracket.GetLinkType();
+    TPredicate* const node =
+        statement_.NewBracket(type == fltAny || type == fltNone, type == fltNone || type == fltNotAll);
     for (int i = 0; i < bracket.GetRowCount(); ++i) {
         TFilterRow& row = *bracket.GetRow(i);
         if (!row.GetEnabled())
             continue;
-        if (row.GetRowType() == frtBracket)
-            WriteBracket(static_cast<TFilterBracket&>(row));
-        else
-            WriteCondition(static_cast<TFilterCond&>(row));
+        TPredicate* const member = row.GetRowType() == frtBracket
+                                       ? MakeBracket(static_cast<TFilterBracket&>(row))
+                                       : MakeLeaf(static_cast<TFilterCond&>(row));
+        if (member)
+            node->Members.Add(member);
     }
-    if (open_.back().Opened)
-        result_.Conditions().Add(")");
-    open_.pop_back();
+    return node->Members.Empty() ? nullptr : node;
 }
 
-// Opens the brackets around the row that are not open yet, and joins the row to the one before it.
-void TQueryBuilder::BeginRow() {
-    std::size_t first = open_.size();
-    while (first > 0 && !open_[first - 1].Opened)
-        --first;
-    for (std::size_t i = first; i < open_.size(); ++i) {
-        if (i > 0)
-            StartRowIn(open_[i - 1]);
-        const bool negated = open_[i].LinkType == fltNone || open_[i].LinkType == fltNotAll;
-        result_.Conditions().Add(negated ? " NOT (" : " (");
-        open_[i].Opened = true;
-    }
-    StartRowIn(open_.back());
-}
-
-void TQueryBuilder::StartRowIn(TOpenBracket& bracket) {
-    if (bracket.HasRows)
-        result_.Conditions().AppendToLast(bracket.LinkType == fltAny || bracket.LinkType == fltNone ? " OR"
-                                                                                                    : " AND");
-    bracket.HasRows = true;
-}
-
-void TQueryBuilder::WriteCondition(TFilterCond& condition) {
-    AddTables(condition.GetTables());
-    if (!condition.GetTemplate())
-        return;
+// None for a condition without an operator.
+TPredicate* TQueryBuilder::MakeLeaf(TFilterCond& condition) {
+    const TDSTableList& tables = condition.GetTables();
+    AddTables(tables);
+    const TSQLTemplate* const pattern = condition.GetTemplate();
+    if (!pattern)
+        return nullptr;
     if (strict_ && condition.GetRowType() == frtSimpleCondition)
         CheckRecognized(static_cast<TSimpleCond&>(condition));
+    TPredicate* const leaf = statement_.Nodes.New<TPredicate>();
+    leaf->Tables = &tables;
     // A strict query holds an "or" of the template together, whatever stands around it.
-    const bool bracketed = bracketConditions_ || (strict_ && condition.GetTemplate()->HasOuterOr());
-    TStringList& lines = result_.Conditions();
-    if (panel_.WantsConditionText()) {
-        text_.clear();
-        FillTemplate(text_, condition);
-        panel_.ConditionText(condition, text_);
-        BeginRow();
-        lines.Tail().append(bracketed ? "(" : "").append(text_).append(bracketed ? ")" : "");
-    } else {
-        BeginRow();
-        std::string& line = lines.Tail();
-        if (bracketed)
-            line += '(';
-        FillTemplate(line, condition);
-        if (bracketed)
-            line += ')';
-    }
-    lines.EndLine();
+    leaf->Parenthesized = bracketConditions_ || (strict_ && pattern->HasOuterOr());
+    FillTemplate(*leaf, condition);
+    if (hostWantsText_)
+        LetHostChange(*leaf, condition);
+    return leaf;
+}
+
+// What the host makes of a condition's text is its own: nothing is known of the values in it.
+void TQueryBuilder::LetHostChange(TPredicate& leaf, TFilterCond& condition) {
+    std::string text(statement_.View(leaf.Text));
+    const unsigned version = panel_.GetRowsVersion();
+    panel_.ConditionText(condition, text);
+    if (panel_.GetRowsVersion() != version)
+        throw EVQueryPanelError(qpeChangedMeanwhile);
+    leaf.Text = statement_.Append(text);
+    leaf.Values = {};
 }
 
 void TQueryBuilder::CheckRecognized(const TSimpleCond& condition) const {
@@ -214,32 +252,41 @@ void TQueryBuilder::CheckRecognized(const TSimpleCond& condition) const {
         throw EVQueryPanelError(qpeUnrecognizedOperator, {"row " + condition.GetRowID()});
 }
 
-void TQueryBuilder::FillTemplate(std::string& out, TFilterCond& condition) {
+void TQueryBuilder::FillTemplate(TPredicate& leaf, TFilterCond& condition) {
     TPlanRequest request;
-    request.Strict = strict_;
+    request.Strict = exact_;
     request.HasField =
         condition.GetRowType() == frtSimpleCondition && static_cast<TSimpleCond&>(condition).GetField();
     request.HasTable = !condition.GetTables().empty();
     request.HasMainTable = !result_.GetResultTables().Empty();
     request.ValueCount = condition.GetValueCount();
     for (int value = 1; value <= std::min(request.ValueCount, MaxTemplateValues); ++value)
-        request.SetEntry(value, values_.EntryOf(condition, value));
+        request.SetEntry(value,
+                         condition.GetValueIsParam(value)
+                             ? veParameter
+                             : values_.EntryOf(condition.GetValueKind(value), condition.GetValueType(value)));
     TTemplatePlan spare;
     const TTemplatePlan& plan = condition.GetTemplate()->Plan(request, spare);
     if (!plan.Patterns.empty())
         RefreshPatterns(plan, condition);
-    AppendPieces(out, plan.Pieces, condition);
+    const std::size_t start = statement_.Text.size();
+    AppendPieces(statement_.Text, plan.Pieces, condition, &leaf);
+    leaf.Text = statement_.SpanFrom(start);
 }
 
 void TQueryBuilder::AppendPieces(std::string& out, const std::vector<TTemplatePiece>& pieces,
-                                 TFilterCond& condition) {
-    for (const TTemplatePiece& piece : pieces)
+                                 TFilterCond& condition, TPredicate* leaf) {
+    bool quoteTaken = false; // the one that the next piece begins with
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        const TTemplatePiece& piece = pieces[i];
+        std::size_t start = out.size();
         switch (piece.Kind) {
         case tpLiteral:
-            out += piece.Text;
+            out.append(piece.Text, quoteTaken ? 1 : 0);
+            quoteTaken = false;
             break;
         case tpField:
-            static_cast<TSimpleCond&>(condition).GetField()->AppendSQLExpr(out, strict_ ? nqStrict : nqPlain);
+            static_cast<TSimpleCond&>(condition).GetField()->AppendSQLExpr(out, quoting_);
             break;
         case tpTable:
             out += condition.GetTables().front()->GetName();
@@ -247,25 +294,59 @@ void TQueryBuilder::AppendPieces(std::string& out, const std::vector<TTemplatePi
         case tpMainTable:
             out += result_.GetResultTables().GetItem(0).Table->GetName();
             break;
-        case tpValue:
-            values_.Append(out, condition, piece.Value, strict_ && !piece.InLiteral);
-            break;
-        case tpParamName:
-            AppendParamName(out, *condition.GetParam(piece.Value));
-            break;
-        case tpParamPattern:
-            out += '\'';
-            AppendDoubled(out, condition.GetParam(piece.Value)->ValueFormat, '\'');
-            out += '\'';
+        case tpValue: {
+            const TValueWriter::TValue value = TValueWriter::ValueOf(condition, piece.Value);
+            if (piece.InLiteral && values_.NeedsOwnLiteral(value)) {
+                TakeQuotes(out, i + 1 < pieces.size() ? &pieces[i + 1] : nullptr, value);
+                start = out.size();
+                quoteTaken = true;
+            }
+            values_.Append(out, value, quoteTaken || (exact_ && !piece.InLiteral));
+            if (leaf)
+                AddLeafValue(*leaf, start, value.Type, piece);
             break;
         }
+        case tpParamName:
+            AppendParamName(out, *condition.GetParam(piece.Value));
+            if (leaf)
+                AddLeafValue(*leaf, start, condition.GetValueType(piece.Value), piece);
+            break;
+        case tpParamPattern:
+            AppendTextLiteral(out, dialect_, condition.GetParam(piece.Value)->ValueFormat);
+            break;
+        }
+    }
+}
+
+void TQueryBuilder::AddLeafValue(TPredicate& leaf, std::size_t start, TFieldType type,
+                                 const TTemplatePiece& piece) {
+    TLeafValue* const value = statement_.Nodes.New<TLeafValue>();
+    value->Text = statement_.SpanFrom(start);
+    value->Type = type;
+    value->Number = piece.Value;
+    value->IsParam = piece.Kind == tpParamName;
+    leaf.Values.Add(value);
+}
+
+// Takes the quote before a value away, for the value brings its own literal; the one behind it is to be left
+// out. Refused where other text stands in the same quotes.
+void TQueryBuilder::TakeQuotes(std::string& out, const TTemplatePiece* next,
+                               const TValueWriter::TValue& value) const {
+    const std::size_t size = out.size();
+    const char before = size > 1 ? out[size - 2] : ' ';
+    const bool opens = size > 0 && out[size - 1] == '\'' && before != '\'' && !IsParamName({&before, 1});
+    const bool closes = next && next->Kind == tpLiteral && next->Text[0] == '\'' &&
+                        (next->Text.size() == 1 || next->Text[1] != '\'');
+    if (!opens || !closes)
+        RaiseInvalidValue(value.Text, value.Condition.GetCaptionText());
+    out.pop_back();
 }
 
 // The pattern is what stood around the parameter's place, without its quotes.
 void TQueryBuilder::RefreshPatterns(const TTemplatePlan& plan, TFilterCond& condition) {
     for (const TTemplatePlan::TPattern& pattern : plan.Patterns) {
         std::string text;
-        AppendPieces(text, pattern.Pieces, condition);
+        AppendPieces(text, pattern.Pieces, condition, nullptr);
         std::erase(text, '\'');
         condition.GetParam(pattern.Value)->ValueFormat = std::move(text);
     }

@@ -20,42 +20,42 @@ public:
     void Build(TDSTable* mainTable, const TFilterBracket* root);
 
 private:
-    // A bracket whose rows are being written. Its opening line is written with its first condition, so that a
-    // bracket without conditions leaves no trace.
-    struct TOpenBracket {
-        TFilterLinkType LinkType;
-        bool Opened = false;
-        bool HasRows = false;
-    };
-
+    void Collect(TDSTable* mainTable, const TFilterBracket* root);
     void AddTable(TDSTable* table);
     void AddTables(const TDSTableList& tables);
     bool HasTable(TDSTable* table) const;
     void AddResultFields();
     void CheckResultField(const TResultField& field) const;
     void CheckSorting(const TResultField& field) const;
+    void CheckLink(const TDSLink& link) const;
     void CheckRecognized(const TSimpleCond& condition) const;
-    std::string SortItem(TResultField& field) const;
+    void AddSortItems(std::vector<const TResultField*>& sorted);
+    void AppendSortItem(std::string& out, const TResultField& field, bool constant) const;
     void AddGroupBy();
-    void WriteBracket(const TFilterBracket& bracket);
-    void WriteCondition(TFilterCond& condition);
-    void BeginRow();
-    void StartRowIn(TOpenBracket& bracket);
-    void FillTemplate(std::string& out, TFilterCond& condition);
-    void AppendPieces(std::string& out, const std::vector<TTemplatePiece>& pieces, TFilterCond& condition);
+    TPredicate* MakeBracket(const TFilterBracket& bracket);
+    TPredicate* MakeLeaf(TFilterCond& condition);
+    void LetHostChange(TPredicate& leaf, TFilterCond& condition);
+    void FillTemplate(TPredicate& leaf, TFilterCond& condition);
+    void AppendPieces(std::string& out, const std::vector<TTemplatePiece>& pieces, TFilterCond& condition,
+                      TPredicate* leaf);
+    void AddLeafValue(TPredicate& leaf, std::size_t start, TFieldType type, const TTemplatePiece& piece);
     void RefreshPatterns(const TTemplatePlan& plan, TFilterCond& condition);
+    void TakeQuotes(std::string& out, const TTemplatePiece* next, const TValueWriter::TValue& value) const;
     void AppendParamName(std::string& out, const TSQLParam& param) const;
 
     TVQuery& panel_;
     TQueryResult& result_;
-    TValueWriter values_;
     const TVCustomDBStructure& structure_;
     const bool strict_;
+    const TDialect& dialect_;
+    const TNameQuoting quoting_;
+    const bool exact_; // placeholders outside quotes are replaced alone
+    TValueWriter values_;
     const bool bracketConditions_;
-    std::vector<TOpenBracket> open_;
     std::vector<const TDSTable*> added_; // tables that were asked for before, ascending
-    const TDSTable* lastAdded_ = nullptr;
-    std::string text_;
+    const TDSTable* recent_[16] = {};    // some of them, each at the place that its address gives
+    bool hostWantsText_ = false;
+    TStatement statement_;
 };
 
 } // namespace lumora

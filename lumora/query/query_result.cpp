@@ -2,8 +2,11 @@
 
 #include "lumora/query/errors.h"
 #include "lumora/query/filter_rows.h"
+#include "lumora/statement/dialects/dialect.h"
+#include "lumora/statement/sql_printer.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace lumora {
 
@@ -40,104 +43,163 @@ void TQueryResult::ClearBuild() {
     GroupBy.clear();
     resultTables_.Clear();
     conditions_.Clear();
-}
-
-// --- The statement.
-
-const TStringList& TQueryResult::GetSQL() {
-    sql_.Clear();
-    sql_.Add(GetSelectClause());
-    sql_.AddStrings(GetFromClause());
-    if (usesSQL1Joins_ || !conditions_.Empty()) {
-        sql_.Add("WHERE");
-        if (usesSQL1Joins_ && AddSQL1Joins(sql_) && !conditions_.Empty())
-            sql_.AppendToLast(" AND");
-        sql_.AddStrings(conditions_);
-    }
-    if (!GroupBy.empty())
-        sql_.Add("GROUP BY " + GroupBy);
-    if (!OrderBy.empty())
-        sql_.Add("ORDER BY " + OrderBy);
-    return sql_;
-}
-
-std::string TQueryResult::GetSelectClause() {
-    if (sqlOptions_.Contains(soASCIIRFields))
-        ReplaceForeignAliases();
-    std::string line = sqlOptions_.Contains(soSelectDistinct) ? "SELECT DISTINCT " : "SELECT ";
-    if (resultFields_.JustSorting || resultFields_.Count() == 0)
-        return line += '*';
-    for (int i = 0; i < resultFields_.Count(); ++i)
-        line.append(i == 0 ? "" : ", ").append(resultFields_.GetRField(i)->GetSelectExpr());
-    return line;
-}
-
-void TQueryResult::ReplaceForeignAliases() {
-    for (int i = 0; i < resultFields_.Count(); ++i) {
-        TResultField& field = *resultFields_.GetRField(i);
-        const std::string& alias = field.GetAlias();
-        if (std::any_of(alias.begin(), alias.end(),
-                        [](char c) { return static_cast<unsigned char>(c) >= 128; }))
-            field.SetAlias("C" + std::to_string(i + 1));
-    }
+    statement_.Clear();
+    built_ = {};
+    wasBuilt_ = stale_ = false;
 }
 
 namespace {
 
-std::string_view JoinKind(const TResultTable& table) {
-    const bool isSecond = table.Link->Table2 == table.Table;
-    switch (table.Link->LinkType) {
-    case ltOuterLeft:
-        return isSecond ? "LEFT OUTER" : "RIGHT OUTER";
-    case ltOuterRight:
-        return isSecond ? "RIGHT OUTER" : "LEFT OUTER";
-    case ltOuterFull:
-        return "FULL";
-    case ltInner:
-        break;
-    }
-    return "INNER";
+// The text of all items with what stands between them; they were written one behind the other.
+template <typename TItem>
+TTextSpan WholeClause(const TNodeList<TItem>& items) {
+    if (items.Empty())
+        return {};
+    const std::size_t start = items.First->Text.Start;
+    return {start, items.Last->Text.Start + items.Last->Text.Length - start};
 }
 
 } // namespace
 
-const TStringList& TQueryResult::GetFromClause() {
+// Handed out whole, so that nothing that the host asks for in the middle can disturb it.
+TStatement TQueryResult::BeginBuild() {
+    ClearBuild();
+    wasBuilt_ = building_ = true;
+    builtVersion_ = resultFields_.GetVersion();
+    builtJustSorting_ = resultFields_.JustSorting;
+    return std::exchange(statement_, TStatement());
+}
+
+void TQueryResult::EndBuild(TStatement statement) {
+    statement_ = std::move(statement);
+    const TSelect& select = statement_.Select;
+    built_ = {select, statement_.Mark(), WholeClause(select.GroupBy), WholeClause(select.OrderBy)};
+    GroupBy = statement_.View(built_.GroupBy);
+    OrderBy = statement_.View(built_.OrderBy);
+}
+
+// What a failed build has left is no statement: whoever asks for one has it built again.
+void TQueryResult::FinishBuild(bool succeeded) {
+    building_ = false;
+    stale_ = stale_ || !succeeded;
+}
+
+// --- The statement.
+
+TSQLPrinter TQueryResult::Printer() const {
+    const TSQLOptions options = panel_.GetSQLOptions();
+    TPrintOptions form;
+    form.Syntax = sqlSyntax_;
+    const TDialect& dialect = EffectiveDialect(panel_.GetDialect(), sqlSyntax_, panel_.GetStrict());
+    form.Quoting = QuotingOf(dialect, panel_.GetStrict());
+    form.Limit = dialect.Limit;
+    form.BracketJoins = options.Contains(soBracketJoins);
+    form.BracketConditions = options.Contains(soBracketConditions);
+    return {statement_, form};
+}
+
+const TStringList& TQueryResult::GetSQL() {
+    GetStatement();
+    sql_.Clear();
+    Printer().Print(sql_, conditions_);
+    return sql_;
+}
+
+void TQueryResult::BuildAgainWhenStale() {
+    const bool changed = stale_ || builtVersion_ != resultFields_.GetVersion() ||
+                         builtJustSorting_ != resultFields_.JustSorting;
+    if (wasBuilt_ && changed && !building_)
+        panel_.BuildAgain();
+}
+
+const TStatement& TQueryResult::GetStatement() {
+    BuildAgainWhenStale();
+    BeginClauses();
+    AddColumns();
+    AddTables();
+    AddGroupsAndSorting();
+    return statement_;
+}
+
+// Conditions stay as they were built; the other clauses are made anew from lists that the host may change.
+void TQueryResult::BeginClauses() {
+    statement_.Rewind(built_.End);
+    statement_.Select = built_.Select;
+}
+
+void TQueryResult::AddColumns() {
+    for (int i = 0; i < resultFields_.Count() && sqlOptions_.Contains(soASCIIRFields); ++i)
+        resultFields_.GetRField(i)->ReplaceForeignAlias();
+    TSelect& select = statement_.Select;
+    select.Distinct = sqlOptions_.Contains(soSelectDistinct);
+    for (int i = 0; i < resultFields_.Count() && !resultFields_.JustSorting; ++i) {
+        TSelectColumn* const column = statement_.Nodes.New<TSelectColumn>();
+        const std::size_t start = statement_.Text.size();
+        resultFields_.GetRField(i)->AppendSelectExpr(statement_.Text);
+        column->Text = statement_.SpanFrom(start);
+        select.Columns.Add(column);
+    }
+}
+
+void TQueryResult::AddTables() {
     if (resultTables_.Empty())
         throw EVQueryPanelError(qpeQueryWasNotBuilt);
-    const bool joins = sqlSyntax_ == ssSQL2;
-    const int joinCount = resultTables_.Count() - 1;
-    const bool bracketed = joins && joinCount > 1 && panel_.GetSQLOptions().Contains(soBracketJoins);
-    usesSQL1Joins_ = !joins && joinCount > 0;
-    from_.Clear();
-    std::string line = "FROM ";
-    line.append(static_cast<std::size_t>(bracketed ? joinCount - 1 : 0), '(');
     for (int i = 0; i < resultTables_.Count(); ++i) {
         const TResultTable& item = resultTables_.GetItem(i);
-        if (i > 0) {
-            line = "     ";
-            if (joins)
-                line.append(JoinKind(item)).append(" JOIN ");
-        }
-        item.Table->AppendSQLExpr(line, Quoting());
-        if (i > 0 && joins) {
-            line += " ON ";
-            item.Link->AppendSQLExpr(line, ssSQL2, Quoting());
-        }
-        if (bracketed && i > 0 && i < joinCount)
-            line += ')';
-        if (!joins && i < joinCount)
-            line += ", ";
-        from_.Add(line);
+        TJoinedTable* const joined = statement_.Nodes.New<TJoinedTable>();
+        joined->Table = item.Table;
+        joined->Link = item.Link;
+        statement_.Select.Tables.Add(joined);
     }
+    usesSQL1Joins_ = Printer().JoinsInWhere();
+}
+
+// A text that the host has put into OrderBy or GroupBy stands as one item.
+void TQueryResult::AddGroupsAndSorting() {
+    const auto replace = [this](auto& items, auto* node, TTextSpan built, const std::string& text) {
+        if (text == statement_.View(built))
+            return;
+        items = {};
+        node->Text = statement_.Append(text);
+        if (!text.empty())
+            items.Add(node);
+    };
+    replace(statement_.Select.GroupBy, statement_.Nodes.New<TGroupItem>(), built_.GroupBy, GroupBy);
+    replace(statement_.Select.OrderBy, statement_.Nodes.New<TSortItem>(), built_.OrderBy, OrderBy);
+}
+
+TStringList& TQueryResult::Conditions() {
+    if (built_.Select.Where) {
+        BeginClauses();
+        Printer().PrintWhere(conditions_);
+        built_.Select.Where = nullptr;
+    }
+    return conditions_;
+}
+
+std::string TQueryResult::GetSelectClause() {
+    BeginClauses();
+    AddColumns();
+    std::string line;
+    Printer().AppendSelect(line);
+    return line;
+}
+
+const TStringList& TQueryResult::GetFromClause() {
+    BeginClauses();
+    AddTables();
+    from_.Clear();
+    Printer().PrintFrom(from_);
     return from_;
 }
 
 bool TQueryResult::AddSQL1Joins(TStringList& lines) const {
-    const TSQLSyntax form = sqlSyntax_ == ssOracle ? ssOracle : ssSQL1;
+    const TSQLPrinter printer = Printer();
     for (int i = 1; i < resultTables_.Count(); ++i) {
         if (i > 1)
             lines.AppendToLast(" AND");
-        lines.Add("   " + AdjustCondition(resultTables_.GetItem(i).Link->GetSQLExpr(form, Quoting())));
+        printer.AppendLink(lines.Tail(), *resultTables_.GetItem(i).Link);
+        lines.EndLine();
     }
     return resultTables_.Count() > 1;
 }
@@ -159,15 +221,24 @@ std::string TQueryResult::AdjustCondition(std::string_view text) const {
 
 // --- Parameters.
 
+namespace {
+
+std::string DefaultCaption(const TSQLParam& param) {
+    return param.GetCondition().GetValueName(param.GetValueIndex()) + " param";
+}
+
+} // namespace
+
 TSQLParam* TQueryResult::AddParameter(TFilterCond& condition, int valueIndex) {
     TSQLParam* const other = FindParameterByCondition(&condition, valueIndex == 1 ? 2 : 1);
     TSQLParam* const param = params_.Add(std::make_unique<TSQLParam>(condition, valueIndex));
     param->Name = "Param" + std::to_string(params_.Count() + ParamNumberBase);
-    const std::string caption = condition.GetValueName(valueIndex) + " param";
-    param->Caption = caption;
+    param->Caption = DefaultCaption(*param);
     if (other) {
-        param->Caption = caption + (valueIndex == 1 ? " 1" : " 2");
-        other->Caption = caption + (valueIndex == 1 ? " 2" : " 1");
+        // Two of one condition are told apart; a caption that the host has given stays.
+        if (other->Caption == DefaultCaption(*other))
+            other->Caption += other->GetValueIndex() == 1 ? " 1" : " 2";
+        param->Caption += valueIndex == 1 ? " 1" : " 2";
     }
     panel_.ParametersListChanged();
     return param;

@@ -8,11 +8,14 @@
 #include "lumora/query/result_tables.h"
 #include "lumora/query/sql_options.h"
 #include "lumora/query/sql_params.h"
+#include "lumora/statement/select.h"
 
 #include <string>
 #include <string_view>
 
 namespace lumora {
+
+class TSQLPrinter;
 
 class TQueryResult : public TPersistent {
 public:
@@ -35,9 +38,12 @@ public:
     // The panel has another model now.
     void DbStructChanged(const TVCustomDBStructure* structure);
 
-    // --- The statement, from what the build step has put together.
-    // The whole statement, one clause part a line. EVQueryPanelError when no query was built.
+    // --- The statement, from what the build step has put together or the host has put into the lists.
+    // The whole statement, one clause part a line. A query that has changed since it was built is built
+    // again, and what building raises comes through. EVQueryPanelError when no query was built.
     const TStringList& GetSQL();
+    // The same as a tree, which holds until the next call of these operations.
+    const TStatement& GetStatement();
     std::string GetSelectClause();
     const TStringList& GetFromClause();
     // Adds the link conditions of all tables but the first as WHERE lines; true when there were any.
@@ -45,14 +51,23 @@ public:
     // The same conditions as one text, lines separated by carriage return and line feed.
     std::string GetJoinConditions() const;
     std::string AdjustCondition(std::string_view text) const;
-    void AddCondition(std::string_view text) { conditions_.Add(AdjustCondition(text)); }
-    TStringList& Conditions() { return conditions_; }
+    void AddCondition(std::string_view text) { Conditions().Add(AdjustCondition(text)); }
+    // The WHERE lines without the joins. They may be changed; the tree has none of its own from then on.
+    TStringList& Conditions();
     bool GetUsesSQL1Joins() const { return usesSQL1Joins_; }
 
     std::string OrderBy; // the items of the clause; empty: none
     std::string GroupBy;
-    // Forgets what an earlier build has put together.
+    // Forgets what an earlier build has put together. What is then put into the lists by hand stays.
     void ClearBuild();
+    // What was built is no longer what the query says.
+    void QueryChanged() { stale_ = true; }
+    // The build step makes conditions, group and sort items in the statement that BeginBuild hands out;
+    // EndBuild takes it back and makes the texts of the two clauses.
+    // FinishBuild says whether it came so far.
+    TStatement BeginBuild();
+    void EndBuild(TStatement statement);
+    void FinishBuild(bool succeeded);
 
     // --- Parameters. Each change tells the panel.
     int GetParamCount() const { return params_.Count(); }
@@ -66,20 +81,37 @@ public:
     int ParamNumberBase = 0; // new parameters are numbered on from here
 
 private:
-    bool Strict() const { return panel_.GetStrict(); }
-    TNameQuoting Quoting() const { return Strict() ? nqStrict : nqPlain; }
-    void ReplaceForeignAliases();
+    TSQLPrinter Printer() const;
+    void BuildAgainWhenStale();
+    void BeginClauses();
+    void AddColumns();
+    void AddTables();
+    void AddGroupsAndSorting();
 
     TVQuery& panel_;
     TRFieldList resultFields_;
     TRTableList resultTables_;
+    TStatement statement_;
+    // What the build step has made.
+    struct TBuilt {
+        TSelect Select;
+        TStatement::TMark End;
+        TTextSpan GroupBy; // the items with what stands between them
+        TTextSpan OrderBy;
+    };
+    TBuilt built_;
     TStringList from_;
-    TStringList conditions_;
+    TStringList conditions_; // in the place of the tree's conditions
     TStringList sql_;
     TSQLParamList params_;
     TSQLOptions sqlOptions_ = DefaultSQLOptions;
     TSQLSyntax sqlSyntax_ = ssSQL2;
     bool usesSQL1Joins_ = false;
+    bool wasBuilt_ = false; // by the build step, whether or not it failed
+    bool building_ = false;
+    bool stale_ = false;
+    unsigned builtVersion_ = 0; // of the result fields
+    bool builtJustSorting_ = false;
 };
 
 } // namespace lumora

@@ -1,5 +1,8 @@
 #include "lumora/query/result_fields.h"
 
+#include "lumora/query/field_by_sql.h"
+#include "lumora/model/structure.h"
+#include "lumora/query/errors.h"
 #include "lumora/query/strict_checks.h"
 #include "lumora/support/string_helpers.h"
 
@@ -14,6 +17,19 @@ namespace {
 
 std::string Placeholder(int number) {
     return "@" + std::to_string(number);
+}
+
+bool IsStrict(const TVQuery* panel) {
+    return panel && panel->GetStrict();
+}
+
+const TDialect& DialectOf(const TVQuery* panel) {
+    return panel ? EffectiveDialect(panel->GetDialect(), panel->GetSQLSyntax(), panel->GetStrict())
+                 : StandardDialect;
+}
+
+TNameQuoting QuotingFor(const TVQuery* panel) {
+    return QuotingOf(DialectOf(panel), IsStrict(panel));
 }
 
 std::string LowerOutsideLiterals(std::string_view sql) {
@@ -38,37 +54,57 @@ const TVCustomDBStructure* TResultField::GetDBStruct() const {
 }
 
 void TResultField::Changed() const {
-    if (TVQuery* const panel = GetQueryPanel())
-        panel->QueryChanged();
+    owner_.Changed();
+}
+
+void TRFieldList::Changed() {
+    ++version_;
+    if (panel_)
+        panel_->QueryChanged();
 }
 
 // --- The formula.
 
+void TResultField::AddDSField(TDSField* field) {
+    fields_.push_back(field);
+    ++owner_.version_;
+}
+
+void TResultField::SetDSField(int index, TDSField* field) {
+    fields_[CheckedIndex(index, fields_.size())] = field;
+    ++owner_.version_;
+}
+
 void TResultField::DelDSField(int index) {
+    TakeOutField(CheckedIndex(index, fields_.size()));
+    ++owner_.version_;
+}
+
+void TResultField::TakeOutField(std::size_t index) {
+    const int number = static_cast<int>(index) + 1;
     std::string formula = GetFormula();
-    if (const std::size_t at = formula.find(Placeholder(index + 1)); at != std::string::npos)
+    if (const std::size_t at = formula.find(Placeholder(number)); at != std::string::npos)
         formula.erase(at, 2);
-    for (int i = index + 1; i < static_cast<int>(fields_.size()); ++i)
+    for (int i = number; i < static_cast<int>(fields_.size()); ++i)
         formula = ReplaceText(formula, Placeholder(i + 1), Placeholder(i));
     formula_.SetText(std::move(formula));
-    fields_.erase(fields_.begin() + index);
+    fields_.erase(fields_.begin() + static_cast<std::ptrdiff_t>(index));
 }
 
 void TResultField::SetFormula(const std::string& formula) {
     if (formula == GetFormula())
         return;
     formula_.SetText(formula);
-    for (int number = static_cast<int>(fields_.size()); number >= 1; --number)
-        if (GetFormula().find(Placeholder(number)) == std::string::npos)
-            DelDSField(number - 1);
+    for (std::size_t i = fields_.size(); i-- > 0;)
+        if (GetFormula().find(Placeholder(static_cast<int>(i) + 1)) == std::string::npos)
+            TakeOutField(i);
     Changed();
 }
 
 template <typename TAppendField>
-std::string TResultField::FillFormula(TAppendField appendField) const {
+void TResultField::FillFormula(std::string& text, TAppendField appendField) const {
     TPlanRequest request;
     request.ValueCount = static_cast<int>(fields_.size());
-    std::string text;
     TTemplatePlan spare;
     for (const TTemplatePiece& piece : formula_.Plan(request, spare).Pieces) {
         if (piece.Kind == tpLiteral)
@@ -76,37 +112,47 @@ std::string TResultField::FillFormula(TAppendField appendField) const {
         else
             appendField(text, *fields_[static_cast<std::size_t>(piece.Value - 1)]);
     }
-    return text;
+}
+
+void TResultField::AppendSQLExpr(std::string& out) const {
+    const TNameQuoting quoting = QuotingFor(GetQueryPanel());
+    FillFormula(out,
+                [quoting](std::string& text, const TDSField& field) { field.AppendSQLExpr(text, quoting); });
 }
 
 std::string TResultField::GetSQLExpr() const {
-    const TVQuery* const panel = GetQueryPanel();
-    const TNameQuoting quoting = panel && panel->GetStrict() ? nqStrict : nqPlain;
-    return FillFormula(
-        [quoting](std::string& text, const TDSField& field) { field.AppendSQLExpr(text, quoting); });
-}
-
-std::string TResultField::GetExpression() const {
-    return FillFormula([](std::string& text, const TDSField& field) {
-        text.append("{").append(field.GetDisplayName()) += '}';
-    });
-}
-
-std::string TResultField::GetSelectExpr() const {
-    std::string text = GetSQLExpr();
-    if (!alias_.empty())
-        text.append(" as ").append(GetSQLAlias());
+    std::string text;
+    AppendSQLExpr(text);
     return text;
 }
 
+std::string TResultField::GetExpression() const {
+    std::string expression;
+    FillFormula(expression, [](std::string& text, const TDSField& field) {
+        text.append("{").append(field.GetDisplayName()) += '}';
+    });
+    return expression;
+}
+
+std::string TResultField::GetSelectExpr() const {
+    std::string text;
+    AppendSelectExpr(text);
+    return text;
+}
+
+void TResultField::AppendSelectExpr(std::string& out) const {
+    AppendSQLExpr(out);
+    if (!alias_.empty())
+        out.append(" as ").append(GetSQLAlias());
+}
+
 std::string TResultField::GetSQLAlias() const {
-    const TVQuery* const panel = GetQueryPanel();
-    const bool strict = panel && panel->GetStrict();
+    const bool strict = IsStrict(GetQueryPanel());
     if (!owner_.QuoteAliases && !(strict && !IsPlainName(alias_)))
         return alias_;
     const TQuoteSymbols quotes = GetDBStruct() ? GetDBStruct()->GetSQLFormats().Quotes() : TQuoteSymbols();
     std::string text;
-    quotes.Append(text, alias_, strict ? nqStrict : nqPlain);
+    quotes.Append(text, alias_, QuotingFor(GetQueryPanel()));
     return text;
 }
 
@@ -115,9 +161,12 @@ std::string TResultField::GetOrderName() const {
 }
 
 bool TResultField::GetAgregate() const {
-    const std::string sql = LowerAscii(GetSQLExpr());
-    if (const TVQuery* const panel = GetQueryPanel(); panel && panel->GetStrict())
-        return CallsAggregate(sql);
+    std::string sql = GetSQLExpr();
+    if (sql.find('(') == std::string::npos)
+        return false; // nothing is called
+    sql = LowerAscii(sql);
+    if (const TVQuery* const panel = GetQueryPanel(); IsStrict(panel))
+        return CallsAggregate(sql, DialectOf(panel));
     for (const char* const function : {"sum(", "count(", "max(", "min(", "avg("})
         if (sql.find(function) != std::string::npos)
             return true;
@@ -125,6 +174,7 @@ bool TResultField::GetAgregate() const {
 }
 
 void TResultField::ProcessExpression(std::string_view expression) {
+    ++owner_.version_;
     std::string formula;
     std::unordered_map<std::string_view, std::size_t> numbers;
     std::size_t start = 0;
@@ -148,18 +198,17 @@ void TResultField::ProcessExpression(std::string_view expression) {
 }
 
 void TResultField::ProcessSQLExpr(std::string_view sql) {
-    const TVQuery* const panel = GetQueryPanel();
-    formula_.SetText(panel && panel->GetStrict() ? LowerOutsideLiterals(sql) : LowerAscii(sql));
+    ++owner_.version_;
+    formula_.SetText(IsStrict(GetQueryPanel()) ? LowerOutsideLiterals(sql) : LowerAscii(sql));
     const TVCustomDBStructure* const structure = GetDBStruct();
     if (!structure)
         return;
-    if (TDSField* const field = structure->FieldByName(fnSQLExpr, sql)) {
+    if (TDSField* const field = FieldBySQL(*structure, sql, IsStrict(GetQueryPanel()))) {
         fields_ = {field};
         formula_.SetText("@1");
         return;
     }
-    constexpr int fullName = 2, sqlExpression = 3;
-    if (!TakeWholeWords(sqlExpression) && !TakeWholeWords(fullName)) {
+    if (!TakeWholeWords(fnSQLExpr) && !TakeWholeWords(fnFullName)) {
         fields_ = {structure->GetUnrecognizedField()};
         formula_.SetText("@1");
     }
@@ -167,12 +216,13 @@ void TResultField::ProcessSQLExpr(std::string_view sql) {
 
 // Puts placeholders for the fields whose lower-cased name stands in the formula as a whole word; false when
 // none does.
-bool TResultField::TakeWholeWords(int nameMode) {
+bool TResultField::TakeWholeWords(TFieldNameMode mode) {
+    const TNameQuoting quoting = IsStrict(GetQueryPanel()) ? nqStrict : nqPlain;
     std::string formula = GetFormula();
     const TVCustomDBStructure& structure = *GetDBStruct();
     for (int i = 0; i < structure.GetFieldCount(); ++i) {
         TDSField* const field = structure.GetField(i);
-        const std::string name = LowerAscii(nameMode == 3 ? field->GetSQLExpr() : field->GetFullName());
+        const std::string name = LowerAscii(mode == fnSQLExpr ? field->GetSQLExpr(quoting) : field->GetFullName());
         std::size_t at = FindWholeWord(formula, name);
         if (at == std::string::npos)
             continue;
@@ -190,17 +240,37 @@ bool TResultField::TakeWholeWords(int nameMode) {
 void TResultField::SetCaption(const std::string& caption) {
     if (caption == caption_)
         return;
-    caption_ = caption;
-    GenerateAlias();
+    TakeCaption(caption);
     Changed();
 }
 
+void TResultField::TakeCaption(const std::string& caption) {
+    if (caption == caption_)
+        return;
+    caption_ = caption;
+    MakeAlias();
+}
+
 void TResultField::SetAlias(const std::string& alias) {
+    const std::string old = alias_;
+    SetUniqueAlias(alias);
+    if (alias_ != old)
+        Changed();
+}
+
+void TResultField::SetUniqueAlias(const std::string& alias) {
     if (alias != alias_)
         alias_ = alias.empty() ? alias : owner_.GetUniqAlias(alias);
 }
 
 void TResultField::GenerateAlias() {
+    const std::string old = alias_;
+    MakeAlias();
+    if (alias_ != old)
+        Changed();
+}
+
+void TResultField::MakeAlias() {
     if (!owner_.AutoAliases || (fields_.size() == 1 && fields_[0]->GetFieldText() == caption_)) {
         alias_.clear();
         return;
@@ -219,7 +289,13 @@ void TResultField::GenerateAlias() {
     } else {
         std::replace(alias.begin(), alias.end(), ' ', '_');
     }
-    SetAlias(alias);
+    SetUniqueAlias(alias);
+}
+
+void TResultField::ReplaceForeignAlias() {
+    if (std::all_of(alias_.begin(), alias_.end(), [](char c) { return static_cast<unsigned char>(c) < 128; }))
+        return;
+    SetUniqueAlias("C" + std::to_string(owner_.IndexOf(this) + 1));
 }
 
 std::string TResultField::GenerateCaption() const {
@@ -238,6 +314,13 @@ void TResultField::SetSorting(TSortingType sorting) {
     Changed();
 }
 
+void TResultField::SetSortOrder(int order) {
+    if (order == sortOrder_)
+        return;
+    sortOrder_ = order;
+    Changed();
+}
+
 void TResultField::Assign(const TResultField& source) {
     TVQuery* const panel = GetQueryPanel();
     if (panel)
@@ -248,6 +331,7 @@ void TResultField::Assign(const TResultField& source) {
     alias_ = source.alias_;
     sorting_ = source.sorting_;
     sortOrder_ = source.sortOrder_;
+    ++owner_.version_;
     if (panel)
         panel->EndUpdate();
 }
@@ -261,10 +345,14 @@ int TRFieldList::IndexOf(const TResultField* field) const {
     return -1;
 }
 
+TResultField* TRFieldList::GetRField(int index) const {
+    return fields_[CheckedIndex(index, fields_.size())].get();
+}
+
 TResultField* TRFieldList::New(int index) {
-    return fields_
-        .insert(fields_.begin() + std::clamp(index, 0, Count()), std::make_unique<TResultField>(*this))
-        ->get();
+    CheckedIndex(index, fields_.size() + 1);
+    ++version_;
+    return fields_.insert(fields_.begin() + index, std::make_unique<TResultField>(*this))->get();
 }
 
 TResultField* TRFieldList::CreateRField(int index, const std::string& formula, const TDSFieldList& fields,
@@ -272,8 +360,9 @@ TResultField* TRFieldList::CreateRField(int index, const std::string& formula, c
     TResultField* const field = New(index);
     field->formula_.SetText(formula); // before there are fields, so that none is dropped
     field->fields_ = fields;
-    field->SetCaption(caption);
+    field->TakeCaption(caption);
     JustSorting = false;
+    Changed();
     return field;
 }
 
@@ -291,10 +380,9 @@ TResultField* TRFieldList::InsertByExpression(int index, const std::string& capt
                                               std::string_view expression, TSortingType sorting,
                                               int sortOrder) {
     TResultField* const field = New(index);
-    field->SetCaption(caption);
+    field->TakeCaption(caption);
     field->ProcessExpression(expression);
-    FinishInsert(*field, sorting, sortOrder);
-    return field;
+    return FinishInsert(*field, sorting, sortOrder);
 }
 
 TResultField* TRFieldList::AddByExpression(const std::string& caption, std::string_view expression,
@@ -305,10 +393,9 @@ TResultField* TRFieldList::AddByExpression(const std::string& caption, std::stri
 TResultField* TRFieldList::InsertBySQLExpr(int index, const std::string& caption, std::string_view sql,
                                            TSortingType sorting, int sortOrder) {
     TResultField* const field = New(index);
-    field->SetCaption(caption);
+    field->TakeCaption(caption);
     field->ProcessSQLExpr(sql);
-    FinishInsert(*field, sorting, sortOrder);
-    return field;
+    return FinishInsert(*field, sorting, sortOrder);
 }
 
 TResultField* TRFieldList::AddBySQLExpr(const std::string& caption, std::string_view sql,
@@ -316,33 +403,40 @@ TResultField* TRFieldList::AddBySQLExpr(const std::string& caption, std::string_
     return InsertBySQLExpr(Count(), caption, sql, sorting, sortOrder);
 }
 
-void TRFieldList::FinishInsert(TResultField& field, TSortingType sorting, int sortOrder) {
+TResultField* TRFieldList::FinishInsert(TResultField& field, TSortingType sorting, int sortOrder) {
     if (field.fields_.empty() && structure_)
         field.fields_.push_back(structure_->GetUnrecognizedField());
-    field.SetSorting(sorting);
+    field.sorting_ = sorting;
     field.sortOrder_ = sortOrder;
     JustSorting = false;
+    Changed();
+    return &field;
 }
 
 void TRFieldList::Delete(int index) {
-    GetRField(index);
+    CheckedIndex(index, fields_.size());
     fields_.erase(fields_.begin() + index);
-    if (panel_)
-        panel_->QueryChanged();
+    Changed();
 }
 
 void TRFieldList::Move(int from, int to) {
-    GetRField(from);
-    GetRField(to);
-    auto field = std::move(fields_[static_cast<std::size_t>(from)]);
+    CheckedIndex(to, fields_.size());
+    auto field = std::move(fields_[CheckedIndex(from, fields_.size())]);
     fields_.erase(fields_.begin() + from);
     fields_.insert(fields_.begin() + to, std::move(field));
-    if (panel_)
-        panel_->QueryChanged();
+    Changed();
 }
 
 void TRFieldList::Clear() {
+    if (fields_.empty())
+        return;
+    Forget();
+    Changed();
+}
+
+void TRFieldList::Forget() {
     fields_.clear();
+    ++version_;
 }
 
 bool TRFieldList::CheckUniqAlias(std::string_view alias) const {
@@ -389,8 +483,14 @@ void TRFieldList::GenerateNumbers() {
 }
 
 void TRFieldList::RegenerateAliases() {
-    for (const auto& field : fields_)
-        field->GenerateAlias();
+    bool changed = false;
+    for (const auto& field : fields_) {
+        const std::string old = field->alias_;
+        field->MakeAlias();
+        changed = changed || field->alias_ != old;
+    }
+    if (changed)
+        Changed();
 }
 
 int TRFieldList::GetSortCount() const {
@@ -410,10 +510,14 @@ int TRFieldList::NextSortOrder() const {
 void TRFieldList::Assign(const TRFieldList& source) {
     if (&source == this)
         return;
-    Clear();
+    if (panel_)
+        panel_->BeginUpdate();
+    Forget();
     JustSorting = source.JustSorting;
     for (const auto& field : source.fields_)
         New(Count())->Assign(*field);
+    if (panel_)
+        panel_->EndUpdate();
 }
 
 void TRFieldList::ReplaceDSField(const TDSField* field, TDSField* by) {
@@ -421,6 +525,7 @@ void TRFieldList::ReplaceDSField(const TDSField* field, TDSField* by) {
         for (TDSField*& entry : resultField->fields_)
             if (!field || entry == field)
                 entry = by;
+    ++version_;
 }
 
 } // namespace lumora

@@ -1,10 +1,9 @@
 // Result fields: a query's output columns.
 #pragma once
 
-#include "lumora/model/structure.h"
+#include "lumora/model/sql_template.h"
 #include "lumora/query/query.h"
 #include "lumora/query/sql_options.h"
-#include "lumora/support/section_reader.h"
 
 #include <memory>
 #include <string>
@@ -13,9 +12,16 @@
 
 namespace lumora {
 
+class TDSField;
 class TRFieldList;
+enum TFieldNameMode : std::uint8_t;
+class TSectionIndex;
+class TSectionLines;
+class TStringList;
+using TDSFieldList = std::vector<TDSField*>;
 
-// A formula over data model fields, "@1" standing for the first of them. Owned by its list.
+// A formula over data model fields, "@1" standing for the first of them. Owned by its list. Its changes tell
+// the panel, once each. A bad index raises EVQueryPanelError here and in the list.
 class TResultField {
 public:
     explicit TResultField(TRFieldList& owner) : owner_(owner) {}
@@ -23,8 +29,8 @@ public:
     TResultField& operator=(const TResultField&) = delete;
 
     const TDSFieldList& GetFields() const { return fields_; }
-    void AddDSField(TDSField* field) { fields_.push_back(field); }
-    void SetDSField(int index, TDSField* field) { fields_.at(static_cast<std::size_t>(index)) = field; }
+    void AddDSField(TDSField* field);
+    void SetDSField(int index, TDSField* field);
     // Takes field `index` out of the formula and out of the list; the placeholders behind it close up.
     void DelDSField(int index);
 
@@ -43,20 +49,24 @@ public:
     // The first sorting of a field puts it behind all that are sorted.
     void SetSorting(TSortingType sorting);
     int GetSortOrder() const { return sortOrder_; }
-    void SetSortOrder(int order) { sortOrder_ = order; }
+    void SetSortOrder(int order);
     int GetNumber() const { return number_; } // the position from 1, as GenerateNumbers found it
     void SetNumber(int number) { number_ = number; }
 
     // The formula with the fields' SQL expressions, or with their captions in braces.
     std::string GetSQLExpr() const;
+    void AppendSQLExpr(std::string& out) const;
     std::string GetExpression() const;
     // The SQL expression and " as " and the alias, when there is one.
     std::string GetSelectExpr() const;
+    void AppendSelectExpr(std::string& out) const;
     std::string GetSQLAlias() const;
     std::string GetOrderName() const;
     // True when the SQL expression holds an aggregate function.
     bool GetAgregate() const;
     void GenerateAlias();
+    // "C" and the position in the place of an alias that has characters beyond ASCII; tells nobody.
+    void ReplaceForeignAlias();
     std::string GenerateCaption() const;
     // Takes a formula with captions in braces; names that are unknown become the model's placeholder field.
     void ProcessExpression(std::string_view expression);
@@ -75,8 +85,12 @@ private:
     friend class TRFieldList;
 
     template <typename TAppendField>
-    std::string FillFormula(TAppendField appendField) const;
-    bool TakeWholeWords(int nameMode);
+    void FillFormula(std::string& text, TAppendField appendField) const;
+    bool TakeWholeWords(TFieldNameMode mode);
+    void TakeOutField(std::size_t index);
+    void TakeCaption(const std::string& caption);
+    void SetUniqueAlias(const std::string& alias);
+    void MakeAlias();
     void Changed() const;
 
     TRFieldList& owner_;
@@ -97,7 +111,7 @@ public:
         : structure_(structure), panel_(panel) {}
 
     int Count() const { return static_cast<int>(fields_.size()); }
-    TResultField* GetRField(int index) const { return fields_.at(static_cast<std::size_t>(index)).get(); }
+    TResultField* GetRField(int index) const;
     int IndexOf(const TResultField* field) const;
     TResultField* New(int index);
     TResultField* Add(const std::string& formula, const TDSFieldList& fields, const std::string& caption);
@@ -114,6 +128,10 @@ public:
     void Delete(int index);
     void Move(int from, int to);
     void Clear();
+    // The same without a notice, for whoever tells of the change himself.
+    void Forget();
+    // Another number than the last time when anything in the list has changed.
+    unsigned GetVersion() const { return version_; }
 
     // Letter case is ignored. A field whose own alias or caption is asked for counts too.
     bool CheckUniqAlias(std::string_view alias) const;
@@ -145,14 +163,18 @@ public:
     bool ASCIIAliases = true;
 
 private:
+    friend class TResultField;
+
     TResultField* CreateRField(int index, const std::string& formula, const TDSFieldList& fields,
                                const std::string& caption);
-    void FinishInsert(TResultField& field, TSortingType sorting, int sortOrder);
+    TResultField* FinishInsert(TResultField& field, TSortingType sorting, int sortOrder);
+    void Changed();
     void LoadField(const TSectionLines& lines);
 
     const TVCustomDBStructure* structure_;
     TVQuery* panel_;
     std::vector<std::unique_ptr<TResultField>> fields_;
+    unsigned version_ = 0;
 };
 
 } // namespace lumora

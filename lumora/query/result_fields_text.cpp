@@ -1,5 +1,7 @@
 // The text form of result fields: "[RFields]", then one block for each field.
 #include "lumora/query/result_fields.h"
+
+#include "lumora/model/structure.h"
 #include "lumora/support/section_reader.h"
 #include "lumora/support/string_helpers.h"
 
@@ -44,7 +46,7 @@ void TRFieldList::LoadFromStrings(const TStringList& lines) {
 void TRFieldList::LoadFromSections(const TSectionIndex& sections) {
     int position = 0;
     const TSectionLines head = sections.Read("RFields", position);
-    Clear();
+    Forget();
     const int count = std::min(XStrToInt(head.Value("Count")), sections.Count());
     for (int i = 1; i <= count; ++i)
         if (const TSectionLines field = sections.Read("RField" + std::to_string(i), position); !field.Empty())

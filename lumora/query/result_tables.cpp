@@ -1,8 +1,20 @@
 #include "lumora/query/result_tables.h"
 
+#include "lumora/model/links.h"
+#include "lumora/model/tables.h"
+#include "lumora/platform/ascii.h"
 #include "lumora/query/errors.h"
 
 namespace lumora {
+
+const TResultTable& TRTableList::GetItem(int index) const {
+    return items_[CheckedIndex(index, items_.size())];
+}
+
+void TRTableList::Delete(int index) {
+    CheckedIndex(index, items_.size());
+    items_.erase(items_.begin() + index);
+}
 
 int TRTableList::Add(TDSTable* table, TDSLink* link) {
     int position = Count();

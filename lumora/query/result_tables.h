@@ -1,13 +1,13 @@
 // The tables that take part in a query, in join order.
 #pragma once
 
-#include "lumora/model/links.h"
-#include "lumora/model/tables.h"
-
 #include <string_view>
 #include <vector>
 
 namespace lumora {
+
+class TDSLink;
+class TDSTable;
 
 struct TResultTable {
     TDSTable* Table = nullptr;
@@ -18,14 +18,14 @@ class TRTableList {
 public:
     int Count() const { return static_cast<int>(items_.size()); }
     bool Empty() const { return items_.empty(); }
-    const TResultTable& GetItem(int index) const { return items_.at(static_cast<std::size_t>(index)); }
+    const TResultTable& GetItem(int index) const; // EVQueryPanelError for a bad index, as Delete
     // Appends a table without a link; one with a link goes right behind the table that the link joins it to.
     // EVQueryPanelError when that one is not in the list. Returns the position.
     int Add(TDSTable* table, TDSLink* link);
     // The first table of that name, letter case ignored.
     const TResultTable* Find(std::string_view name) const;
     int IndexOf(const TDSTable* table) const;
-    void Delete(int index) { items_.erase(items_.begin() + index); }
+    void Delete(int index);
     void Clear() { items_.clear(); }
 
 private:

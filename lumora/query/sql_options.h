@@ -4,6 +4,7 @@
 #include "lumora/model/sql_syntax.h"
 #include "lumora/platform/enum_names.h"
 #include "lumora/platform/enum_set.h"
+#include "lumora/statement/sql_dialect.h"
 
 #include <cstdint>
 

@@ -1,5 +1,6 @@
 #include "lumora/query/sql_params.h"
 
+#include "lumora/query/errors.h"
 #include "lumora/query/filter_rows.h"
 #include "lumora/support/string_helpers.h"
 
@@ -10,6 +11,10 @@ TSQLParam::TSQLParam(TFilterCond& condition, int valueIndex)
 
 std::string TSQLParam::GetFullValue() const {
     return ReplaceText(ValueFormat, "@v", Value);
+}
+
+TSQLParam* TSQLParamList::GetItem(int index) const {
+    return params_[CheckedIndex(index, params_.size())].get();
 }
 
 TSQLParam* TSQLParamList::Add(std::unique_ptr<TSQLParam> param) {

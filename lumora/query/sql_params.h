@@ -39,7 +39,7 @@ private:
 class TSQLParamList {
 public:
     int Count() const { return static_cast<int>(params_.size()); }
-    TSQLParam* GetItem(int index) const { return params_.at(static_cast<std::size_t>(index)).get(); }
+    TSQLParam* GetItem(int index) const; // EVQueryPanelError for a bad index, as Delete
     TSQLParam* Add(std::unique_ptr<TSQLParam> param);
     // The first parameter of a condition's value, or of a name (letter case ignored); -1 when there is none.
     int IndexByCondition(const TFilterCond* condition, int valueIndex) const;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "lumora/platform/field_types.h"
+#include "lumora/statement/dialects/dialect.h"
 
 #include <string_view>
 
@@ -19,12 +20,16 @@ bool IsValidValue(TFieldType type, std::string_view text);
 
 // Both raise EVQueryPanelError, 'Invalid value "TEXT" for "CAPTION"', for a text that could leave its place
 // in a statement: brackets must pair up and quotes be closed; ";", comments and quoting that only some
-// databases know are refused. An expression is one, without a "," or the words of clauses outside brackets; a
-// sub-query begins with SELECT.
-void CheckExpression(std::string_view text, std::string_view caption);
-void CheckSubQuery(std::string_view text, std::string_view caption);
+// databases know are refused, but for that of the dialect. An expression is one, without a "," or the words
+// of clauses outside brackets; a sub-query begins with SELECT.
+void CheckExpression(std::string_view text, std::string_view caption,
+                     const TDialect& dialect = StandardDialect);
+void CheckSubQuery(std::string_view text, std::string_view caption,
+                   const TDialect& dialect = StandardDialect);
 // Whether an expression calls an aggregate function; what stands in quotes is none.
-bool CallsAggregate(std::string_view expression);
+bool CallsAggregate(std::string_view expression, const TDialect& dialect = StandardDialect);
+// Whether an expression is one number, perhaps with signs and brackets: in ORDER BY it would be a position.
+bool IsNumberConstant(std::string_view expression);
 [[noreturn]] void RaiseInvalidValue(std::string_view text, std::string_view caption);
 
 } // namespace lumora

@@ -1,19 +1,32 @@
 #include "lumora/query/value_text.h"
 
+#include "lumora/model/structure.h"
+#include "lumora/platform/convert.h"
 #include "lumora/platform/formats.h"
 #include "lumora/query/date_values.h"
+#include "lumora/query/filter_rows.h"
 #include "lumora/query/strict_checks.h"
 #include "lumora/support/string_helpers.h"
+
+#include <algorithm>
 
 namespace lumora {
 
 namespace {
 
-// Hands each item of a list value to `take`, which may use it up.
+// Hands each item of a list value to `take`.
 template <typename TTake>
 void ForEachItem(std::string_view text, TTake take) {
     if (Trim(text).empty())
         return;
+    if (text.find('"') == std::string_view::npos) {
+        for (std::size_t start = 0; start <= text.size();) {
+            const std::size_t end = std::min(text.find(',', start), text.size());
+            take(Trim(text.substr(start, end - start)));
+            start = end + 1;
+        }
+        return;
+    }
     std::string item;
     std::size_t kept = 0; // the length of the item without blanks behind it
     bool quoted = false;
@@ -21,7 +34,7 @@ void ForEachItem(std::string_view text, TTake take) {
         const char c = i < text.size() ? text[i] : ',';
         if (i == text.size() || (c == ',' && !quoted)) {
             item.resize(kept);
-            take(item);
+            take(std::string_view(item));
             item.clear();
             kept = 0;
             quoted = false;
@@ -44,7 +57,7 @@ void ForEachItem(std::string_view text, TTake take) {
 
 std::vector<std::string> SplitListValue(std::string_view text) {
     std::vector<std::string> items;
-    ForEachItem(text, [&items](std::string& item) { items.push_back(std::move(item)); });
+    ForEachItem(text, [&items](std::string_view item) { items.emplace_back(item); });
     return items;
 }
 
@@ -90,29 +103,41 @@ bool TValueWriter::IsQuoted(TFieldType type) const {
     return structure_.GetQuotedTypes().Contains(type) || (strict_ && !IsCheckedType(type));
 }
 
-TValueEntry TValueWriter::EntryOf(const TFilterCond& condition, int value) const {
-    if (condition.GetValueIsParam(value))
-        return veParameter;
-    if (condition.GetValueKind(value) == vkSubQuery)
-        return veBare;
-    const TFieldType type = condition.GetValueType(value);
-    return IsQuoted(type) && !IsOracleLiteral(type) ? veBare : veStretch;
+bool TValueWriter::HasLiteral(TFieldType type) const {
+    return type == ftBoolean ? !dialect_.True.empty()
+                             : IsDateOrTime(type) && DateFormOf(dialect_, type).IsLiteral;
 }
 
-void TValueWriter::Append(std::string& out, const TFilterCond& condition, int value, bool quotes) const {
-    const std::string& text = condition.GetValue(value);
-    const TFieldType type = condition.GetValueType(value);
-    switch (condition.GetValueKind(value)) {
+// Quotes of the template around a list or a sub-query would end where a strict query has quotes inside.
+TValueEntry TValueWriter::EntryOf(TValueKind kind, TFieldType type) const {
+    if (strict_ && kind != vkScalar)
+        return veStretch;
+    if (kind == vkSubQuery)
+        return veBare;
+    return IsQuoted(type) && !HasLiteral(type) ? veBare : veStretch;
+}
+
+TValueWriter::TValue TValueWriter::ValueOf(const TFilterCond& condition, int value) {
+    return {condition, condition.GetValue(value), condition.GetValueKind(value),
+            condition.GetValueType(value)};
+}
+
+bool TValueWriter::NeedsOwnLiteral(const TValue& value) const {
+    return NeedsHexText(dialect_, value.Text) && value.Kind != vkSubQuery && !IsDateOrTime(value.Type);
+}
+
+void TValueWriter::Append(std::string& out, const TValue& value, bool quotes) const {
+    switch (value.Kind) {
     case vkSubQuery:
         if (strict_)
-            CheckSubQuery(text, condition.GetCaptionText());
-        out += text.empty() ? EmptyValue(type) : std::string_view(text);
+            CheckSubQuery(value.Text, value.Condition.GetCaptionText(), dialect_);
+        out += value.Text.empty() ? EmptyValue(value.Type) : value.Text;
         break;
     case vkList:
-        AppendList(out, condition, type, text);
+        AppendList(out, value.Condition, value.Type, value.Text);
         break;
     case vkScalar:
-        AppendItem(out, condition, type, text, quotes && IsQuoted(type));
+        AppendItem(out, value.Condition, value.Type, value.Text, quotes && IsQuoted(value.Type));
         break;
     }
 }
@@ -124,21 +149,27 @@ void TValueWriter::AppendItem(std::string& out, const TFilterCond& condition, TF
         text = Trim(text);
         CheckValue(condition, type, text);
     }
-    if (text.empty()) {
+    if (text.empty())
         text = EmptyValue(type);
-    } else if (IsDateOrTime(type)) {
-        const std::string date = DateValueToSQL(structure_.GetSQLFormats(), type, text, syntax_, strict_);
-        if (strict_ && !MeansTheSame(structure_.GetSQLFormats(), type, text, date))
-            RaiseInvalidValue(text, condition.GetCaptionText()); // the format would drop a part of it
-        if (IsOracleLiteral(type))
-            out += date;
-        else
-            out.append(quotes ? "'" : "").append(date).append(quotes ? "'" : "");
-        return;
-    }
+    else if (IsDateOrTime(type))
+        return AppendDate(out, condition, type, text, quotes);
+    if (type == ftBoolean && HasLiteral(type) && IsValidValue(type, text))
+        out += text == "1" || SameText(text, "true") ? dialect_.True : dialect_.False;
+    else if (quotes || HasLiteral(type))
+        AppendTextLiteral(out, dialect_, text);
+    else
+        AppendDoubled(out, text, '\'');
+}
+
+void TValueWriter::AppendDate(std::string& out, const TFilterCond& condition, TFieldType type,
+                              std::string_view text, bool quotes) const {
+    quotes = quotes && !HasLiteral(type);
     if (quotes)
         out += '\'';
-    AppendDoubled(out, text, '\'');
+    const std::size_t start = out.size();
+    AppendDateValue(out, structure_.GetSQLFormats(), type, text, dialect_);
+    if (strict_ && !MeansTheSame(structure_.GetSQLFormats(), type, text, std::string_view(out).substr(start)))
+        RaiseInvalidValue(text, condition.GetCaptionText()); // the format would drop a part of it
     if (quotes)
         out += '\'';
 }
@@ -156,11 +187,12 @@ void TValueWriter::AppendList(std::string& out, const TFilterCond& condition, TF
     }
     const bool isEmptyDate = text == EmptyValue(type);
     bool first = true;
-    ForEachItem(text, [&](const std::string& item) {
+    ForEachItem(text, [&](std::string_view item) {
         if (!first)
             out += ',';
         first = false;
-        if (isEmptyDate)
+        const bool isEmpty = item.empty() && type == ftBoolean && !strict_; // and not False
+        if (isEmptyDate || isEmpty)
             out.append(quoted ? "'" : "").append(item).append(quoted ? "'" : "");
         else
             AppendItem(out, condition, type, item, quoted);

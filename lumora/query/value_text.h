@@ -1,8 +1,10 @@
 // The text with which a condition's constant value stands in a statement.
 #pragma once
 
-#include "lumora/model/structure.h"
-#include "lumora/query/filter_rows.h"
+#include "lumora/model/Lmglobal.h"
+#include "lumora/model/sql_template.h"
+#include "lumora/platform/field_types.h"
+#include "lumora/statement/dialects/dialect.h"
 
 #include <string>
 #include <string_view>
@@ -10,33 +12,48 @@
 
 namespace lumora {
 
-// Writes values by the model's types and formats and the query's syntax; in a strict query it checks them
+class TFilterCond;
+class TVCustomDBStructure;
+
+// Writes values by the model's types and formats and the query's dialect; in a strict query it checks them
 // first.
 class TValueWriter {
 public:
-    TValueWriter(const TVCustomDBStructure& structure, TSQLSyntax syntax, bool strict)
-        : structure_(structure), syntax_(syntax), strict_(strict) {}
+    TValueWriter(const TVCustomDBStructure& structure, const TDialect& dialect, bool strict)
+        : structure_(structure), dialect_(dialect), strict_(strict) {}
 
     // Whether values of the type stand in quotes. A strict query quotes whatever it does not check.
     bool IsQuoted(TFieldType type) const;
-    // How value k enters the condition's template.
-    TValueEntry EntryOf(const TFilterCond& condition, int value) const;
-    // Appends value k. `quotes`: the template has none around it, so a single value of a quoted type brings
+    // A value of a condition, looked up once.
+    struct TValue {
+        const TFilterCond& Condition;
+        std::string_view Text;
+        TValueKind Kind;
+        TFieldType Type;
+    };
+    static TValue ValueOf(const TFilterCond& condition, int value);
+
+    // How a value that is no parameter enters the condition's template.
+    TValueEntry EntryOf(TValueKind kind, TFieldType type) const;
+    // Whether a value can't stand between quotes of the template, and must bring a literal of its own.
+    bool NeedsOwnLiteral(const TValue& value) const;
+    // Appends a value. `quotes`: the template has none around it, so a single value of a quoted type brings
     // its own. EVQueryPanelError for a value that a strict query refuses, EConvertError for a date that is
     // none.
-    void Append(std::string& out, const TFilterCond& condition, int value, bool quotes) const;
+    void Append(std::string& out, const TValue& value, bool quotes) const;
 
 private:
-    bool IsOracleLiteral(TFieldType type) const {
-        return strict_ && syntax_ == ssOracle && IsDateOrTime(type);
-    }
+    // Whether the dialect writes values of the type as literals of its own.
+    bool HasLiteral(TFieldType type) const;
+    void AppendDate(std::string& out, const TFilterCond& condition, TFieldType type, std::string_view text,
+                    bool quotes) const;
     void AppendItem(std::string& out, const TFilterCond& condition, TFieldType type, std::string_view text,
                     bool quotes) const;
     void AppendList(std::string& out, const TFilterCond& condition, TFieldType type,
                     std::string_view text) const;
 
     const TVCustomDBStructure& structure_;
-    TSQLSyntax syntax_;
+    const TDialect& dialect_;
     bool strict_;
 };
 

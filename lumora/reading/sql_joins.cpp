@@ -4,6 +4,7 @@
 #include "lumora/query/errors.h"
 #include "lumora/query/filter_rows.h"
 #include "lumora/query/query_result.h"
+#include "lumora/sqlparse/Vscanner.h"
 #include "lumora/support/string_helpers.h"
 
 #include <algorithm>
@@ -52,6 +53,16 @@ std::vector<std::string> ComparisonsOf(const TDSLink& link, TSQLSyntax syntax) {
     }
     std::sort(keys.begin(), keys.end());
     return keys;
+}
+
+// The name as the parser gives it for what the generator writes.
+std::string NameInStatement(const TDSTable& table) {
+    const std::string text = table.GetSQLExpr(nqStrict);
+    TVScanner scanner(text);
+    std::string name(scanner.Token().Name());
+    for (scanner.Next(); scanner.Token().IsSymbol('.'); scanner.Next())
+        (name += '.') += scanner.Next().Name();
+    return name;
 }
 
 TDSTable* PartnerOf(const TDSLink& link, const TDSTable* table) {
@@ -111,7 +122,7 @@ void TSQLJoins::RefuseJoin(const TJoined& joined) const {
 void TSQLJoins::FindTables() {
     for (const TSQLTable& parsed : statement_.Tables) {
         TDSTable* const table = model_.TableByName(tnAlias, parsed.Alias);
-        if (!table || !SameText(ReplaceText(table->GetName(), "\"", ""), parsed.TableName))
+        if (!table || !SameText(NameInStatement(*table), parsed.TableName))
             throw EVQueryPanelError(qpeNoTable, {parsed.TableName}, parsed.Line);
         tables_.push_back({table, nullptr, swInner, parsed.Line});
         if (Find(table) != &tables_.back())

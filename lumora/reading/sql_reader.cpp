@@ -4,6 +4,7 @@
 #include "lumora/platform/formats.h"
 #include "lumora/query/date_values.h"
 #include "lumora/query/errors.h"
+#include "lumora/query/field_by_sql.h"
 #include "lumora/query/query_result.h"
 #include "lumora/query/query_state.h"
 #include "lumora/query/strict_checks.h"
@@ -92,13 +93,13 @@ TSQLReader::TFit TSQLReader::FindPlainFit(const TSQLCondition& parsed) {
     TFit fit = FindFit(parsed, parsed.Negated, parsed.Operator);
     if (!fit.Operator)
         fit = LikeFallback(parsed);
-    fit.Field = model_.FieldByName(fnSQLExpr, parsed.Left);
+    fit.Field = FieldBySQL(model_, parsed.Left, strict_);
     return fit;
 }
 
 // A condition that no operator fits may be the opposite of one that an operator fits.
 TSQLReader::TFit TSQLReader::FindStrictFit(const TSQLCondition& parsed) {
-    TDSField* const field = model_.FieldByName(fnSQLExpr, parsed.Left);
+    TDSField* const field = FieldBySQL(model_, parsed.Left, strict_);
     if (!field) {
         TFit fit = FindFitAroundField(parsed);
         if (!fit.Field)
@@ -239,7 +240,7 @@ TSQLReader::TFit TSQLReader::FindFitAroundField(const TSQLCondition& parsed) {
         std::string_view name;
         if (pattern.Head().empty() || !pattern.Match(text, name, fit.Values) || name.empty())
             continue;
-        fit.Field = model_.FieldByName(fnSQLExpr, name);
+        fit.Field = FieldBySQL(model_, name, strict_);
         fit.Operator = fit.Field ? model_.GetOperator(i) : nullptr;
     }
     return fit;
@@ -432,6 +433,7 @@ void TSQLReader::UnfoldSubQuery(std::string_view sql, TStringList& lines) const 
     subQuery.SetSQLOptions(query_.GetSQLOptions());
     subQuery.SetSQLSyntax(query_.GetSQLSyntax());
     subQuery.SetStrict(strict_);
+    subQuery.SetDialect(query_.GetDialect());
     ReadSQL(subQuery, TStringList(sql), subQueryTitles_, level_ + 1);
     WriteQueryText(subQuery, lines, subQueryTitles_);
 }

@@ -67,6 +67,9 @@ enum TMessageId : int {
     msgInvalidFieldIndex,
     msgInvalidConditionIndex,
     msgInvalidGroupIndex,
+    msgCantSortByTotal,
+    msgEmptyLink,
+    msgChangedMeanwhile,
     // On screen.
     msgYes,
     msgNo,
