@@ -13,10 +13,13 @@
 
 namespace lumora::bench {
 
-// A thousand inputs; fewer, but at least eight, when they would take more than 192 MB.
+// A thousand inputs; more of small ones, until they take 1 MB; fewer, but at least eight, when they would
+// take more than 192 MB.
 inline int InputCount(std::size_t bytesEach) {
+    constexpr std::size_t enough = 1'000'000;
     constexpr std::size_t budget = 192'000'000;
-    return static_cast<int>(std::clamp<std::size_t>(budget / bytesEach, 8, 1000));
+    const std::size_t wanted = std::max<std::size_t>(1000, enough / bytesEach);
+    return static_cast<int>(std::clamp<std::size_t>(budget / bytesEach, 8, wanted));
 }
 
 // The inputs of one size, kept until those of another size are asked for.

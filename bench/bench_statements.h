@@ -42,7 +42,7 @@ private:
     int fields_ = 0;
 };
 
-// The statements of one size: a thousand, fewer when they would take too much memory.
+// The statements of one size, as many as InputCount allows.
 std::vector<std::string> MakeStatements(const std::vector<std::string>& names, int conditions);
 
 } // namespace lumora::bench

@@ -67,7 +67,7 @@ TEST(Errors, HaveOneBase) {
     TStringGrid grid(2, 3);
     TStringList lines("a\n");
     TDBFieldList fields;
-    TSQLResultFieldList columns;
+    TVParserResult parsed;
     TVDBStructure model;
     TVQueryBase base;
     const std::vector<std::function<void()>> failures = {
@@ -78,7 +78,7 @@ TEST(Errors, HaveOneBase) {
         [&] { lines.Insert(2, ""); },
         [&] { static_cast<void>(TStringList().Last()); },
         [&] { fields.GetItem(0); },
-        [&] { columns.GetItem(0); },
+        [&] { parsed.ResultFields.GetItem(0); },
         [&] { base.GetQuery(-1); },
         [&] { model.GetComponent(0); },
         [&] { model.GetField(0); },

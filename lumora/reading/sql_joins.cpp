@@ -55,17 +55,14 @@ std::vector<std::string> ComparisonsOf(const TDSLink& link, TSQLSyntax syntax) {
     return keys;
 }
 
-// Whether the parser gives the name for the table: the model's own without quotes, or what the generator
-// writes for it, in which quotes inside are doubled.
-bool IsNameOf(std::string_view parsed, const TDSTable& table) {
-    if (SameText(ReplaceText(table.GetName(), "\"", ""), parsed))
-        return true;
+// The name as the parser gives it for what the generator writes.
+std::string NameInStatement(const TDSTable& table) {
     const std::string text = table.GetSQLExpr(nqStrict);
     TVScanner scanner(text);
     std::string name(scanner.Token().Name());
     for (scanner.Next(); scanner.Token().IsSymbol('.'); scanner.Next())
         (name += '.') += scanner.Next().Name();
-    return SameText(name, parsed);
+    return name;
 }
 
 TDSTable* PartnerOf(const TDSLink& link, const TDSTable* table) {
@@ -125,7 +122,7 @@ void TSQLJoins::RefuseJoin(const TJoined& joined) const {
 void TSQLJoins::FindTables() {
     for (const TSQLTable& parsed : statement_.Tables) {
         TDSTable* const table = model_.TableByName(tnAlias, parsed.Alias);
-        if (!table || !IsNameOf(parsed.TableName, *table))
+        if (!table || !SameText(NameInStatement(*table), parsed.TableName))
             throw EVQueryPanelError(qpeNoTable, {parsed.TableName}, parsed.Line);
         tables_.push_back({table, nullptr, swInner, parsed.Line});
         if (Find(table) != &tables_.back())

@@ -10,7 +10,7 @@ std::string_view TToken::Name() const {
     return Kind == tkQuotedIdentifier ? Text.substr(1, Text.size() - 2) : Text;
 }
 
-// A token that is no plain name, or a comment and the token behind it.
+// A token that Next does not read itself, or a comment and the token behind it.
 const TToken& TVScanner::NextOther() {
     const char* const start = at_;
     token_.Line = line_;
@@ -20,10 +20,7 @@ const TToken& TVScanner::NextOther() {
         if (SkipComment())
             return Next();
         token_.Kind = tkUnclosed;
-    } else if (ClassOf(*at_) == detail::ccDigit) {
-        ScanNumber();
-        token_.Kind = tkNumber;
-    } else if (ClassOf(*at_) == detail::ccQuote) {
+    } else if (*at_ == '\'' || *at_ == '"') {
         token_.Kind = ScanQuoted();
     } else {
         const char c = *at_;
@@ -64,23 +61,18 @@ TTokenKind TVScanner::ScanQuoted() {
     }
 }
 
-void TVScanner::ScanNumber() {
-    const auto digits = [this] {
-        while (at_ != end_ && ClassOf(*at_) == detail::ccDigit)
-            ++at_;
+// The end of a number's fraction and exponent, which may follow its whole part.
+const char* TVScanner::EndOfFraction(const char* at) const {
+    const auto isDigit = [this](const char* digit) {
+        return digit < end_ && ClassOf(*digit) == detail::ccDigit;
     };
-    digits();
-    if (Peek(0) == '.' && ClassOf(Peek(1)) == detail::ccDigit) {
-        ++at_;
-        digits();
-    }
-    if (Peek(0) == 'e' || Peek(0) == 'E') {
-        const std::ptrdiff_t sign = Peek(1) == '+' || Peek(1) == '-' ? 1 : 0;
-        if (ClassOf(Peek(1 + sign)) == detail::ccDigit) {
-            at_ += 1 + sign;
-            digits();
-        }
-    }
+    if (*at == '.' && isDigit(at + 1))
+        at = detail::EndOfRun(at + 1, end_, detail::ccDigit);
+    if (at == end_ || (*at != 'e' && *at != 'E'))
+        return at;
+    const bool isSigned = end_ - at > 1 && (at[1] == '+' || at[1] == '-');
+    const char* const exponent = at + (isSigned ? 2 : 1);
+    return isDigit(exponent) ? detail::EndOfRun(exponent, end_, detail::ccDigit) : at;
 }
 
 } // namespace lumora

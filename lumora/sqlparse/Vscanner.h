@@ -30,21 +30,32 @@ struct TToken {
 
 namespace detail {
 
-enum TCharClass : std::uint8_t { ccOther, ccBlank, ccQuote, ccName, ccDigit };
+enum TCharClass : std::uint8_t {
+    ccOther, // may begin a token of several characters, or a comment
+    ccBlank,
+    ccSymbol, // stands alone
+    ccName,
+    ccDigit // goes on with a name too
+};
+
+constexpr TCharClass ClassifyChar(unsigned c) {
+    const unsigned letter = (c | 0x20) - 'a';
+    if (c <= ' ')
+        return ccBlank;
+    if (c >= '0' && c <= '9')
+        return ccDigit;
+    if (letter < 26 || c == '_' || c == '$' || c == '#' || c == '@' || c >= 128)
+        return ccName;
+    for (const char other : {'\'', '"', '-', '/', '<', '>', '!', '|'})
+        if (c == static_cast<unsigned>(other))
+            return ccOther;
+    return ccSymbol;
+}
 
 constexpr std::array<TCharClass, 256> MakeCharClasses() {
     std::array<TCharClass, 256> classes{};
-    for (unsigned c = 0; c < 256; ++c) {
-        if (c <= ' ')
-            classes[c] = ccBlank;
-        else if (c >= '0' && c <= '9')
-            classes[c] = ccDigit;
-        else if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '$' || c == '#' ||
-                 c == '@' || c >= 128)
-            classes[c] = ccName;
-        else if (c == '\'' || c == '"')
-            classes[c] = ccQuote;
-    }
+    for (unsigned c = 0; c < 256; ++c)
+        classes[c] = ClassifyChar(c);
     return classes;
 }
 
@@ -52,6 +63,24 @@ inline constexpr std::array<TCharClass, 256> CharClasses = MakeCharClasses();
 
 inline TCharClass ClassOf(char c) {
     return CharClasses[static_cast<unsigned char>(c)];
+}
+
+// The end of a run of names' characters (ccName) or digits (ccDigit). A step for each of the first
+// characters, since the processor foretells each by itself: how long a name is, is what it is worst at.
+inline const char* EndOfRun(const char* at, const char* end, TCharClass least) {
+    for (; end - at >= 4; at += 4) {
+        if (ClassOf(at[0]) < least)
+            return at;
+        if (ClassOf(at[1]) < least)
+            return at + 1;
+        if (ClassOf(at[2]) < least)
+            return at + 2;
+        if (ClassOf(at[3]) < least)
+            return at + 3;
+    }
+    while (at != end && ClassOf(*at) >= least)
+        ++at;
+    return at;
 }
 
 } // namespace detail
@@ -66,18 +95,31 @@ public:
 
     const TToken& Token() const { return token_; }
     bool AtEnd() const { return token_.Kind == tkEnd; }
-    // Names, which most tokens are, are read here; the rest is not worth the room.
+    // Names, plain symbols and whole numbers, which most tokens are, are read here; the rest is not worth the
+    // room.
     const TToken& Next() {
-        while (at_ != end_ && detail::ClassOf(*at_) == detail::ccBlank)
-            line_ += *at_++ == '\n';
-        const char* const start = at_;
-        if (at_ == end_ || detail::ClassOf(*at_) != detail::ccName)
+        const char* at = at_;
+        while (at != end_ && detail::ClassOf(*at) == detail::ccBlank)
+            line_ += *at++ == '\n';
+        const char* const start = at;
+        const detail::TCharClass first = at != end_ ? detail::ClassOf(*at) : detail::ccOther;
+        at_ = at;
+        if (first == detail::ccOther)
             return NextOther();
-        do
-            ++at_;
-        while (at_ != end_ && detail::ClassOf(*at_) >= detail::ccName);
-        token_.Kind = tkIdentifier;
-        token_.Text = {start, static_cast<std::size_t>(at_ - start)};
+        ++at;
+        if (first == detail::ccName) {
+            token_.Kind = tkIdentifier;
+            at = detail::EndOfRun(at, end_, detail::ccName);
+        } else if (first == detail::ccSymbol) {
+            token_.Kind = tkSymbol;
+        } else {
+            token_.Kind = tkNumber;
+            at = detail::EndOfRun(at, end_, detail::ccDigit);
+            if (at != end_ && (*at == '.' || *at == 'e' || *at == 'E'))
+                at = EndOfFraction(at);
+        }
+        at_ = at;
+        token_.Text = {start, static_cast<std::size_t>(at - start)};
         token_.Line = line_;
         return token_;
     }
@@ -86,7 +128,7 @@ private:
     const TToken& NextOther();
     bool SkipComment();
     TTokenKind ScanQuoted();
-    void ScanNumber();
+    const char* EndOfFraction(const char* at) const;
     char Peek(std::ptrdiff_t offset) const { return end_ - at_ > offset ? at_[offset] : '\0'; }
 
     const char* at_;

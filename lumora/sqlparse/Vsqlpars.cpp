@@ -44,18 +44,6 @@ void TVSQLParser::Refuse(const TSQLToken& token) const {
     throw ESQLParserError(msgCantBeKept, token.Line, token.Text());
 }
 
-bool TVSQLParser::Accept(TSQLWord word) {
-    const bool found = Is(word);
-    at_ += found ? 1 : 0;
-    return found;
-}
-
-bool TVSQLParser::Accept(char symbol) {
-    const bool found = Is(symbol);
-    at_ += found ? 1 : 0;
-    return found;
-}
-
 void TVSQLParser::Must(TSQLWord word) {
     if (!Accept(word))
         FailWrong();
@@ -63,15 +51,6 @@ void TVSQLParser::Must(TSQLWord word) {
 
 void TVSQLParser::Skip(char symbol) {
     while (Is(symbol))
-        ++at_;
-}
-
-void TVSQLParser::Advance() {
-    if (at_->Match >= 0)
-        at_ = tokens_.begin() + at_->Match + 1;
-    else if (Is('('))
-        at_ = tokens_.Last(); // it is never closed
-    else if (!AtEnd())
         ++at_;
 }
 

@@ -52,13 +52,17 @@ private:
     bool AtEnd() const { return at_->Kind == tkEnd; }
     bool Is(TSQLWord word) const { return at_->Word == word; }
     bool Is(char symbol) const { return at_->Symbol == symbol; }
-    bool HasRole(std::uint8_t roles) const { return (at_->Roles & roles) != 0; }
-    bool Accept(TSQLWord word);
-    bool Accept(char symbol);
+    bool HasRole(unsigned roles) const { return (at_->Roles & roles) != 0; }
+    template <typename T>
+    bool Accept(T wordOrSymbol) {
+        const bool found = Is(wordOrSymbol);
+        at_ += found ? 1 : 0;
+        return found;
+    }
     void Must(TSQLWord word);
     void Skip(char symbol);
     // Moves past the token, or past what it opens.
-    void Advance();
+    void Advance() { at_ += at_->Step; }
     bool OpensGroup() const;
     static bool EndsPredicate(const TSQLToken& token);
 
@@ -83,7 +87,7 @@ private:
     std::string_view OperatorText();
     std::string_view RightValue(TSQLCondition& condition);
     std::string_view SecondValue(TSQLCondition& condition);
-    std::string_view ConditionValue(std::uint8_t ends, TSQLCondition& condition);
+    std::string_view ConditionValue(unsigned ends, TSQLCondition& condition);
     bool IsPosition() const;
     TSQLResultField& FieldByNumber();
     TSQLResultField& FieldByName(TSortedNames& names);

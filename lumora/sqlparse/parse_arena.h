@@ -12,7 +12,7 @@
 namespace lumora {
 
 // What it hands out stays where it is until Clear, which keeps the memory for what comes next. The first
-// kilobyte is part of the object, so that a small tree allocates nothing.
+// two kilobytes are part of the object, so that a small tree allocates nothing.
 class TParseArena {
 public:
     TParseArena() = default;
@@ -25,14 +25,20 @@ public:
         static_assert(std::is_trivially_destructible_v<T> && alignof(T) <= Alignment);
         return new (Take(sizeof(T))) T();
     }
-    char* NewText(std::size_t length) { return new (Take(length)) char[length]; }
+    template <typename T>
+    T* NewArray(std::size_t count) {
+        static_assert(std::is_trivially_destructible_v<T> && alignof(T) <= Alignment);
+        return std::uninitialized_default_construct_n(reinterpret_cast<T*>(Take(count * sizeof(T))), count) -
+               count;
+    }
+    char* NewText(std::size_t length) { return NewArray<char>(length); }
     // The pieces, one behind the other.
     std::string_view Join(std::initializer_list<std::string_view> pieces);
     void Clear();
 
 private:
     static constexpr std::size_t Alignment = alignof(void*);
-    static constexpr std::size_t FirstSize = 1024;
+    static constexpr std::size_t FirstSize = 2048;
 
     struct TBlock {
         std::unique_ptr<std::byte[]> Memory;

@@ -53,9 +53,9 @@ TSQLConditionNode* TVSQLParser::BooleanTerm() {
 bool TVSQLParser::OpensGroup() const {
     if (!Is('(') || HasRole(trGroup))
         return Is('(');
-    if (!strict_ || at_->Match < 0 || Peek().Word == swSelect)
+    if (!strict_ || !HasRole(trClosed) || Peek().Word == swSelect)
         return false;
-    return EndsPredicate(tokens_.begin()[at_->Match + 1]);
+    return EndsPredicate(at_[at_->Step]);
 }
 
 bool TVSQLParser::EndsPredicate(const TSQLToken& token) {
@@ -146,10 +146,10 @@ std::string_view TVSQLParser::SecondValue(TSQLCondition& condition) {
 }
 
 // What stands before the next token outside parentheses that has one of the roles.
-std::string_view TVSQLParser::ConditionValue(std::uint8_t ends, TSQLCondition& condition) {
+std::string_view TVSQLParser::ConditionValue(unsigned ends, TSQLCondition& condition) {
     const TSQLToken* const first = at_;
     if (Is('(') && Peek().Word == swSelect) {
-        if (at_->Match < 0)
+        if (!HasRole(trClosed))
             Fail(msgLostBracket);
         condition.SubQuery = true;
     }

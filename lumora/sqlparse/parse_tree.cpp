@@ -10,12 +10,6 @@ void TSQLResultField::SetSQLExpr(std::string_view text) {
     FieldName = dot == std::string_view::npos || text.find('(') < dot ? text : text.substr(dot + 1);
 }
 
-TSQLResultField& TSQLResultFieldList::Add() {
-    if (items_.capacity() == 0)
-        items_.reserve(8);
-    return items_.emplace_back();
-}
-
 void TSQLResultFieldList::Clear() {
     items_.clear();
     SelectAll = false;
@@ -81,7 +75,6 @@ void TVParserResult::Clear() {
     Distinct = SelectAll = false;
     ResultFields.Clear();
     Tables.clear();
-    Tables.reserve(4);
     Joins.clear();
     GroupBy.clear();
     arena_.Clear();

@@ -3,12 +3,12 @@
 
 #include "lumora/platform/errors.h"
 #include "lumora/sqlparse/parse_arena.h"
+#include "lumora/sqlparse/parse_list.h"
 #include "lumora/sqlparse/sql_words.h"
 
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace lumora {
 
@@ -28,10 +28,12 @@ struct TSQLResultField {
 
 class TSQLResultFieldList {
 public:
+    explicit TSQLResultFieldList(TParseArena& arena) : items_(arena) {}
+
     int Count() const { return static_cast<int>(items_.size()); }
     TSQLResultField& GetItem(int index) { return items_[CheckIndex(index, items_.size())]; }
     const TSQLResultField& GetItem(int index) const { return items_[CheckIndex(index, items_.size())]; }
-    TSQLResultField& Add();
+    TSQLResultField& Add() { return items_.push_back({}); }
     void Clear();
     // The first field with that alias or expression, letter case ignored; -1 when there is none.
     int IndexByAlias(std::string_view alias) const;
@@ -40,7 +42,7 @@ public:
     bool SelectAll = false;
 
 private:
-    std::vector<TSQLResultField> items_;
+    TParseList<TSQLResultField> items_;
 };
 
 struct TSQLTable {
@@ -52,7 +54,7 @@ struct TSQLTable {
     int Line = 0;
 };
 
-using TSQLTableList = std::vector<TSQLTable>;
+using TSQLTableList = TParseList<TSQLTable>;
 
 // A node of the WHERE tree. Nodes are owned by the result.
 class TSQLConditionNode {
@@ -115,6 +117,8 @@ struct TSQLJoin {
 };
 
 class TVParserResult {
+    TParseArena arena_; // nodes, lists, and texts that do not stand so in the statement; it outlives the rest
+
 public:
     TVParserResult() = default;
     TVParserResult(const TVParserResult&) = delete;
@@ -122,17 +126,17 @@ public:
 
     bool Distinct = false;
     bool SelectAll = false;
-    TSQLResultFieldList ResultFields;
-    TSQLTableList Tables;
+    TSQLResultFieldList ResultFields{arena_};
+    TSQLTableList Tables{arena_};
     TSQLBracket* RootBracket = nullptr; // never none once parsed
 
     // Recorded by a strict parser only.
-    std::vector<TSQLJoin> Joins;
+    TParseList<TSQLJoin> Joins{arena_};
     struct TGroupItem {
         std::string_view Text;
         int Line;
     };
-    std::vector<TGroupItem> GroupBy;
+    TParseList<TGroupItem> GroupBy{arena_};
 
 private:
     friend class TVSQLParser;
@@ -140,7 +144,6 @@ private:
     void Clear();
 
     std::string source_;
-    TParseArena arena_; // holds the nodes, and texts that do not stand so in the statement
 };
 
 } // namespace lumora

@@ -1,6 +1,7 @@
 #include "lumora/sqlparse/sql_tokens.h"
 
 #include "lumora/sqlparse/parser_error.h"
+#include "lumora/sqlparse/word_table.h"
 
 #include <algorithm>
 #include <array>
@@ -11,7 +12,7 @@ namespace lumora {
 
 namespace {
 
-constexpr std::uint8_t RolesOf(TSQLWord word) {
+constexpr std::uint16_t RolesOf(TSQLWord word) {
     switch (word) {
     case swLike:
     case swIn:
@@ -38,7 +39,7 @@ constexpr std::uint8_t RolesOf(TSQLWord word) {
     }
 }
 
-constexpr std::uint8_t RolesOf(char symbol) {
+constexpr std::uint16_t RolesOf(char symbol) {
     switch (symbol) {
     case '=':
     case '<':
@@ -58,8 +59,8 @@ constexpr std::uint8_t RolesOf(char symbol) {
 }
 
 template <typename TKey, std::size_t Count>
-constexpr std::array<std::uint8_t, Count> MakeRoles() {
-    std::array<std::uint8_t, Count> roles{};
+constexpr std::array<std::uint16_t, Count> MakeRoles() {
+    std::array<std::uint16_t, Count> roles{};
     for (std::size_t i = 0; i < Count; ++i)
         roles[i] = RolesOf(static_cast<TKey>(i));
     return roles;
@@ -76,8 +77,9 @@ void ClassifySymbol(TSQLToken& token) {
     token.Roles = RolesOfSymbol[static_cast<unsigned char>(token.Length == 2 && first == '!' ? '=' : first)];
 }
 
-void ClassifyName(TSQLToken& token, std::string_view source) {
-    token.Word = SQLWordWithin(token.Text(), source.data() + source.size());
+void ClassifyName(TSQLToken& token, const char* sourceEnd) {
+    const bool isReadable = sourceEnd - token.Begin >= static_cast<std::ptrdiff_t>(detail::LongestWord);
+    token.Word = isReadable ? detail::WordAt(token.Begin, token.Length) : SQLWordOf(token.Text());
     token.Roles = RolesOfWord[token.Word];
 }
 
@@ -85,49 +87,67 @@ void ClassifyName(TSQLToken& token, std::string_view source) {
 
 // Each parenthesis is told where it is closed; so the parser can look ahead without reading anything twice.
 void TSQLTokens::Read(std::string_view source) {
-    if (source.size() > std::numeric_limits<std::int32_t>::max())
-        throw ESQLParserError(msgWrongSQL, 1);
-    if (source.size() / 5 > capacity_)
-        Grow(source.size() / 5);
-    count_ = 0;
-    innermost_ = -1;
-    depth_ = 0;
+    Start(source.size());
     const char* end = source.data(); // of the token before
     bool afterDot = false;
     std::int32_t wideGaps = 0;
     TVScanner scanner(source);
     for (; !scanner.AtEnd(); scanner.Next()) {
-        if (count_ + 1 == capacity_)
-            Grow(2 * capacity_);
         const TToken& scanned = scanner.Token();
         const auto gap = scanned.Text.data() - end;
         wideGaps += gap > 1 || (gap == 1 && *end != ' ') ? 1 : 0;
-        TSQLToken& token = items_[count_++];
-        token = {scanned.Text.data(),
-                 static_cast<std::uint32_t>(scanned.Text.size()),
-                 scanned.Line,
-                 -1,
-                 wideGaps,
-                 scanned.Kind,
-                 '\0',
-                 swNone,
-                 0};
-        end = token.End();
+        TSQLToken& token = Add(scanned, wideGaps);
         if (token.Kind == tkSymbol)
             ClassifySymbol(token);
         else if (token.Kind == tkIdentifier && !afterDot)
-            ClassifyName(token, source);
+            ClassifyName(token, source.data() + source.size());
         else if (token.Kind == tkUnclosed)
             throw ESQLParserError(msgWrongSQL, token.Line);
         afterDot = token.Symbol == '.';
+        end = token.End();
         if (token.Roles & (trOpens | trCloses | trComparison))
             Pair(token);
     }
-    while (innermost_ >= 0)
-        LeaveInnermost(-1);
+    Finish(scanner.Token());
+}
+
+void TSQLTokens::Start(std::size_t sourceSize) {
+    if (sourceSize > std::numeric_limits<std::int32_t>::max())
+        throw ESQLParserError(msgWrongSQL, 1);
+    count_ = 1;
+    innermost_ = 0;
+    depth_ = 0;
+    items_[0] = {};
+    if (sourceSize / 4 > capacity_)
+        Grow(sourceSize / 4);
+}
+
+TSQLToken& TSQLTokens::Add(const TToken& scanned, std::int32_t wideGaps) {
+    if (count_ + 1 == capacity_)
+        Grow(2 * capacity_);
+    TSQLToken& token = items_[count_++];
+    token.Begin = scanned.Text.data();
+    token.Length = static_cast<std::uint32_t>(scanned.Text.size());
+    token.Line = scanned.Line;
+    token.Step = 1;
+    token.WideGaps = wideGaps;
+    token.Kind = scanned.Kind;
+    token.Symbol = '\0';
+    token.Word = swNone;
+    token.Roles = 0;
+    return token;
+}
+
+void TSQLTokens::Finish(const TToken& end) {
+    while (innermost_ != 0)
+        if (TSQLToken& opener = LeaveInnermost(); opener.Symbol == '(')
+            opener.Step = static_cast<std::int32_t>(items_ + count_ - &opener);
     // An error at the end bears the last token's line.
-    const std::int32_t line = count_ > 0 ? items_[count_ - 1].Line : scanner.Token().Line;
-    items_[count_++] = {end, 0, line, -1, wideGaps, tkEnd, '\0', swNone, trEndsValue};
+    const std::int32_t line = count_ > 1 ? items_[count_ - 1].Line : end.Line;
+    TSQLToken& token = Add(end, 0);
+    token.Line = line;
+    token.Step = 0;
+    token.Roles = trEndsValue;
 }
 
 void TSQLTokens::Grow(std::size_t capacity) {
@@ -138,14 +158,14 @@ void TSQLTokens::Grow(std::size_t capacity) {
     capacity_ = capacity;
 }
 
-// --- Pairs. What is open is a chain through Match, from the innermost outwards.
+// --- Pairs. What is open is a chain through Step, from the innermost outwards.
 
 void TSQLTokens::Pair(TSQLToken& token) {
     if (token.Roles & trOpens)
         Open(token);
     else if (token.Roles & trCloses)
         Close(token);
-    else if (innermost_ >= 0)
+    else
         items_[innermost_].Roles |= trGroup;
 }
 
@@ -153,29 +173,30 @@ void TSQLTokens::Open(TSQLToken& token) {
     if (depth_ == MaxSQLNesting)
         throw ESQLParserError(msgWrongSQL, token.Line);
     ++depth_;
-    token.Match = innermost_;
+    token.Step = innermost_;
     innermost_ = static_cast<std::int32_t>(&token - items_);
 }
 
 void TSQLTokens::Close(const TSQLToken& token) {
     const bool isCase = token.Word == swEnd;
-    while (!isCase && innermost_ >= 0 && items_[innermost_].Word == swCase)
-        LeaveInnermost(-1); // a CASE without its END
-    if (innermost_ < 0 || (isCase && items_[innermost_].Word != swCase))
+    while (!isCase && items_[innermost_].Word == swCase)
+        LeaveInnermost(); // a CASE without its END
+    if (innermost_ == 0 || (isCase && items_[innermost_].Word != swCase))
         return;
-    TSQLToken& opener = items_[innermost_];
-    LeaveInnermost(static_cast<std::int32_t>(&token - items_));
+    TSQLToken& opener = LeaveInnermost();
+    opener.Step = static_cast<std::int32_t>(&token - &opener) + 1;
+    opener.Roles |= trClosed;
     if (isCase || (&opener)[1].Word == swSelect)
-        opener.Roles &= static_cast<std::uint8_t>(~trGroup);
-    if ((opener.Roles & trGroup) && innermost_ >= 0)
-        items_[innermost_].Roles |= trGroup;
+        opener.Roles &= static_cast<std::uint16_t>(~trGroup);
+    items_[innermost_].Roles |= static_cast<std::uint16_t>(opener.Roles & trGroup);
 }
 
-void TSQLTokens::LeaveInnermost(std::int32_t match) {
+TSQLToken& TSQLTokens::LeaveInnermost() {
     TSQLToken& opener = items_[innermost_];
-    innermost_ = opener.Match;
-    opener.Match = match;
+    innermost_ = opener.Step;
+    opener.Step = 1;
     --depth_;
+    return opener;
 }
 
 } // namespace lumora

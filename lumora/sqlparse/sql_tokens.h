@@ -11,7 +11,7 @@
 
 namespace lumora {
 
-enum TSQLTokenRole : std::uint8_t {
+enum TSQLTokenRole : std::uint16_t {
     trComparison = 1, // an operator that compares
     trEndsValue = 2,  // ends a condition's value: a comparison, "and", "or", a clause, "," ")" or the end
     trEndsLeft = 4,   // ends a left side besides: "not"
@@ -19,19 +19,20 @@ enum TSQLTokenRole : std::uint8_t {
     trClause = 16,    // a clause, supported or not, begins with it, or it is ";"
     trOpens = 32,     // "(" and CASE
     trCloses = 64,    // ")" and END
-    trGroup = 128     // a "(" with a comparison inside, which is not a sub-select's own
+    trGroup = 128,    // a "(" with a comparison inside, which is not a sub-select's own
+    trClosed = 256    // what it opens is closed
 };
 
 struct TSQLToken {
     const char* Begin;
     std::uint32_t Length;
     std::int32_t Line;
-    std::int32_t Match;    // for "(" and CASE the token that closes it, -1 when there is none
+    std::int32_t Step;     // to the next token, or past what it opens; an open "(" reaches to the end
     std::int32_t WideGaps; // before it and all tokens before it: gaps that are more than one blank
     TTokenKind Kind;
     char Symbol;   // of a symbol of one character, else 0
     TSQLWord Word; // a name behind "." is no word
-    std::uint8_t Roles;
+    std::uint16_t Roles;
 
     const char* End() const { return Begin + Length; }
     std::string_view Text() const { return {Begin, Length}; }
@@ -47,24 +48,26 @@ public:
     // parentheses that nest too deep.
     void Read(std::string_view source);
     // The last one is the end.
-    const TSQLToken* begin() const { return items_; }
-    const TSQLToken* Last() const { return items_ + count_ - 1; }
+    const TSQLToken* begin() const { return items_ + 1; }
 
 private:
     // So many stand in the object itself, so that a short statement allocates nothing.
     static constexpr std::size_t FirstCapacity = 48;
 
+    void Start(std::size_t sourceSize);
+    TSQLToken& Add(const TToken& scanned, std::int32_t wideGaps);
+    void Finish(const TToken& end);
     void Grow(std::size_t capacity);
     void Pair(TSQLToken& token);
     void Open(TSQLToken& token);
     void Close(const TSQLToken& token);
-    void LeaveInnermost(std::int32_t match);
+    TSQLToken& LeaveInnermost();
 
-    TSQLToken* items_ = first_;
+    TSQLToken* items_ = first_; // the first stands for what is outside all parentheses
     std::size_t count_ = 0;
     std::size_t capacity_ = FirstCapacity;
     std::unique_ptr<TSQLToken[]> more_;
-    std::int32_t innermost_ = -1; // what is open; its Match is what is open around it until it is closed
+    std::int32_t innermost_ = 0; // what is open; its Step is what is open around it
     int depth_ = 0;
     TSQLToken first_[FirstCapacity];
 };

@@ -56,8 +56,6 @@ inline constexpr std::size_t SQLWordCount = swWith + 1; // swNone included
 
 // Which of the words an identifier is, letter case ignored.
 TSQLWord SQLWordOf(std::string_view identifier);
-// The same, faster, for one that stands in a longer text, which ends there.
-TSQLWord SQLWordWithin(std::string_view identifier, const char* textEnd);
 // The word in small letters; nothing for swNone.
 std::string_view SQLWordText(TSQLWord word);
 
