@@ -1,4 +1,5 @@
-// Query text on the sample model: any bytes give a query or an exception, and SQL or an exception from there.
+// Query text on the sample model: any bytes give a query or an exception, and words, SQL or an exception from
+// there.
 #include "lumora/lumora.h"
 
 #include <cstddef>
@@ -16,19 +17,19 @@ lumora::TVDBStructure& Model() {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    lumora::TVQueryPanel panel;
-    panel.SetDbStruct(&Model());
-    panel.Activate();
+    lumora::TVQuery query(Model());
+    lumora::TQueryScreen screen(query);
     try {
-        panel.LoadFromStrings(lumora::TStringList({reinterpret_cast<const char*>(data), size}));
-        panel.GetQueryText();
+        ReadQueryText(query, lumora::TStringList({reinterpret_cast<const char*>(data), size}),
+                      &screen.GetTitles());
+        screen.GetQueryText();
         for (const bool strict : {false, true}) {
-            panel.SetStrict(strict);
-            panel.BuildQuery();
-            panel.GetQResult().GetSQL();
+            query.SetStrict(strict);
+            query.BuildQuery();
+            query.GetQResult().GetSQL();
         }
         lumora::TStringList lines;
-        panel.SaveToStrings(lines);
+        WriteQueryText(query, lines, &screen.GetTitles());
     } catch (const lumora::Exception&) {
     }
     return 0;

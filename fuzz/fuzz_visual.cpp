@@ -1,4 +1,4 @@
-// SQL to query on the sample model, and on from there to SQL and text. What a strict panel makes must read
+// SQL to query on the sample model, and on from there to SQL and text. What a strict query makes must read
 // back the same.
 #include "lumora/lumora.h"
 
@@ -15,9 +15,9 @@ lumora::TVDBStructure& Model() {
     return model;
 }
 
-std::string SQLOf(lumora::TVQueryPanel& panel) {
-    panel.BuildQuery();
-    return panel.GetQResult().GetSQL().GetText();
+std::string SQLOf(lumora::TVQuery& query) {
+    query.BuildQuery();
+    return query.GetQResult().GetSQL().GetText();
 }
 
 } // namespace
@@ -25,26 +25,23 @@ std::string SQLOf(lumora::TVQueryPanel& panel) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0)
         return 0;
-    lumora::TVQueryPanel panel;
-    panel.SetDbStruct(&Model());
-    panel.SetSaveTitles(false);
-    panel.SetStrict(data[0] & 1);
-    panel.SetSQLSyntax(static_cast<lumora::TSQLSyntax>((data[0] >> 1) % 3));
-    panel.Activate();
+    lumora::TVQuery query(Model());
+    query.SetStrict(data[0] & 1);
+    query.SetSQLSyntax(static_cast<lumora::TSQLSyntax>((data[0] >> 1) % 3));
     std::string sql;
     try {
-        panel.ParseSQL(lumora::TStringList({reinterpret_cast<const char*>(data) + 1, size - 1}));
-        sql = SQLOf(panel);
+        ReadSQL(query, lumora::TStringList({reinterpret_cast<const char*>(data) + 1, size - 1}));
+        sql = SQLOf(query);
         lumora::TStringList lines;
-        panel.SaveToStrings(lines);
-        panel.LoadFromStrings(lines);
+        WriteQueryText(query, lines);
+        ReadQueryText(query, lines);
     } catch (const lumora::Exception&) {
         return 0;
     }
-    if (!panel.GetStrict())
+    if (!query.GetStrict())
         return 0;
-    panel.ParseSQL(lumora::TStringList(sql));
-    if (SQLOf(panel) != sql)
+    ReadSQL(query, lumora::TStringList(sql));
+    if (SQLOf(query) != sql)
         std::abort();
     return 0;
 }

@@ -1,6 +1,8 @@
 #include "apps/lumora/commands.h"
 
 #include "apps/lumora/query_session.h"
+#include "lumora/query/query_result.h"
+#include "lumora/screen/query_screen.h"
 #include "lumora/sqlparse/Vsqlpars.h"
 #include "lumora/sqlparse/parse_tree_text.h"
 
@@ -22,24 +24,24 @@ void printSQL(const Arguments& arguments, Output& output) {
     const QueryOptions options(arguments);
     QuerySession session(arguments[0]);
     session.readQuery(arguments[1], options);
-    session.panel().BuildQuery();
-    output.write(session.panel().GetQResult().GetSQL().GetText());
+    session.query().BuildQuery();
+    output.write(session.query().GetQResult().GetSQL().GetText());
 }
 
 void printText(const Arguments& arguments, Output& output) {
     const QueryOptions options(arguments);
     QuerySession session(arguments[0]);
     session.readQuery(arguments[1], options);
-    TStringList lines;
-    session.panel().SaveToStrings(lines);
-    output.write(lines.GetText());
+    output.write(session.queryText(options));
 }
 
 void printWords(const Arguments& arguments, Output& output) {
     const QueryOptions options(arguments);
     QuerySession session(arguments[0]);
     session.readQuery(arguments[1], options);
-    output.write(session.panel().GetQueryText());
+    TQueryScreen screen(session.query());
+    screen.GetTitles() = session.titles();
+    output.write(screen.GetQueryText());
 }
 
 void printPath(const Arguments& arguments, Output& output) {
@@ -63,9 +65,7 @@ void printVisual(const Arguments& arguments, Output& output) {
     const QueryOptions options(arguments);
     QuerySession session(arguments[0]);
     session.readSQL(arguments[1], options);
-    TStringList lines;
-    session.panel().SaveToStrings(lines);
-    output.write(lines.GetText());
+    output.write(session.queryText(options));
 }
 
 std::vector<OptionSpec> textOptionSpecs() {

@@ -1,7 +1,10 @@
 #include "apps/lumora/query_session.h"
 
 #include "apps/lumora/standard_streams.h"
+#include "lumora/model/Lmglobal.h"
 #include "lumora/platform/text_file.h"
+#include "lumora/querytext/query_text.h"
+#include "lumora/reading/read_sql.h"
 #include "lumora/support/string_helpers.h"
 
 namespace lumora::cli {
@@ -53,33 +56,37 @@ QueryOptions::QueryOptions(const Arguments& arguments)
 
 QuerySession::QuerySession(const std::string& modelFile) {
     model_.LoadFromStrings(readLines(modelFile));
-    panel_.SetDbStruct(&model_);
+    query_.ModelKnown();
 }
 
 void QuerySession::prepare(const QueryOptions& options) {
-    // The panel would pass over a table that does not exist, and the query would start from another one.
+    // The query would pass over a table that does not exist, and start from another one.
     if (!options.mainTable.empty() && !model_.TableByName(tnName, options.mainTable))
         throw EVDBStructError(dseNoTable, {options.mainTable});
-    panel_.SetSaveTitles(options.saveTitles);
-    panel_.SetSQLSyntax(options.syntax);
+    query_.SetSQLSyntax(options.syntax);
     if (!options.mainTable.empty())
-        panel_.SetMainTableName(options.mainTable);
-    panel_.SetStrict(options.strict);
-    panel_.SetSQLOptions(options.sqlOptions.value_or(DefaultSQLOptions));
-    panel_.SetActive(true);
+        query_.SetMainTableName(options.mainTable);
+    query_.SetStrict(options.strict);
+    query_.SetSQLOptions(options.sqlOptions.value_or(DefaultSQLOptions));
 }
 
 void QuerySession::readQuery(const std::string& queryFile, const QueryOptions& options) {
     prepare(options);
-    panel_.LoadFromStrings(readLines(queryFile));
+    ReadQueryText(query_, readLines(queryFile), options.saveTitles ? &titles_ : nullptr);
     if (options.sqlOptions) // again, for the text may hold others
-        panel_.SetSQLOptions(*options.sqlOptions);
+        query_.SetSQLOptions(*options.sqlOptions);
 }
 
 void QuerySession::readSQL(const std::string& sqlFile, const QueryOptions& options) {
     prepare(options);
-    panel_.SetSaveSQLOptions(options.strict);
-    panel_.ParseSQL(readLines(sqlFile));
+    query_.SetSaveSQLOptions(options.strict);
+    ReadSQL(query_, readLines(sqlFile), options.saveTitles ? &titles_ : nullptr);
+}
+
+std::string QuerySession::queryText(const QueryOptions& options) {
+    TStringList lines;
+    WriteQueryText(query_, lines, options.saveTitles ? &titles_ : nullptr);
+    return lines.GetText();
 }
 
 } // namespace lumora::cli

@@ -2,7 +2,9 @@
 #pragma once
 
 #include "apps/lumora/arguments.h"
-#include "lumora/lumora.h"
+#include "lumora/model/Vdbstruc.h"
+#include "lumora/query/query.h"
+#include "lumora/titles/titles.h"
 
 #include <optional>
 #include <string>
@@ -33,15 +35,19 @@ public:
     // The same for a SELECT statement. A strict one's options are kept with the query: DISTINCT is among
     // them.
     void readSQL(const std::string& sqlFile, const QueryOptions& options);
+    // The query as text, with its titles when the options say so.
+    std::string queryText(const QueryOptions& options);
 
     TVDBStructure& model() { return model_; }
-    TVQueryPanel& panel() { return panel_; }
+    TVQuery& query() { return query_; }
+    const TTitles& titles() const { return titles_; }
 
 private:
     void prepare(const QueryOptions& options);
 
     TVDBStructure model_;
-    TVQueryPanel panel_;
+    TVQuery query_{model_};
+    TTitles titles_;
 };
 
 } // namespace lumora::cli

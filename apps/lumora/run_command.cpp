@@ -10,8 +10,10 @@
 #include "lumora/platform/ascii.h"
 #include "lumora/platform/convert.h"
 #include "lumora/qtsql/databaseconnection.h"
+#include "lumora/qtsql/engine.h"
 #include "lumora/qtsql/querycanceller.h"
 #include "lumora/qtsql/queryrunner.h"
+#include "lumora/query/query_result.h"
 
 #include <cstdint>
 
@@ -50,10 +52,11 @@ struct Statement {
 Statement makeStatement(const Arguments& arguments, const RunOptions& options, Engine engine) {
     QuerySession session(arguments[1]);
     prepareModel(session.model(), engine);
+    session.query().SetDialect(dialectOf(engine));
     session.readQuery(arguments[2], options.query);
-    QueryParameters parameters(session.panel().GetQResult());
-    session.panel().BuildQuery();
-    std::string sql = session.panel().GetQResult().GetSQL().GetText();
+    QueryParameters parameters(session.query().GetQResult());
+    session.query().BuildQuery();
+    std::string sql = session.query().GetQResult().GetSQL().GetText();
     sql.pop_back(); // the line feed that ends the last line
     const QVariantMap values =
         parameters.bind(sql, options.parameters, session.model().GetSQLFormats(), engine);

@@ -227,6 +227,20 @@ Engine engineOf(const QString& driver) {
 }
 
 // PostgreSQL folds unquoted names to lower case. Letters beyond ASCII are left to quotes everywhere.
+TSQLDialect dialectOf(Engine engine) {
+    switch (engine) {
+    case Engine::Sqlite:
+        return sdSQLite;
+    case Engine::PostgreSql:
+        return sdPostgreSQL;
+    case Engine::MySql:
+        return sdMySQL;
+    case Engine::Other:
+        break;
+    }
+    return sdStandard;
+}
+
 bool needsQuotes(Engine engine, std::string_view name) {
     const bool foldsCase = engine == Engine::PostgreSql;
     const auto isNameChar = [&](char c) {

@@ -1,6 +1,8 @@
 // What sets the database engines apart.
 #pragma once
 
+#include "lumora/statement/sql_dialect.h"
+
 #include <QSqlDatabase>
 #include <QString>
 
@@ -15,6 +17,9 @@ enum class Engine { Sqlite, PostgreSql, MySql, Other };
 Engine engineOf(const QSqlDatabase& database);
 // The engine that a driver of Qt's, "QPSQL", is for.
 Engine engineOf(const QString& driver);
+
+// The dialect in which statements for the engine are written.
+TSQLDialect dialectOf(Engine engine);
 
 // Whether a table's or column's name, spelled as the catalogue has it, must stand in quotes in a statement.
 bool needsQuotes(Engine engine, std::string_view name);

@@ -1,5 +1,7 @@
 #include "lumora/widgets/resultcolumnsmodel.h"
 
+#include "lumora/lumora.h"
+
 #include <algorithm>
 #include <array>
 #include <functional>
