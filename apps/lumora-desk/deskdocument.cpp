@@ -112,6 +112,7 @@ void DeskDocument::preparePanel(TVQueryPanel& panel) const {
     panel.SetSaveSQLOptions(true);
     panel.SetSQLOptions(DefaultSQLOptions);
     panel.SetSQLSyntax(ssSQL2);
+    panel.SetDialect(dialectOf(engineOf(source_->request.database.driver)));
     panel.Activate();
 }
 
