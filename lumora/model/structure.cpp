@@ -2,6 +2,7 @@
 
 #include "lumora/model/indexes.h"
 #include "lumora/platform/form_text.h"
+#include "lumora/platform/properties.h"
 #include "lumora/support/string_helpers.h"
 
 #include <algorithm>
@@ -30,6 +31,34 @@ TVCustomDBStructure::~TVCustomDBStructure() {
     BeginDestruction();
     listeners_.ForEach([](TModelListener& listener) { listener.ModelDestroyed(); });
     ClearItems();
+}
+
+int TVCustomDBStructure::GetTableCount() const {
+    return static_cast<int>(tables_.size());
+}
+
+int TVCustomDBStructure::GetFieldCount() const {
+    return static_cast<int>(fields_.size());
+}
+
+int TVCustomDBStructure::GetLinkCount() const {
+    return static_cast<int>(links_.size());
+}
+
+int TVCustomDBStructure::GetOperatCount() const {
+    return static_cast<int>(operators_.size());
+}
+
+int TVCustomDBStructure::GetConditionCount() const {
+    return static_cast<int>(conditions_.size());
+}
+
+TDSOperator* TVCustomDBStructure::GetUnrecognizedOperator() const {
+    return unrecognizedOperator_.get();
+}
+
+void TVCustomDBStructure::SetDefOperators(const TStringList& lines) {
+    defOperators_ = lines;
 }
 
 void TVCustomDBStructure::TableKeysChanged() {
@@ -551,6 +580,10 @@ std::string TVCustomDBStructure::DefaultCaptionLines() {
         lines.append(op.Name).append("=").append(op.Caption).append("\n");
     return lines;
 }
+
+TVDBStructure::TVDBStructure(TComponent* owner) : TVCustomDBStructure(owner) {}
+
+TVDBStructure::~TVDBStructure() = default;
 
 std::span<const TPropertyInfo> TVDBStructure::PublishedProperties() const {
     static const std::vector<TPropertyInfo> properties = [this] {

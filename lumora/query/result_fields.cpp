@@ -1,8 +1,8 @@
 #include "lumora/query/result_fields.h"
 
-#include "lumora/query/field_by_sql.h"
 #include "lumora/model/structure.h"
 #include "lumora/query/errors.h"
+#include "lumora/query/field_by_sql.h"
 #include "lumora/query/strict_checks.h"
 #include "lumora/support/string_helpers.h"
 
@@ -45,6 +45,19 @@ std::string LowerOutsideLiterals(std::string_view sql) {
 }
 
 } // namespace
+
+TResultField::TResultField(TRFieldList& owner) : owner_(owner) {}
+
+TResultField::~TResultField() = default;
+
+TRFieldList::TRFieldList(const TVCustomDBStructure* structure, TVQuery* panel)
+    : structure_(structure), panel_(panel) {}
+
+int TRFieldList::Count() const {
+    return static_cast<int>(fields_.size());
+}
+
+TRFieldList::~TRFieldList() = default;
 
 TVQuery* TResultField::GetQueryPanel() const {
     return owner_.GetQueryPanel();
