@@ -70,6 +70,7 @@ void TVCustomDBStructure::TableKeysChanged() {
 void TVCustomDBStructure::FieldKeysChanged() {
     for (auto& lookup : indexes_->FieldsByName)
         lookup.Invalidate();
+    indexes_->ForgetFieldWords();
 }
 
 void TVCustomDBStructure::OperatorKeysChanged() {
@@ -213,6 +214,7 @@ void TVCustomDBStructure::FindLargestFieldID() {
 TDSField* TVCustomDBStructure::AppendField(int id, TVFieldKind kind) {
     largestFieldID_ = std::max(largestFieldID_, id);
     fields_.push_back(std::make_unique<TDSField>(*this, id, kind));
+    indexes_->ForgetFieldWords();
     return fields_.back().get();
 }
 
@@ -280,6 +282,14 @@ void TVCustomDBStructure::RemoveFromGroup(TDSField& field) {
 
 TDSField* TVCustomDBStructure::FieldByName(TFieldNameMode mode, std::string_view text) const {
     return indexes_->FieldsByName[mode].Find(fields_, text);
+}
+
+std::vector<TDSField*> TVCustomDBStructure::FieldsForFormula(TFieldNameMode mode, bool strict,
+                                                             std::string_view formula) const {
+    std::vector<TDSField*> fields;
+    for (const int i : indexes_->FieldWords(*this, mode, strict).FieldsIn(formula))
+        fields.push_back(GetField(i));
+    return fields;
 }
 
 TDSField* TVCustomDBStructure::FieldByID(int id) const {

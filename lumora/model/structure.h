@@ -79,6 +79,9 @@ public:
     // Gives each field the ID that `idOf` tells, above 0, or the next one that is free.
     void RenumberFields(const std::function<int(const TDSField&)>& idOf);
     void GetFieldNames(TFieldNameMode mode, TStringList& names) const;
+    // The fields, in order, whose SQL expression or full name may stand in a lower-cased formula as a whole:
+    // those that do, and some that don't.
+    std::vector<TDSField*> FieldsForFormula(TFieldNameMode mode, bool strict, std::string_view formula) const;
     // Stands for fields that a query names and the model does not know. In no list.
     TDSField* GetUnrecognizedField() const;
 

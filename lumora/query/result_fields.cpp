@@ -1,5 +1,6 @@
 #include "lumora/query/result_fields.h"
 
+#include "lumora/model/field_words.h"
 #include "lumora/model/structure.h"
 #include "lumora/query/errors.h"
 #include "lumora/query/field_by_sql.h"
@@ -230,12 +231,11 @@ void TResultField::ProcessSQLExpr(std::string_view sql) {
 // Puts placeholders for the fields whose lower-cased name stands in the formula as a whole word; false when
 // none does.
 bool TResultField::TakeWholeWords(TFieldNameMode mode) {
-    const TNameQuoting quoting = IsStrict(GetQueryPanel()) ? nqStrict : nqPlain;
+    const bool strict = IsStrict(GetQueryPanel());
     std::string formula = GetFormula();
     const TVCustomDBStructure& structure = *GetDBStruct();
-    for (int i = 0; i < structure.GetFieldCount(); ++i) {
-        TDSField* const field = structure.GetField(i);
-        const std::string name = LowerAscii(mode == fnSQLExpr ? field->GetSQLExpr(quoting) : field->GetFullName());
+    for (TDSField* const field : structure.FieldsForFormula(mode, strict, formula)) {
+        const std::string name = NameInFormulas(*field, mode, strict);
         std::size_t at = FindWholeWord(formula, name);
         if (at == std::string::npos)
             continue;
