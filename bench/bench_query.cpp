@@ -23,8 +23,8 @@ class TQueryMaker {
     }
 
 public:
-    TQueryMaker(TVQueryPanel& panel, unsigned seed)
-        : panel_(panel), model_(*panel.GetDbStruct()), random_(20260702 + seed) {
+    TQueryMaker(TVQuery& query, unsigned seed)
+        : query_(query), model_(*query.GetDbStruct()), random_(20260702 + seed) {
         std::vector<TDSTable*> tables;
         for (int i = 0; i < std::min(TablesInQuery, model_.GetTableCount()); ++i)
             tables.push_back(model_.GetTable(i));
@@ -35,7 +35,7 @@ public:
     }
 
     void AddResultFields() {
-        TRFieldList& list = panel_.GetQResult().GetResultFields();
+        TRFieldList& list = query_.GetQResult().GetResultFields();
         list.JustSorting = false;
         for (int i = 0; i < 3; ++i) {
             TDSField* const field = PickFrom(fields_);
@@ -111,30 +111,50 @@ private:
         }
     }
 
-    TVQueryPanel& panel_;
-    TVCustomDBStructure& model_;
+    TVQuery& query_;
+    const TVCustomDBStructure& model_;
     std::vector<TDSField*> fields_;
     std::mt19937 random_;
 };
 
 } // namespace
 
-void FillQuery(TVQueryPanel& panel, int conditions, unsigned seed) {
-    TQueryMaker maker(panel, seed);
+void FillQuery(TVQuery& query, int conditions, unsigned seed) {
+    TQueryMaker maker(query, seed);
     maker.AddResultFields();
-    maker.FillBracket(*panel.GetRootBracket(), 1, conditions);
+    maker.FillBracket(*query.GetRootBracket(), 1, conditions);
 }
 
+namespace {
+
+constexpr TModelShape ModelOfQueries = {12, 20, 16};
+constexpr std::size_t BytesOfPanel = 20'000;
+constexpr std::size_t BytesOfQuery = 4'000;
+constexpr std::size_t BytesOfCondition = 450; // and its text in the statement
+
+int QueryCount(std::size_t bytesBeside, int conditions) {
+    return InputCount(bytesBeside + static_cast<std::size_t>(conditions) * BytesOfCondition);
+}
+
+} // namespace
+
 TBenchQueries::TBenchQueries(int conditions) {
-    constexpr std::size_t bytesOfPanel = 20'000;
-    constexpr std::size_t bytesOfCondition = 450; // and its text in the statement
-    FillModel(Model, {12, 20, 16});
-    const int count = InputCount(bytesOfPanel + static_cast<std::size_t>(conditions) * bytesOfCondition);
+    FillModel(Model, ModelOfQueries);
+    const int count = QueryCount(BytesOfQuery, conditions);
+    for (int i = 0; i < count; ++i) {
+        TVQuery& query = *Queries.emplace_back(std::make_unique<TVQuery>(Model));
+        FillQuery(query, conditions, static_cast<unsigned>(i));
+    }
+}
+
+TBenchPanels::TBenchPanels(int conditions) {
+    FillModel(Model, ModelOfQueries);
+    const int count = QueryCount(BytesOfPanel, conditions);
     for (int i = 0; i < count; ++i) {
         TVQueryPanel& panel = *Panels.emplace_back(std::make_unique<TVQueryPanel>());
         panel.SetDbStruct(&Model);
         panel.Activate();
-        FillQuery(panel, conditions, static_cast<unsigned>(i));
+        FillQuery(panel.GetQuery(), conditions, static_cast<unsigned>(i));
     }
 }
 
@@ -143,12 +163,17 @@ const TBenchQueries& QueriesOf(int conditions) {
     return *kept.Of(conditions, [conditions] { return std::make_unique<TBenchQueries>(conditions); });
 }
 
+const TBenchPanels& PanelsOf(int conditions) {
+    static TKeptInputs<std::unique_ptr<TBenchPanels>> kept;
+    return *kept.Of(conditions, [conditions] { return std::make_unique<TBenchPanels>(conditions); });
+}
+
 // --- The plain query.
 
 namespace {
 
 // Cuts the line of a condition into the pieces that it was made of.
-TPlainRow PlainCondition(const TVQueryPanel& panel, const TFilterCond& condition, std::string_view line) {
+TPlainRow PlainCondition(const TVQuery& query, const TFilterCond& condition, std::string_view line) {
     TPlainRow row;
     const auto take = [&line](std::string_view piece, std::string& before, std::string& into) {
         const std::size_t at = line.find(piece);
@@ -161,12 +186,12 @@ TPlainRow PlainCondition(const TVQueryPanel& panel, const TFilterCond& condition
     if (condition.GetRowType() == frtSimpleCondition)
         take(static_cast<const TSimpleCond&>(condition).GetField()->GetSQLExpr(), row.Before, row.Field);
     if (condition.GetValueCount() > 0)
-        take(panel.ExtractValue(condition, 1), row.Operator, row.Value);
+        take(query.ExtractValue(condition, 1), row.Operator, row.Value);
     row.After = line;
     return row;
 }
 
-TPlainRow PlainBracket(const TVQueryPanel& panel, const TFilterBracket& bracket, const TStringList& lines,
+TPlainRow PlainBracket(const TVQuery& query, const TFilterBracket& bracket, const TStringList& lines,
                        int& at) {
     TPlainRow plain;
     plain.IsBracket = true;
@@ -176,13 +201,13 @@ TPlainRow PlainBracket(const TVQueryPanel& panel, const TFilterBracket& bracket,
     for (int i = 0; i < bracket.GetRowCount(); ++i) {
         const TFilterRow& row = *bracket.GetRow(i);
         if (row.GetRowType() == frtBracket) {
-            plain.Rows.push_back(PlainBracket(panel, static_cast<const TFilterBracket&>(row), lines, at));
+            plain.Rows.push_back(PlainBracket(query, static_cast<const TFilterBracket&>(row), lines, at));
             continue;
         }
         std::string_view line = lines[at++];
         if (i + 1 < bracket.GetRowCount())
             line.remove_suffix(plain.IsAny ? 3 : 4); // the connective
-        plain.Rows.push_back(PlainCondition(panel, static_cast<const TFilterCond&>(row), line));
+        plain.Rows.push_back(PlainCondition(query, static_cast<const TFilterCond&>(row), line));
     }
     ++at; // the closing line
     return plain;
@@ -204,14 +229,14 @@ void AppendPlainRow(std::string& out, const TPlainRow& row) {
 
 } // namespace
 
-TPlainQuery MakePlainQuery(TVQueryPanel& panel) {
+TPlainQuery MakePlainQuery(TVQuery& query) {
     TPlainQuery plain;
-    const TStringList& lines = panel.GetQResult().GetSQL();
+    const TStringList& lines = query.GetQResult().GetSQL();
     int at = 0;
     while (lines[at] != "WHERE")
         plain.Head.append(lines[at++]).append("\n");
     plain.Head.append(lines[at++]).append("\n");
-    plain.Root = PlainBracket(panel, *panel.GetRootBracket(), lines, at);
+    plain.Root = PlainBracket(query, *query.GetRootBracket(), lines, at);
     return plain;
 }
 

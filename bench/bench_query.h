@@ -9,13 +9,22 @@
 
 namespace lumora::bench {
 
-// Result fields and `conditions` conditions for an active panel that has a model.
-void FillQuery(TVQueryPanel& panel, int conditions, unsigned seed = 0);
+// Result fields and `conditions` conditions for an empty query.
+void FillQuery(TVQuery& query, int conditions, unsigned seed = 0);
 
-// A model with panels that hold such queries, each another one; as many as InputCount allows.
+// A model with such queries, each another one; as many as InputCount allows.
 class TBenchQueries {
 public:
     explicit TBenchQueries(int conditions);
+
+    TVDBStructure Model;
+    std::vector<std::unique_ptr<TVQuery>> Queries;
+};
+
+// The same in active panels.
+class TBenchPanels {
+public:
+    explicit TBenchPanels(int conditions);
 
     TVDBStructure Model;
     std::vector<std::unique_ptr<TVQueryPanel>> Panels;
@@ -23,6 +32,7 @@ public:
 
 // Those of one size are kept for all measurements of that size.
 const TBenchQueries& QueriesOf(int conditions);
+const TBenchPanels& PanelsOf(int conditions);
 
 // The same query as a bare tree that knows every piece of its text already: what no generator can be faster
 // than.
@@ -44,7 +54,7 @@ struct TPlainQuery {
 };
 
 // Taken from the statement of a query that has been built.
-TPlainQuery MakePlainQuery(TVQueryPanel& panel);
+TPlainQuery MakePlainQuery(TVQuery& query);
 void AppendPlainQuery(std::string& out, const TPlainQuery& query);
 
 } // namespace lumora::bench

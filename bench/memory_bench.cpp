@@ -22,7 +22,7 @@ void MemoryOfCondition(benchmark::State& state) {
         panel.SetDbStruct(&model);
         panel.Activate();
         const TMemoryCounter counter;
-        FillQuery(panel, conditions);
+        FillQuery(panel.GetQuery(), conditions);
         bytes = static_cast<double>(counter.LiveBytes());
     }
     state.counters["bytes_per_condition"] = bytes / conditions;

@@ -9,24 +9,24 @@ void BuildSQL(benchmark::State& state) {
     const auto conditions = static_cast<int>(state.range(0));
     const TBenchQueries& queries = QueriesOf(conditions);
     for (auto _ : state)
-        for (const auto& panel : queries.Panels) {
-            panel->BuildQuery();
-            benchmark::DoNotOptimize(panel->GetQResult().GetSQL().Count());
+        for (const auto& query : queries.Queries) {
+            query->BuildQuery();
+            benchmark::DoNotOptimize(query->GetQResult().GetSQL().Count());
         }
-    ReportRound(state, queries.Panels.size(), 0,
-                queries.Panels.size() * static_cast<std::size_t>(conditions));
+    ReportRound(state, queries.Queries.size(), 0,
+                queries.Queries.size() * static_cast<std::size_t>(conditions));
 }
 
 // None when a plain query writes another statement.
 std::vector<TPlainQuery> PlainQueries(const TBenchQueries& queries) {
     std::vector<TPlainQuery> plain;
     std::string text;
-    for (const auto& panel : queries.Panels) {
-        panel->BuildQuery();
-        plain.push_back(MakePlainQuery(*panel));
+    for (const auto& query : queries.Queries) {
+        query->BuildQuery();
+        plain.push_back(MakePlainQuery(*query));
         text.clear();
         AppendPlainQuery(text, plain.back());
-        if (panel->GetQResult().GetSQL().GetText().compare(0, text.size(), text) != 0)
+        if (query->GetQResult().GetSQL().GetText().compare(0, text.size(), text) != 0)
             return {};
     }
     return plain;

@@ -159,7 +159,7 @@ std::string QueryText(TVQueryPanel& panel) {
 const std::vector<std::string>& QueryTexts(int conditions) {
     static TKeptInputs<std::vector<std::string>> kept;
     return kept.Of(conditions, [conditions] {
-        const TBenchQueries& queries = QueriesOf(conditions);
+        const TBenchPanels& queries = PanelsOf(conditions);
         // The first reading lays the titles out in sections; from then on the text stays as it is.
         TVQueryPanel reader;
         reader.SetDbStruct(queries.Panels.front()->GetDbStruct());
@@ -176,7 +176,7 @@ void ReadQuery(benchmark::State& state) {
     const auto conditions = static_cast<int>(state.range(0));
     const std::vector<std::string>& texts = QueryTexts(conditions);
     TVQueryPanel panel;
-    panel.SetDbStruct(QueriesOf(conditions).Panels.front()->GetDbStruct());
+    panel.SetDbStruct(PanelsOf(conditions).Panels.front()->GetDbStruct());
     for (const std::string& text : texts) {
         panel.LoadFromStrings(TStringList(text));
         if (QueryText(panel) != text)
@@ -195,7 +195,7 @@ void ReadQuery_Reference(benchmark::State& state) {
 }
 
 void WriteQuery(benchmark::State& state) {
-    MeasureWrite(state, QueriesOf(static_cast<int>(state.range(0))).Panels,
+    MeasureWrite(state, PanelsOf(static_cast<int>(state.range(0))).Panels,
                  [](TVQueryPanel& panel, TStringList& lines) { panel.SaveToStrings(lines); });
 }
 

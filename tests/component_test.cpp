@@ -1,6 +1,7 @@
 #include "lumora/platform/component.h"
 #include "lumora/platform/errors.h"
 #include "lumora/platform/form_text.h"
+#include "lumora/platform/properties.h"
 #include "tests/message_of.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+#include "lumora/platform/properties.h"
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,9 @@
+#include "lumora/support/string_helpers.h"
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>
+
+#include <random>
 
 using namespace lumora;
 using namespace lumora::tests;
@@ -15,6 +18,56 @@ protected:
 };
 
 } // namespace
+
+TEST_F(ResultFields, AreFoundInFormulasAsIfEachFieldWereTried) {
+    constexpr const char* pieces[] = {"orders",    "amount", "custno", ".", "1", "2",
+                                      "@",         "a",      "b1",     "x", "+", " ",
+                                      "\"",        "(",      ")",      "é", "_", "orders.amount",
+                                      "lines.qty", "count(", "12"};
+    std::mt19937 random(20260714);
+    const auto text = [&](unsigned most) {
+        std::string made;
+        for (unsigned i = 1 + random() % most; i > 0; --i)
+            made += pieces[random() % std::size(pieces)];
+        return made;
+    };
+    for (int i = 0; i < 400; ++i)
+        shop_.Model.AddField(vfkVirtual, text(3), "f" + std::to_string(i), nullptr);
+    for (const bool strict : {false, true}) {
+        shop_.Field("orders.custno")->SetQuoted(strict);
+        shop_.Panel.SetStrict(strict);
+        for (int i = 0; i < 2000; ++i) {
+            const std::string sql = "/" + text(7);
+            std::string formula = LowerAscii(sql);
+            TDSFieldList fields;
+            for (const TFieldNameMode mode : {fnSQLExpr, fnFullName}) {
+                if (!fields.empty())
+                    break;
+                for (int f = 0; f < shop_.Model.GetFieldCount(); ++f) {
+                    TDSField* const field = shop_.Model.GetField(f);
+                    const std::string name =
+                        LowerAscii(mode == fnSQLExpr ? field->GetSQLExpr(strict ? nqStrict : nqPlain)
+                                                     : field->GetFullName());
+                    std::size_t at = FindWholeWord(formula, name);
+                    if (at != std::string::npos)
+                        fields.push_back(field);
+                    const std::string placeholder = "@" + std::to_string(fields.size());
+                    for (; at != std::string::npos;
+                         at = FindWholeWord(formula, name, at + placeholder.size()))
+                        formula.replace(at, name.size(), placeholder);
+                }
+            }
+            if (fields.empty()) {
+                fields = {shop_.Model.GetUnrecognizedField()};
+                formula = "@1";
+            }
+            Fields().Clear();
+            const TResultField& found = *Fields().AddBySQLExpr("c", sql, stNoSort, 0);
+            ASSERT_EQ(found.GetFormula(), formula) << sql;
+            ASSERT_EQ(found.GetFields(), fields) << sql;
+        }
+    }
+}
 
 TEST_F(ResultFields, MakeUniqueAliases) {
     shop_.Panel.SetSQLOptions({soASCIIRFields});

@@ -1,6 +1,7 @@
 #include "lumora/controls/Vrndbtn.h"
 
 #include "lumora/platform/ascii.h"
+#include "lumora/platform/properties.h"
 
 #include <algorithm>
 

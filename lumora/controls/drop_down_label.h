@@ -2,7 +2,7 @@
 #pragma once
 
 #include "lumora/controls/drop_down_editor.h"
-#include "lumora/platform/properties.h"
+#include "lumora/platform/color.h"
 
 #include <functional>
 #include <memory>

@@ -1,5 +1,7 @@
 #include "lumora/metadata/Vbdeinfo.h"
 
+#include "lumora/platform/properties.h"
+
 namespace lumora {
 
 TVBDEInfo::TVBDEInfo(TComponent* owner) : TVDBInfo(owner), session_(&TSession::Default()) {}

@@ -1,6 +1,22 @@
 #include "lumora/metadata/Vdbinfo.h"
 
+#include "lumora/platform/properties.h"
+
 namespace lumora {
+
+void TDBFieldList::Add(TDBFieldInfo info) {
+    items_.push_back(std::move(info));
+}
+
+void TDBFieldList::Clear() {
+    items_.clear();
+}
+
+TVDBInfo::TVDBInfo(TComponent* owner) : TComponent(owner) {}
+
+TVDBInfo::~TVDBInfo() {
+    BeginDestruction();
+}
 
 const TDBFieldInfo& TDBFieldList::GetItem(int index) const {
     return items_[CheckIndex(index, items_.size())];

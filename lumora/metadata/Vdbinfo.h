@@ -31,8 +31,8 @@ class TDBFieldList {
 public:
     int Count() const { return static_cast<int>(items_.size()); }
     const TDBFieldInfo& GetItem(int index) const; // EListError for a bad index
-    void Add(TDBFieldInfo info) { items_.push_back(std::move(info)); }
-    void Clear() { items_.clear(); }
+    void Add(TDBFieldInfo info);
+    void Clear();
     // The first field of that name, letter case ignored; null when there is none.
     const TDBFieldInfo* FindByName(std::string_view name) const;
 
@@ -45,8 +45,8 @@ public:
     // `links` takes link lines, "Orders-Customer:CustNo=CustNo".
     using TLinksRequestEvent = std::function<void(TVDBInfo& sender, TStringList& links)>;
 
-    explicit TVDBInfo(TComponent* owner = nullptr) : TComponent(owner) {}
-    ~TVDBInfo() override { BeginDestruction(); }
+    explicit TVDBInfo(TComponent* owner = nullptr);
+    ~TVDBInfo() override;
 
     std::string_view ClassName() const override { return "TVDBInfo"; }
     std::span<const TPropertyInfo> PublishedProperties() const override;

@@ -1,5 +1,7 @@
 #include "lumora/metadata/Vdsstruc.h"
 
+#include "lumora/platform/properties.h"
+
 namespace lumora {
 
 // --- The editor of look-up fields.

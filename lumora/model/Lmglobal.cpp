@@ -1,5 +1,7 @@
 #include "lumora/model/Lmglobal.h"
 
+#include "lumora/platform/string_grid.h"
+
 namespace lumora {
 
 void EmptyGridRow(TStringGrid& grid, int row) {

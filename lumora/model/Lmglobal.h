@@ -5,7 +5,6 @@
 #include "lumora/platform/enum_names.h"
 #include "lumora/platform/errors.h"
 #include "lumora/platform/field_types.h"
-#include "lumora/platform/string_grid.h"
 #include "lumora/platform/text_metrics.h"
 #include "lumora/support/lumora_error.h"
 
@@ -14,6 +13,8 @@
 #include <string_view>
 
 namespace lumora {
+
+class TStringGrid;
 
 enum TDBStructErrorCode : int {
     dseInvalidTableIndex = 1,

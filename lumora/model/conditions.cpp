@@ -4,6 +4,18 @@
 
 namespace lumora {
 
+void TDSValue::SetValueObject(std::shared_ptr<TDSValueObject> object) {
+    object_ = std::move(object);
+}
+
+void TDSValue::Assign(const TDSValue& other) {
+    *this = other;
+}
+
+TDSCondition::TDSCondition(TVCustomDBStructure& structure) : structure_(structure) {}
+
+TDSCondition::~TDSCondition() = default;
+
 void TDSValue::SetDataType(TFieldType type) {
     if (type == dataType_)
         return;

@@ -29,9 +29,9 @@ public:
     // Another type frees the value object.
     void SetDataType(TFieldType type);
     TDSValueObject* GetValueObject() const { return object_.get(); }
-    void SetValueObject(std::shared_ptr<TDSValueObject> object) { object_ = std::move(object); }
+    void SetValueObject(std::shared_ptr<TDSValueObject> object);
     // Copies type, kind, text and the reference to the value object.
-    void Assign(const TDSValue& other) { *this = other; }
+    void Assign(const TDSValue& other);
 
     TValueKind ValueKind = vkScalar;
     std::string Text; // the piece of the display format before the value
@@ -45,7 +45,8 @@ using TDSValueList = std::vector<TDSValue>;
 
 class TDSCondition {
 public:
-    explicit TDSCondition(TVCustomDBStructure& structure) : structure_(structure) {}
+    explicit TDSCondition(TVCustomDBStructure& structure);
+    ~TDSCondition();
 
     int GetID() const { return id_; }
     void SetID(int id);

@@ -9,6 +9,12 @@ namespace lumora {
 TDSField::TDSField(TVCustomDBStructure& structure, int id, TVFieldKind kind)
     : structure_(structure), id_(id), kind_(kind) {}
 
+TDSField::~TDSField() = default;
+
+TDSValueEditor* TDSField::GetValueEditor() const {
+    return editor_.get();
+}
+
 void TDSField::SetFieldName(std::string name) {
     if (kind_ == vfkVirtual)
         throw EVDBStructError(dseAssignVirtFldName);
@@ -156,6 +162,14 @@ void TDSField::SetEditType(TDSEditType type) {
 void TDSField::SetListEditor(std::unique_ptr<TDSListEditor> editor) {
     editType_ = etList;
     editor_ = std::move(editor);
+}
+
+TDSFieldGroupList::TDSFieldGroupList() = default;
+
+TDSFieldGroupList::~TDSFieldGroupList() = default;
+
+int TDSFieldGroupList::Count() const {
+    return static_cast<int>(groups_.size());
 }
 
 TDSFieldGroup* TDSFieldGroupList::GetGroup(int index) const {

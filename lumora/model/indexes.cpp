@@ -54,6 +54,7 @@ TModelIndexes::TModelIndexes()
 
 TModelIndexes::~TModelIndexes() {
     ForgetJoinGraph();
+    ForgetFieldWords();
 }
 
 const TJoinGraph& TModelIndexes::JoinGraph(const std::vector<std::unique_ptr<TDSTable>>& tables) const {
@@ -70,6 +71,23 @@ const TJoinGraph& TModelIndexes::JoinGraph(const std::vector<std::unique_ptr<TDS
 
 void TModelIndexes::ForgetJoinGraph() {
     delete joinGraph_.exchange(nullptr, std::memory_order_relaxed);
+}
+
+const TFieldWords& TModelIndexes::FieldWords(const TVCustomDBStructure& model, TFieldNameMode mode,
+                                             bool strict) const {
+    std::atomic<const TFieldWords*>& kept = fieldWords_[mode == fnFullName ? 2 : strict ? 1 : 0];
+    if (const TFieldWords* const words = kept.load(std::memory_order_acquire))
+        return *words;
+    auto made = std::make_unique<const TFieldWords>(model, mode, strict);
+    const TFieldWords* before = nullptr;
+    if (kept.compare_exchange_strong(before, made.get(), std::memory_order_acq_rel))
+        return *made.release(); // owned here
+    return *before;
+}
+
+void TModelIndexes::ForgetFieldWords() {
+    for (auto& kept : fieldWords_)
+        delete kept.exchange(nullptr, std::memory_order_relaxed);
 }
 
 } // namespace lumora

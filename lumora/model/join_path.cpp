@@ -8,6 +8,12 @@
 
 namespace lumora {
 
+TDSPath::TDSPath(TVCustomDBStructure* structure) : structure_(structure) {}
+
+void TDSPath::AddTable(TDSTable* table) {
+    tables_.push_back(table);
+}
+
 void TDSPath::DelTable(int index) {
     GetTable(index);
     tables_.erase(tables_.begin() + index);

@@ -12,9 +12,9 @@ class TVCustomDBStructure;
 
 class TDSPath {
 public:
-    explicit TDSPath(TVCustomDBStructure* structure) : structure_(structure) {}
+    explicit TDSPath(TVCustomDBStructure* structure);
 
-    void AddTable(TDSTable* table) { tables_.push_back(table); }
+    void AddTable(TDSTable* table);
     void DelTable(int index);
     void Assign(const TDSPath& path);
     int GetTableCount() const { return static_cast<int>(tables_.size()); }

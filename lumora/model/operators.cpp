@@ -8,6 +8,10 @@
 
 namespace lumora {
 
+TDSOperator::TDSOperator(TVCustomDBStructure* structure) : structure_(structure) {}
+
+TDSOperator::~TDSOperator() = default;
+
 void TDSOperator::SetName(std::string name) {
     name_ = std::move(name);
     if (structure_)

@@ -39,9 +39,10 @@ inline constexpr TExOperators AllExOperators = {xoInList, xoBetween, xoStartsWit
 
 class TDSOperator {
 public:
-    TDSOperator() = default;
+    TDSOperator() : TDSOperator(nullptr) {}
     // `structure` is told when the name changes; none for an operator that no list holds.
-    explicit TDSOperator(TVCustomDBStructure* structure) : structure_(structure) {}
+    explicit TDSOperator(TVCustomDBStructure* structure);
+    ~TDSOperator();
     TDSOperator(const TDSOperator&) = delete;
     TDSOperator& operator=(const TDSOperator&) = delete;
 

@@ -1,6 +1,7 @@
 #include "lumora/model/sql_formats.h"
 
 #include "lumora/platform/formats.h"
+#include "lumora/platform/properties.h"
 #include "lumora/support/string_helpers.h"
 
 namespace lumora {

@@ -3,7 +3,7 @@
 
 #include "lumora/model/sql_syntax.h"
 #include "lumora/platform/field_types.h"
-#include "lumora/platform/properties.h"
+#include "lumora/platform/persistent.h"
 
 #include <functional>
 #include <string>

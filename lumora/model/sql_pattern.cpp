@@ -22,6 +22,11 @@ int ValueAt(std::string_view text, std::size_t& length) {
 
 } // namespace
 
+TSQLPattern::TSQLPattern() = default;
+TSQLPattern::TSQLPattern(TSQLPattern&& other) noexcept = default;
+TSQLPattern& TSQLPattern::operator=(TSQLPattern&& other) noexcept = default;
+TSQLPattern::~TSQLPattern() = default;
+
 void TSQLPattern::AddLiteral(std::string_view text) {
     if (elements_.empty() || elements_.back().Kind != elLiteral)
         elements_.emplace_back();

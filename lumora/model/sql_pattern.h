@@ -16,8 +16,11 @@ struct TCapture {
 
 class TSQLPattern {
 public:
-    TSQLPattern() = default;
+    TSQLPattern();
     explicit TSQLPattern(std::string_view templateText);
+    TSQLPattern(TSQLPattern&& other) noexcept;
+    TSQLPattern& operator=(TSQLPattern&& other) noexcept;
+    ~TSQLPattern();
 
     // The literal before "@f" and behind it, lower-cased and without blanks: what can be told from a text's
     // first characters without matching.

@@ -167,6 +167,12 @@ private:
 
 } // namespace
 
+TSQLTemplate::TSQLTemplate() = default;
+
+TSQLTemplate::~TSQLTemplate() {
+    ForgetPlans();
+}
+
 void TPlanRequest::SetEntry(int value, TValueEntry entry) {
     const int shift = 2 * (std::min(value, MaxSeparateEntries) - 1);
     Entries = (Entries & ~(std::uint64_t{3} << shift)) | (std::uint64_t{entry} << shift);

@@ -67,8 +67,8 @@ struct TTemplatePlan {
 
 class TSQLTemplate {
 public:
-    TSQLTemplate() = default;
-    ~TSQLTemplate() { ForgetPlans(); }
+    TSQLTemplate();
+    ~TSQLTemplate();
     TSQLTemplate(const TSQLTemplate&) = delete;
     TSQLTemplate& operator=(const TSQLTemplate&) = delete;
 

@@ -2,6 +2,7 @@
 
 #include "lumora/model/indexes.h"
 #include "lumora/platform/form_text.h"
+#include "lumora/platform/properties.h"
 #include "lumora/support/string_helpers.h"
 
 #include <algorithm>
@@ -32,6 +33,34 @@ TVCustomDBStructure::~TVCustomDBStructure() {
     ClearItems();
 }
 
+int TVCustomDBStructure::GetTableCount() const {
+    return static_cast<int>(tables_.size());
+}
+
+int TVCustomDBStructure::GetFieldCount() const {
+    return static_cast<int>(fields_.size());
+}
+
+int TVCustomDBStructure::GetLinkCount() const {
+    return static_cast<int>(links_.size());
+}
+
+int TVCustomDBStructure::GetOperatCount() const {
+    return static_cast<int>(operators_.size());
+}
+
+int TVCustomDBStructure::GetConditionCount() const {
+    return static_cast<int>(conditions_.size());
+}
+
+TDSOperator* TVCustomDBStructure::GetUnrecognizedOperator() const {
+    return unrecognizedOperator_.get();
+}
+
+void TVCustomDBStructure::SetDefOperators(const TStringList& lines) {
+    defOperators_ = lines;
+}
+
 void TVCustomDBStructure::TableKeysChanged() {
     for (auto& lookup : indexes_->TablesByName)
         lookup.Invalidate();
@@ -41,6 +70,7 @@ void TVCustomDBStructure::TableKeysChanged() {
 void TVCustomDBStructure::FieldKeysChanged() {
     for (auto& lookup : indexes_->FieldsByName)
         lookup.Invalidate();
+    indexes_->ForgetFieldWords();
 }
 
 void TVCustomDBStructure::OperatorKeysChanged() {
@@ -184,6 +214,7 @@ void TVCustomDBStructure::FindLargestFieldID() {
 TDSField* TVCustomDBStructure::AppendField(int id, TVFieldKind kind) {
     largestFieldID_ = std::max(largestFieldID_, id);
     fields_.push_back(std::make_unique<TDSField>(*this, id, kind));
+    indexes_->ForgetFieldWords();
     return fields_.back().get();
 }
 
@@ -251,6 +282,14 @@ void TVCustomDBStructure::RemoveFromGroup(TDSField& field) {
 
 TDSField* TVCustomDBStructure::FieldByName(TFieldNameMode mode, std::string_view text) const {
     return indexes_->FieldsByName[mode].Find(fields_, text);
+}
+
+std::vector<TDSField*> TVCustomDBStructure::FieldsForFormula(TFieldNameMode mode, bool strict,
+                                                             std::string_view formula) const {
+    std::vector<TDSField*> fields;
+    for (const int i : indexes_->FieldWords(*this, mode, strict).FieldsIn(formula))
+        fields.push_back(GetField(i));
+    return fields;
 }
 
 TDSField* TVCustomDBStructure::FieldByID(int id) const {
@@ -551,6 +590,10 @@ std::string TVCustomDBStructure::DefaultCaptionLines() {
         lines.append(op.Name).append("=").append(op.Caption).append("\n");
     return lines;
 }
+
+TVDBStructure::TVDBStructure(TComponent* owner) : TVCustomDBStructure(owner) {}
+
+TVDBStructure::~TVDBStructure() = default;
 
 std::span<const TPropertyInfo> TVDBStructure::PublishedProperties() const {
     static const std::vector<TPropertyInfo> properties = [this] {

@@ -55,7 +55,7 @@ public:
     std::string_view ClassName() const override { return "TVCustomDBStructure"; }
 
     // --- Tables.
-    int GetTableCount() const { return static_cast<int>(tables_.size()); }
+    int GetTableCount() const;
     TDSTable* GetTable(int index) const; // EVDBStructError for a bad index
     int IndexOfTable(const TDSTable* table) const;
     int AddTable(std::string name, std::string caption);
@@ -68,7 +68,7 @@ public:
     void SetDefaultMainTable(TDSTable* table) { defaultMainTable_ = table; }
 
     // --- Fields.
-    int GetFieldCount() const { return static_cast<int>(fields_.size()); }
+    int GetFieldCount() const;
     TDSField* GetField(int index) const; // EVDBStructError for a bad index
     // Needs a metadata provider, which gives a data field's type and size.
     int AddField(TVFieldKind kind, std::string text, std::string caption, TDSTable* table);
@@ -79,6 +79,9 @@ public:
     // Gives each field the ID that `idOf` tells, above 0, or the next one that is free.
     void RenumberFields(const std::function<int(const TDSField&)>& idOf);
     void GetFieldNames(TFieldNameMode mode, TStringList& names) const;
+    // The fields, in order, whose SQL expression or full name may stand in a lower-cased formula as a whole:
+    // those that do, and some that don't.
+    std::vector<TDSField*> FieldsForFormula(TFieldNameMode mode, bool strict, std::string_view formula) const;
     // Stands for fields that a query names and the model does not know. In no list.
     TDSField* GetUnrecognizedField() const;
 
@@ -88,7 +91,7 @@ public:
     bool RootFieldsFirst = false; // ungrouped fields are listed before the groups
 
     // --- Links.
-    int GetLinkCount() const { return static_cast<int>(links_.size()); }
+    int GetLinkCount() const;
     TDSLink* GetLink(int index) const; // EVDBStructError for a bad index
     int AddLinkByRef(std::unique_ptr<TDSLink> link);
     // Adds the link that a line "Orders-Customer:CustNo=CustNo,Region=Region" tells.
@@ -114,7 +117,7 @@ public:
                                 std::vector<std::string>* references) const;
 
     // --- Operators.
-    int GetOperatCount() const { return static_cast<int>(operators_.size()); }
+    int GetOperatCount() const;
     TDSOperator* GetOperator(int index) const; // EVDBStructError for a bad index
     int AddOperator(std::string_view name, std::string_view caption, std::string_view sql,
                     std::string_view valFormat, TAppliedTypes appliedTypes);
@@ -134,11 +137,11 @@ public:
     TDSOperator* OperatorByExpr(std::string_view text) const;
     void GetOperatorNames(TStringList& names) const;
     // Stands for operators that a query names and the model does not know. In no list.
-    TDSOperator* GetUnrecognizedOperator() const { return unrecognizedOperator_.get(); }
+    TDSOperator* GetUnrecognizedOperator() const;
 
     // Captions of the default operators, lines "Name=Caption".
     const TStringList& GetDefOperators() const { return defOperators_; }
-    void SetDefOperators(const TStringList& lines) { defOperators_ = lines; }
+    void SetDefOperators(const TStringList& lines);
     std::string GetDefOperator(std::string_view name) const { return std::string(defOperators_.Value(name)); }
     void LoadDefsOpertors();
     void MergeDefOperators();
@@ -157,7 +160,7 @@ public:
     void SetSQLFormats(const TSQLFormats& formats) { sqlFormats_.Assign(formats); }
 
     // --- Predefined conditions.
-    int GetConditionCount() const { return static_cast<int>(conditions_.size()); }
+    int GetConditionCount() const;
     TDSCondition* GetCondition(int index) const; // EVDBStructError for a bad index
     TDSCondition* AddCondition(int id, std::string displayFormat, std::string sqlExpr);
     void DelCondition(int index);
@@ -173,7 +176,7 @@ public:
     // another gives no notices of its own. What `change` raises is passed on.
     void ReplaceModel(const std::function<void()>& change);
     // True when the model has at most one field.
-    bool GetEmpty() const { return fields_.size() <= 1; }
+    bool GetEmpty() const { return GetFieldCount() <= 1; }
     double GetVersion() const { return version_; }
     // Tells OnChange, but not between BeginUpdate and its EndUpdate. Updates nest; their end tells nothing by
     // itself.
@@ -294,7 +297,8 @@ private:
 // The model as it is placed on forms.
 class TVDBStructure : public TVCustomDBStructure {
 public:
-    explicit TVDBStructure(TComponent* owner = nullptr) : TVCustomDBStructure(owner) {}
+    explicit TVDBStructure(TComponent* owner = nullptr);
+    ~TVDBStructure() override;
 
     std::string_view ClassName() const override { return "TVDBStructure"; }
     std::span<const TPropertyInfo> PublishedProperties() const override;

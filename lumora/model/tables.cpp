@@ -12,6 +12,8 @@ TDSTable::TDSTable(TVCustomDBStructure& structure, std::string name, std::string
     SetAlias(name_);
 }
 
+TDSTable::~TDSTable() = default;
+
 void TDSTable::SetName(std::string name) {
     name_ = std::move(name);
     structure_.TableKeysChanged();

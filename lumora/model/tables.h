@@ -30,6 +30,7 @@ public:
     TDSTable(TVCustomDBStructure& structure, std::string name, std::string caption);
     TDSTable(const TDSTable&) = delete;
     TDSTable& operator=(const TDSTable&) = delete;
+    ~TDSTable();
 
     const std::string& GetName() const { return name_; } // in the database
     void SetName(std::string name);
@@ -87,6 +88,7 @@ public:
     TDSField(TVCustomDBStructure& structure, int id, TVFieldKind kind);
     TDSField(const TDSField&) = delete;
     TDSField& operator=(const TDSField&) = delete;
+    ~TDSField();
 
     int GetID() const { return id_; }
     TVFieldKind GetKind() const { return kind_; }
@@ -134,7 +136,7 @@ public:
     TDSEditType GetEditType() const { return editType_; }
     // Another type frees the editor and makes one of the new type.
     void SetEditType(TDSEditType type);
-    TDSValueEditor* GetValueEditor() const { return editor_.get(); }
+    TDSValueEditor* GetValueEditor() const;
     // The edit type becomes etList with this editor in place of a plain one.
     void SetListEditor(std::unique_ptr<TDSListEditor> editor);
 
@@ -164,7 +166,10 @@ private:
 // The named groups of a model.
 class TDSFieldGroupList {
 public:
-    int Count() const { return static_cast<int>(groups_.size()); }
+    TDSFieldGroupList();
+    ~TDSFieldGroupList();
+
+    int Count() const;
     TDSFieldGroup* GetGroup(int index) const; // EVDBStructError for a bad index
     TDSFieldGroup* Add(std::string name = {});
     // Puts the field into the group of that name, which is made when there is none.

@@ -13,6 +13,7 @@
 #include "lumora/platform/component.h"
 #include "lumora/platform/event.h"
 #include "lumora/platform/keys.h"
+#include "lumora/platform/string_list.h"
 #include "lumora/query/sql_options.h"
 
 #include <functional>

@@ -3,6 +3,7 @@
 #include "lumora/panel/panel_parts.h"
 #include "lumora/platform/errors.h"
 #include "lumora/platform/form_text.h"
+#include "lumora/platform/properties.h"
 #include "lumora/titles/default_titles.h"
 
 namespace lumora {

@@ -1,7 +1,7 @@
 // A surface to draw on, without knowing the screen.
 #pragma once
 
-#include "lumora/platform/properties.h"
+#include "lumora/platform/color.h"
 #include "lumora/platform/text_metrics.h"
 
 #include <cstdint>

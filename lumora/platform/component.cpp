@@ -1,6 +1,7 @@
 #include "lumora/platform/component.h"
 
 #include "lumora/platform/errors.h"
+#include "lumora/platform/properties.h"
 #include "lumora/platform/short_lock.h"
 
 #include <algorithm>

@@ -1,8 +1,9 @@
 // Components: named objects that own other components and are told when one that they refer to goes away.
 #pragma once
 
+#include "lumora/platform/enum_set.h"
 #include "lumora/platform/notice_list.h"
-#include "lumora/platform/properties.h"
+#include "lumora/platform/persistent.h"
 
 #include <functional>
 #include <string>

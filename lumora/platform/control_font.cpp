@@ -1,5 +1,7 @@
 #include "lumora/platform/control_font.h"
 
+#include "lumora/platform/properties.h"
+
 namespace lumora {
 
 namespace {

@@ -2,6 +2,9 @@
 #pragma once
 
 #include "lumora/platform/canvas.h"
+#include "lumora/platform/enum_names.h"
+#include "lumora/platform/enum_set.h"
+#include "lumora/platform/persistent.h"
 
 #include <functional>
 

@@ -4,6 +4,7 @@
 #include "lumora/platform/convert.h"
 #include "lumora/platform/errors.h"
 #include "lumora/platform/form_lexer.h"
+#include "lumora/platform/properties.h"
 
 #include <cmath>
 #include <cstdio>

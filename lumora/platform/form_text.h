@@ -3,6 +3,7 @@
 #pragma once
 
 #include "lumora/platform/component.h"
+#include "lumora/platform/string_list.h"
 
 #include <cstdint>
 #include <memory>

@@ -2,7 +2,6 @@
 // it.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -21,11 +20,12 @@ public:
     void Add(T& item) { items_.push_back(&item); }
     // False when the item is not in the list.
     bool Remove(const T& item) {
-        const auto found = std::find(items_.begin(), items_.end(), &item);
-        if (found == items_.end())
+        std::size_t at = 0;
+        while (at < items_.size() && items_[at] != &item)
+            ++at;
+        if (at == items_.size())
             return false;
-        const auto at = static_cast<std::size_t>(found - items_.begin());
-        items_.erase(found);
+        items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(at));
         for (TRound& round : rounds_) {
             round.Next -= at < round.Next ? 1 : 0;
             round.End -= at < round.End ? 1 : 0;

@@ -5,6 +5,10 @@
 
 namespace lumora {
 
+std::span<const TPropertyInfo> TPersistent::PublishedProperties() const {
+    return {};
+}
+
 const TPropertyInfo* TPersistent::FindProperty(std::string_view name) const {
     for (const TPropertyInfo& property : PublishedProperties())
         if (SameText(property.Name, name))

@@ -1,9 +1,12 @@
 // Published properties. Each class lists its own once, in one table (name, type, default, reader, writer);
-// form text, property sheets and the documentation come from that table.
+// form text, property sheets and the documentation come from that table. Who makes or reads a table includes
+// this; the classes themselves need persistent.h only.
 #pragma once
 
+#include "lumora/platform/color.h"
 #include "lumora/platform/enum_names.h"
 #include "lumora/platform/enum_set.h"
+#include "lumora/platform/persistent.h"
 #include "lumora/platform/string_list.h"
 
 #include <cstdint>
@@ -19,15 +22,6 @@
 namespace lumora {
 
 class TComponent;
-class TPersistent;
-
-// A colour as 0x00BBGGRR; negative values name the screen's own colours.
-struct TColor {
-    std::int32_t Value = 0;
-    constexpr bool operator==(const TColor& other) const { return Value == other.Value; }
-};
-inline constexpr TColor clNone{0x1FFFFFFF};
-inline constexpr TColor clBlue{0x00FF0000};
 
 enum TPropertyKind : std::uint8_t {
     pkInteger,
@@ -54,26 +48,6 @@ struct TPropertyInfo {
     TPropertyValue Default;                  // a property that has this value is not written to a form
     std::function<TPropertyValue(TPersistent&)> Read;
     std::function<void(TPersistent&, const TPropertyValue&)> Write; // empty for objects and events
-};
-
-// What has published properties and can be copied to another object.
-class TPersistent {
-public:
-    TPersistent() = default;
-    TPersistent(const TPersistent&) = delete;
-    TPersistent& operator=(const TPersistent&) = delete;
-    virtual ~TPersistent() = default;
-
-    virtual std::string_view ClassName() const { return "TPersistent"; }
-    // The class's own published properties after those of its base.
-    virtual std::span<const TPropertyInfo> PublishedProperties() const { return {}; }
-    const TPropertyInfo* FindProperty(std::string_view name) const;
-
-    // Copies the source into this object; EConvertError when the source cannot be copied here.
-    void Assign(const TPersistent& source) { source.AssignTo(*this); }
-
-protected:
-    virtual void AssignTo(TPersistent& dest) const;
 };
 
 namespace detail {

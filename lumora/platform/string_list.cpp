@@ -9,6 +9,17 @@
 
 namespace lumora {
 
+TStringList::TStringList() = default;
+TStringList::TStringList(const TStringList& other) = default;
+TStringList::TStringList(TStringList&& other) noexcept = default;
+TStringList& TStringList::operator=(const TStringList& other) = default;
+TStringList& TStringList::operator=(TStringList&& other) noexcept = default;
+TStringList::~TStringList() = default;
+
+TStringList::TStringList(std::string_view text) {
+    SetText(text);
+}
+
 void TStringList::IndexError(int i) {
     throw EListError(i);
 }
@@ -33,6 +44,12 @@ int TStringList::AddPair(std::string_view key, std::string_view value) {
     buffer_.append(value);
     EndLine();
     return Count() - 1;
+}
+
+void TStringList::EndLine() {
+    lines_.push_back({tail_, buffer_.size() - tail_});
+    buffer_ += '\n';
+    tail_ = buffer_.size();
 }
 
 void TStringList::EndLineWithoutBreaks() {

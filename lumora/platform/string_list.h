@@ -14,11 +14,16 @@ namespace lumora {
 
 class TStringList {
 public:
-    TStringList() = default;
-    explicit TStringList(std::string_view text) { SetText(text); }
+    TStringList();
+    explicit TStringList(std::string_view text);
+    TStringList(const TStringList& other);
+    TStringList(TStringList&& other) noexcept;
+    TStringList& operator=(const TStringList& other);
+    TStringList& operator=(TStringList&& other) noexcept;
+    ~TStringList();
 
     int Count() const { return static_cast<int>(lines_.size()); }
-    bool Empty() const { return lines_.empty(); }
+    bool Empty() const { return Count() == 0; }
     // Line i; EListError when there is none.
     std::string_view operator[](int i) const { return View(lines_[Check(i)]); }
     std::string_view Last() const { return (*this)[Count() - 1]; }
@@ -36,11 +41,7 @@ public:
     void AppendToLast(std::string_view text);
     // For writers that build a line in place: what is appended to Tail() until EndLine becomes the next line.
     std::string& Tail() { return buffer_; }
-    void EndLine() {
-        lines_.push_back({tail_, buffer_.size() - tail_});
-        buffer_ += '\n';
-        tail_ = buffer_.size();
-    }
+    void EndLine();
     // The same for text that must be one line: each line break in it becomes one blank.
     void EndLineWithoutBreaks();
 

@@ -1,5 +1,6 @@
 #include "lumora/query/query_result.h"
 
+#include "lumora/platform/properties.h"
 #include "lumora/query/errors.h"
 #include "lumora/query/filter_rows.h"
 #include "lumora/statement/dialects/dialect.h"

@@ -2,7 +2,7 @@
 // statement.
 #pragma once
 
-#include "lumora/platform/properties.h"
+#include "lumora/platform/persistent.h"
 #include "lumora/query/query.h"
 #include "lumora/query/result_fields.h"
 #include "lumora/query/result_tables.h"

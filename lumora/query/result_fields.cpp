@@ -1,8 +1,9 @@
 #include "lumora/query/result_fields.h"
 
-#include "lumora/query/field_by_sql.h"
+#include "lumora/model/field_words.h"
 #include "lumora/model/structure.h"
 #include "lumora/query/errors.h"
+#include "lumora/query/field_by_sql.h"
 #include "lumora/query/strict_checks.h"
 #include "lumora/support/string_helpers.h"
 
@@ -45,6 +46,19 @@ std::string LowerOutsideLiterals(std::string_view sql) {
 }
 
 } // namespace
+
+TResultField::TResultField(TRFieldList& owner) : owner_(owner) {}
+
+TResultField::~TResultField() = default;
+
+TRFieldList::TRFieldList(const TVCustomDBStructure* structure, TVQuery* panel)
+    : structure_(structure), panel_(panel) {}
+
+int TRFieldList::Count() const {
+    return static_cast<int>(fields_.size());
+}
+
+TRFieldList::~TRFieldList() = default;
 
 TVQuery* TResultField::GetQueryPanel() const {
     return owner_.GetQueryPanel();
@@ -217,12 +231,11 @@ void TResultField::ProcessSQLExpr(std::string_view sql) {
 // Puts placeholders for the fields whose lower-cased name stands in the formula as a whole word; false when
 // none does.
 bool TResultField::TakeWholeWords(TFieldNameMode mode) {
-    const TNameQuoting quoting = IsStrict(GetQueryPanel()) ? nqStrict : nqPlain;
+    const bool strict = IsStrict(GetQueryPanel());
     std::string formula = GetFormula();
     const TVCustomDBStructure& structure = *GetDBStruct();
-    for (int i = 0; i < structure.GetFieldCount(); ++i) {
-        TDSField* const field = structure.GetField(i);
-        const std::string name = LowerAscii(mode == fnSQLExpr ? field->GetSQLExpr(quoting) : field->GetFullName());
+    for (TDSField* const field : structure.FieldsForFormula(mode, strict, formula)) {
+        const std::string name = NameInFormulas(*field, mode, strict);
         std::size_t at = FindWholeWord(formula, name);
         if (at == std::string::npos)
             continue;

@@ -24,7 +24,8 @@ using TDSFieldList = std::vector<TDSField*>;
 // the panel, once each. A bad index raises EVQueryPanelError here and in the list.
 class TResultField {
 public:
-    explicit TResultField(TRFieldList& owner) : owner_(owner) {}
+    explicit TResultField(TRFieldList& owner);
+    ~TResultField();
     TResultField(const TResultField&) = delete;
     TResultField& operator=(const TResultField&) = delete;
 
@@ -107,10 +108,10 @@ private:
 class TRFieldList {
 public:
     // The panel may be none; then nobody is told of changes.
-    TRFieldList(const TVCustomDBStructure* structure, TVQuery* panel)
-        : structure_(structure), panel_(panel) {}
+    TRFieldList(const TVCustomDBStructure* structure, TVQuery* panel);
+    ~TRFieldList();
 
-    int Count() const { return static_cast<int>(fields_.size()); }
+    int Count() const;
     TResultField* GetRField(int index) const;
     int IndexOf(const TResultField* field) const;
     TResultField* New(int index);

@@ -13,6 +13,14 @@ std::string TSQLParam::GetFullValue() const {
     return ReplaceText(ValueFormat, "@v", Value);
 }
 
+TSQLParamList::TSQLParamList() = default;
+
+TSQLParamList::~TSQLParamList() = default;
+
+int TSQLParamList::Count() const {
+    return static_cast<int>(params_.size());
+}
+
 TSQLParam* TSQLParamList::GetItem(int index) const {
     return params_[CheckedIndex(index, params_.size())].get();
 }

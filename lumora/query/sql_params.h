@@ -38,7 +38,10 @@ private:
 // deleted is told so.
 class TSQLParamList {
 public:
-    int Count() const { return static_cast<int>(params_.size()); }
+    TSQLParamList();
+    ~TSQLParamList();
+
+    int Count() const;
     TSQLParam* GetItem(int index) const; // EVQueryPanelError for a bad index, as Delete
     TSQLParam* Add(std::unique_ptr<TSQLParam> param);
     // The first parameter of a condition's value, or of a name (letter case ignored); -1 when there is none.

@@ -1,5 +1,7 @@
 #include "lumora/querybase/Vqrybase.h"
 
+#include "lumora/platform/properties.h"
+
 namespace lumora {
 
 // --- Items.

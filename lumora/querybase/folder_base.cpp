@@ -1,5 +1,6 @@
 #include "lumora/querybase/folder_base.h"
 
+#include "lumora/platform/properties.h"
 #include "lumora/platform/text_file.h"
 #include "lumora/querybase/folder_lock.h"
 #include "lumora/querybase/query_file_name.h"

@@ -1,5 +1,7 @@
 #include "lumora/screen/appearance.h"
 
+#include "lumora/platform/properties.h"
+
 namespace lumora {
 
 std::span<const TPropertyInfo> TQPAppearance::PublishedProperties() const {

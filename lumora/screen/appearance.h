@@ -1,7 +1,8 @@
 // How a query looks on the screen and what is offered for it.
 #pragma once
 
-#include "lumora/platform/properties.h"
+#include "lumora/platform/color.h"
+#include "lumora/platform/persistent.h"
 #include "lumora/query/row_types.h"
 
 #include <functional>

@@ -1,7 +1,7 @@
 // The words that a line shows: those that it says, and those that serve to work with it.
 #pragma once
 
-#include "lumora/platform/properties.h"
+#include "lumora/platform/color.h"
 #include "lumora/screen/row_problems.h"
 
 #include <string>

@@ -1,9 +1,7 @@
 // Memory for nodes that are thrown away together.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
-#include <memory>
 #include <new>
 #include <type_traits>
 #include <vector>
@@ -18,47 +16,46 @@ public:
         std::size_t Used = 0;
     };
 
+    TArena();
+    TArena(TArena&& other) noexcept;
+    TArena& operator=(TArena&& other) noexcept;
+    ~TArena();
+
     // A node of default values, or several in a row. They are gone with Clear, Rewind or the arena; no
     // destructor is called.
     template <typename T>
     T* New(std::size_t count = 1) {
-        static_assert(std::is_trivially_destructible_v<T> && alignof(T) <= alignof(std::max_align_t));
+        static_assert(std::is_trivially_destructible_v<T> && alignof(T) <= Unit);
         T* const nodes = static_cast<T*>(Allocate(sizeof(T) * count));
         for (std::size_t i = 0; i < count; ++i)
             ::new (nodes + i) T();
         return nodes;
     }
 
-    TMark Mark() const { return at_; }
+    TMark Mark() const;
     // Forgets what was made since the mark, and keeps the memory.
-    void Rewind(const TMark& mark) { at_ = mark; }
-    void Clear() { at_ = {}; }
+    void Rewind(const TMark& mark);
+    void Clear() { Rewind({}); }
 
 private:
-    static constexpr std::size_t BlockSize = 16 * 1024;
-
-    struct TBlock {
-        std::unique_ptr<std::max_align_t[]> Memory;
-        std::size_t Size = 0;
-    };
+    static constexpr std::size_t Unit = alignof(std::max_align_t);
+    struct TBlock;
 
     void* Allocate(std::size_t size) {
-        constexpr std::size_t unit = alignof(std::max_align_t);
-        size = (size + unit - 1) / unit * unit;
-        while (at_.Block < blocks_.size() && blocks_[at_.Block].Size - at_.Used < size)
-            at_ = {at_.Block + 1, 0};
-        if (at_.Block == blocks_.size())
-            AddBlock(std::max(size, BlockSize));
-        void* const memory = reinterpret_cast<char*>(blocks_[at_.Block].Memory.get()) + at_.Used;
-        at_.Used += size;
+        size = (size + Unit - 1) / Unit * Unit;
+        if (size > static_cast<std::size_t>(end_ - next_))
+            NextBlock(size);
+        void* const memory = next_;
+        next_ += size;
         return memory;
     }
-    void AddBlock(std::size_t size) {
-        blocks_.push_back({std::make_unique<std::max_align_t[]>(size / sizeof(std::max_align_t) + 1), size});
-    }
+    // Goes on in a block with that much room, which is made when there is none.
+    void NextBlock(std::size_t size);
 
     std::vector<TBlock> blocks_;
-    TMark at_;
+    std::size_t block_ = 0; // the one in use
+    char* next_ = nullptr;  // its free part
+    char* end_ = nullptr;
 };
 
 } // namespace lumora

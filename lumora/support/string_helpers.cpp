@@ -58,11 +58,6 @@ std::string ReplaceFound(std::string_view text, std::string_view from, std::stri
     return result.append(text, start);
 }
 
-bool IsWordChar(char c) {
-    const char lower = LowerAscii(c);
-    return (lower >= 'a' && lower <= 'z') || IsDigit(c) || c == '_' || static_cast<unsigned char>(c) >= 128;
-}
-
 } // namespace
 
 std::string ReplaceText(std::string_view text, std::string_view from, std::string_view to) {
@@ -105,6 +100,11 @@ std::string FoldBlanks(std::string_view text) {
     std::string folded;
     AppendFoldedBlanks(folded, text);
     return folded;
+}
+
+bool IsWordChar(char c) {
+    const char lower = LowerAscii(c);
+    return (lower >= 'a' && lower <= 'z') || IsDigit(c) || c == '_' || static_cast<unsigned char>(c) >= 128;
 }
 
 std::size_t FindWholeWord(std::string_view text, std::string_view word, std::size_t from) {

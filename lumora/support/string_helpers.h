@@ -24,6 +24,8 @@ void AppendDoubled(std::string& out, std::string_view text, char quote);
 // same.
 std::string FoldBlanks(std::string_view text);
 void AppendFoldedBlanks(std::string& out, std::string_view text);
+// A letter, a digit, "_" or a part of a character beyond ASCII.
+bool IsWordChar(char c);
 // Position of `word` in `text` where no letter, digit or "_" touches it; npos when absent. Both as they
 // stand.
 std::size_t FindWholeWord(std::string_view text, std::string_view word, std::size_t from = 0);

@@ -1,7 +1,7 @@
 // Colours of the model's side on a Qt palette.
 #pragma once
 
-#include "lumora/platform/properties.h"
+#include "lumora/platform/color.h"
 
 #include <QColor>
 #include <QPalette>
