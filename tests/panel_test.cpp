@@ -37,9 +37,34 @@ TEST(Panel, NeedsAModel) {
     shop.Panel.SetTitle("ttlFilter", "no place for the word");
     shop.Panel.Deactivate();
     EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop.Panel.Activate(); }), "Invalid filter title");
-    shop.Panel.GetAppearance().SetStyle(psAndOr);
+    EXPECT_FALSE(shop.Panel.GetActive());
+    TQPAppearance& looks = shop.Panel.GetAppearance();
+    looks.SetStyle(psAndOr);
     shop.Panel.Activate();
     EXPECT_TRUE(shop.Panel.GetActive());
+    // A header cannot appear later either.
+    EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { looks.SetStyle(psGroups); }), "Invalid filter title");
+    EXPECT_EQ(looks.GetStyle(), psAndOr);
+    shop.Panel.SetTitle("ttlFilter", "@");
+    looks.SetStyle(psGroups);
+    EXPECT_EQ(shop.Panel.GetQueryText(), " all\n");
+}
+
+TEST(Panel, RefusesBadIndexes) {
+    TShop shop;
+    shop.Where("orders.amount", "Equal", "1");
+    TCountingLink link;
+    link.SetQueryPanel(&shop.Panel);
+    TVQueryPanelLinkList links;
+    links.Add(&link);
+    for (const int index : {-1, 1}) {
+        const std::string message = "Invalid index " + std::to_string(index);
+        EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop.Root().GetRow(index); }), message);
+        EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop.Root().DeleteRow(index); }), message);
+        EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { links.GetItem(index); }), message);
+    }
+    EXPECT_EQ(shop.Root().GetRowCount(), 1);
+    EXPECT_EQ(links.GetItem(0), &link);
 }
 
 TEST(Panel, TellsOfChangesOnce) {
@@ -205,6 +230,11 @@ TEST(Panel, FollowsAQueryBase) {
     EXPECT_TRUE(shop.Panel.GetEmpty());
     shop.Where("orders.amount", "Equal", "6");
     EXPECT_EQ(base.IndexByName("FIVES"), 0);
+    stored.SetDescription("another's"); // of a query that is not the current one
+    EXPECT_EQ(shop.Panel.GetDescription().GetText(), "");
+    base.AddItem(std::make_unique<TMemoryItem>());
+    base.DeleteQuery(2);
+    EXPECT_EQ(shop.Root().GetRowCount(), 1);
     base.DeleteQuery(1);
     EXPECT_EQ(base.GetItemIndex(), 0);
     EXPECT_EQ(static_cast<TFilterCond*>(shop.Root().GetRow(0))->GetValue(1), "5");
