@@ -267,7 +267,8 @@ TEST_F(PanelRows, TellTheViewWhatToDraw) {
     EXPECT_EQ(Told([&] { panel.Activate(); }), "menus no header repaint place repaint ");
     EXPECT_EQ(Told([&] { panel.GetAppearance().SetStyle(psGroups); }), "header place repaint ");
     EXPECT_EQ(Told([&] { panel.AddCondition(Shop.Root()); }), "place row end ");
-    const std::string words = Captions(ScreenWords(panel.GetScreen(), *Shop.Root().GetRow(0)));
+    panel.SetCurrentRow(&Shop.Root());
+    EXPECT_EQ(Told([&] { panel.RecreateRootBracket(); }), "repaint place place ");
     // What a host wants to hear of the looks does not keep the panel from drawing them.
     int told = 0;
     panel.GetAppearance().OnChange = [&] { ++told; };
@@ -280,7 +281,6 @@ TEST_F(PanelRows, TellTheViewWhatToDraw) {
     EXPECT_EQ(told, 1);
     EXPECT_EQ(Told([&] { panel.GetAppearance().EndUpdate(); }), "header place repaint ");
     EXPECT_EQ(told, 2);
-    EXPECT_EQ(words, Captions(ScreenWords(panel.GetScreen(), *Shop.Root().GetRow(0))));
 }
 
 // Each word's role, colour, action and name.
@@ -475,6 +475,7 @@ TEST_F(PanelRows, HaveMenus) {
     ASSERT_EQ(items.size(), 6u);
     EXPECT_EQ(items[0].Caption, "Add &Condition");
     EXPECT_TRUE(items[2].IsSubMenu && items[2].Items.empty() && !items[2].Enabled);
+    EXPECT_TRUE(items[0].Enabled && items[1].Enabled);
     EXPECT_FALSE(items[3].Enabled); // the root stays
     EXPECT_TRUE(items[4].IsSeparator());
     Shop.Model.AddCondition(9, "100% of @", "orders.amount > '@1'");
@@ -492,9 +493,11 @@ TEST_F(PanelRows, HaveMenus) {
     panel.ValueMenuItemClick(View.Shown->Items[1], custom, 1);
     EXPECT_TRUE(custom.GetValueIsParam(1));
     Option(aoAllowParams, false);
-    panel.ClickWord(custom, 2); // back is always possible
-    EXPECT_TRUE(View.Shown->Items[0].Enabled);
+    panel.ClickWord(custom, 2); // back is always possible, and what is chosen stays so
+    EXPECT_TRUE(View.Shown->Items[0].Enabled && View.Shown->Items[1].Enabled);
     panel.ValueMenuItemClick(View.Shown->Items[0], custom, 1);
+    panel.ContextMenu(custom, 2); // nothing to choose from: the row's menu
+    EXPECT_EQ(View.Shown, &panel.GetMenus().GetConditionMenu());
     panel.ValueMenuItemClick(View.Shown->Items[1], custom, 1);
     EXPECT_FALSE(custom.GetValueIsParam(1));
 
