@@ -205,6 +205,8 @@ TEST_F(PanelEditors, ChooseByTypeAndCheckWhatIsTyped) {
     EXPECT_EQ(active.GetValue(1) + active.GetCaption(1), "TrueYes");
     EXPECT_EQ(Editor(active, wrOperator).AcceptText("is in list"), "");
     EXPECT_EQ(active.GetValue(1) + active.GetCaption(1), "TrueYes");
+    EXPECT_EQ(Editor(active, wrValue).AcceptText("1,False"), "");
+    EXPECT_EQ(active.GetValue(1) + active.GetCaption(1), "1,FalseYes, No");
 
     TDSField& company = *Shop.Field("customers.company");
     company.SetEditType(etEdit);
@@ -272,11 +274,16 @@ TEST_F(PanelEditors, ReadListsWhenTheyAreOpened) {
     TSimpleCond& company = *Shop.Where("customers.company", "Equal", "N");
     TSimpleCond& condition = *Shop.Where("orders.amount", "Equal", "");
     TWordEditor editor = Editor(condition, wrValue);
+    condition.SetValue(1, "3"); // fits as long as nobody knows the list
+    EXPECT_EQ(Editor(condition, wrOperator).AcceptText("is in list"), "");
+    EXPECT_EQ(condition.GetValue(1), "3");
     TDropDownContent content = editor.GetContent();
     EXPECT_EQ(Shop.Info.LastSQL, ""); // not yet
-    EXPECT_EQ(content.LoadItems().size(), 2u);
+    EXPECT_EQ(content.LoadItems().size(), 3u); // "3" is kept
     EXPECT_EQ(Shop.Info.LastSQL, "select a, b from t where c = 'N'\n");
 
+    EXPECT_EQ(Editor(condition, wrOperator).AcceptText("is equal to"), "");
+    EXPECT_EQ(condition.GetValue(1), ""); // now they do
     Shop.Model.SetDatabaseInfo(&info);
     EXPECT_FALSE(editor.GetContent().LoadItems); // the same list
     company.SetValue(1, "S");
