@@ -382,6 +382,7 @@ TEST_F(PanelEditors, HaveASubQueryDialogOfItsOwn) {
     dialog.FormShow();
     EXPECT_TRUE(dialog.cbDistinct && panel.GetActive());
     const TDropDownContent content = dialog.ResultFieldContent();
+    EXPECT_EQ(content.Kind, ddList);
     EXPECT_EQ(Captions(content), "custno company since active custno placed orderno qty at ");
     EXPECT_EQ(content.CurrentItem, 0);
     dialog.AcceptResultField(content.Items[1]);

@@ -171,6 +171,40 @@ TEST(Panel, SaysItsQueryInWords) {
     EXPECT_EQ(shop.Panel.GetSQLParams().GetText(), "company='N'\n");
 }
 
+TEST(Panel, RefreshesItsRows) {
+    TShop shop;
+    shop.Where("orders.amount", "Equal", "1");
+    int active = 0;
+    shop.Panel.OnActive = [&](TVQueryPanel&) { ++active; };
+    const std::string text = shop.Panel.GetQueryText();
+    shop.Panel.RefreshPanel();
+    EXPECT_GE(active, 2); // off and on
+    EXPECT_EQ(shop.Panel.GetQueryText(), text);
+    EXPECT_TRUE(shop.Panel.GetActive());
+    shop.Panel.Deactivate();
+    active = 0;
+    shop.Panel.RefreshPanel();
+    EXPECT_EQ(active, 0);
+    EXPECT_EQ(shop.Root().GetRowCount(), 1);
+}
+
+// Columns wait for a model that has their fields.
+TEST(Panel, KeepsItsColumnsForTheNextModel) {
+    TShop shop;
+    shop.Select("orders.amount", "Total");
+    TVDBStructure copy;
+    copy.SetStructString(shop.Model.GetStructString());
+    shop.Panel.SetDbStruct(nullptr);
+    EXPECT_EQ(shop.Panel.GetQResult().GetResultFields().Count(), 0);
+    shop.Panel.SetDbStruct(&copy);
+    ASSERT_EQ(shop.Panel.GetQResult().GetResultFields().Count(), 1);
+    EXPECT_EQ(shop.SQL(), "SELECT orders.amount as Total\nFROM orders\n");
+    shop.Panel.GetQResult().GetResultFields().Clear();
+    shop.Panel.SetDbStruct(nullptr);
+    shop.Panel.SetDbStruct(&shop.Model);
+    EXPECT_EQ(shop.Panel.GetQResult().GetResultFields().Count(), 0);
+}
+
 TEST(Panel, LivesThroughChangesOfItsModel) {
     TShop shop;
     shop.Select("orders.amount", "Total");
@@ -204,6 +238,15 @@ TEST(Panel, LivesThroughChangesOfItsModel) {
     EXPECT_EQ(shop.Panel.GetDbStruct(), nullptr);
     EXPECT_EQ(shop.Panel.GetRootBracket(), nullptr);
     EXPECT_FALSE(shop.Panel.GetActive());
+
+    auto images = std::make_unique<TComponent>();
+    auto others = std::make_unique<TComponent>();
+    shop.Panel.SetImages(images.get());
+    shop.Panel.SetImages(others.get());
+    images.reset();
+    EXPECT_EQ(shop.Panel.GetImages(), others.get());
+    others.reset();
+    EXPECT_EQ(shop.Panel.GetImages(), nullptr);
 }
 
 TEST(Panel, FollowsAQueryBase) {
@@ -239,6 +282,9 @@ TEST(Panel, FollowsAQueryBase) {
     EXPECT_EQ(base.GetItemIndex(), 0);
     EXPECT_EQ(static_cast<TFilterCond*>(shop.Root().GetRow(0))->GetValue(1), "5");
     EXPECT_THROW(base.GetQuery(1), EListError);
+    shop.Panel.SetQueryBase(nullptr);
+    shop.Panel.LoadCurBaseQuery(); // there is none
+    EXPECT_EQ(shop.Root().GetRowCount(), 1);
 }
 
 TEST(Panel, IsKeptInAForm) {
@@ -262,6 +308,18 @@ TEST(Panel, IsKeptInAForm) {
     panel->GetAppearance().SetStyle(psAndOr);
     panel->GetQResult().GetResultFields().Add("@1", {model->FieldByName(fnDisplayName, "amount")}, "Größe");
     panel->SetTitle("ttlAll", "alle");
+    panel->SetMainTableName("orders");
+    panel->SetQueryName("One");
+    panel->SetDescription(TStringList("first\n"));
+    panel->SetUserData(TStringList("mine\n"));
+    panel->SetSaveTitles(false);
+    panel->SetSaveSQLOptions(true);
+    panel->SetSQLSyntax(ssOracle);
+    panel->SetDialect(sdMySQL);
+    panel->SetMaxPopupItemCount(6);
+    panel->SetHelpFileName("help");
+    panel->SetRFEHelpContext(7);
+    panel->SetImages(model);
     const std::string text = WriteFormText(form);
     EXPECT_NE(text.find("    Strict = True\n"), std::string::npos) << text;
     EXPECT_NE(text.find("    DbStruct = Model1\n"), std::string::npos);
@@ -271,6 +329,9 @@ TEST(Panel, IsKeptInAForm) {
     ReadFormText(text, copy);
     auto& copiedPanel = dynamic_cast<TVQueryPanel&>(*copy.FindComponent("Panel1"));
     auto& copiedModel = dynamic_cast<TVDBStructure&>(*copy.FindComponent("Model1"));
+    copy.SetName("Form1");
+    const std::size_t panelText = text.find("  object Model1");
+    EXPECT_EQ(WriteFormText(copy).substr(0, panelText), text.substr(0, panelText));
     EXPECT_EQ(copiedPanel.GetDbStruct(), &copiedModel);
     EXPECT_EQ(copiedModel.GetStructString(), model->GetStructString());
     EXPECT_EQ(copiedModel.GetDefOperator("IsNull"), "is null"); // merged in when loaded
@@ -278,6 +339,19 @@ TEST(Panel, IsKeptInAForm) {
               "orders.amount as Größe");
     EXPECT_EQ(copiedPanel.GetTitle("ttlAll"), "alle");
     EXPECT_EQ(copiedPanel.GetAppearance().GetStyle(), psAndOr);
+
+    std::string names;
+    for (const TPropertyInfo& property : panel->PublishedProperties())
+        names.append(property.Name) += ' ';
+    EXPECT_EQ(
+        names,
+        "Tag DbStruct MainTableName QResult QueryName Description UserData Titles SaveTitles SQLOptions "
+        "SQLSyntax SaveSQLOptions Dialect Strict Appearance ViewOptions RowSpace TabSpace ElemSpace "
+        "HeaderLeft HeaderTop MaxPopupItemCount HelpFileName RFEHelpContext Images QueryBase OnActive "
+        "OnChange OnParamListChange OnCustomEdit OnChangeValue OnSetValue OnCustomValue OnValueDblClick "
+        "OnConditionChange OnBuildSQL OnGetGroupImageIndex OnGetItemImageIndex OnRFEHelpClick ");
+    panel->SetTitles(TStringList("no\nkeys\n")); // by position only in an old form
+    EXPECT_EQ(panel->GetTitle("ttlAll"), "all");
 
     TVQueryPanel old;
     ReadFormText("object Old: TVQueryPanel\n  Titles.Strings = (\n    ''\n    ''\n    'alles')\n"

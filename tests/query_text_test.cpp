@@ -83,6 +83,12 @@ TEST(QueryText, ReadsBackWhole) {
     EXPECT_EQ(value("1.", 2), "");
     EXPECT_EQ(static_cast<TFilterCond*>(shop.Root().RowByID("3."))->GetHint(), "select amount\nfrom orders");
     EXPECT_EQ(shop.Root().RowByID("2.9."), nullptr);
+    TFilterCond& between = *static_cast<TFilterCond*>(shop.Root().RowByID("2.2."));
+    std::string value1, value2;
+    shop.Panel.SaveValues(between, value1, value2);
+    EXPECT_EQ(value1.substr(0, 8) + "|" + value2, "36955.60|36956");
+    shop.Panel.LoadValues("36957", "36958.25", between);
+    EXPECT_EQ(between.GetValue(1) + "|" + between.GetValue(2), "2001-03-07|2001-03-08 06:00:00");
     FormatSettings().ShortDateFormat = "d mmmm yyyy";
     Load(shop.Panel, text);
     EXPECT_EQ(value("1.", 1), "5 03 2001");
