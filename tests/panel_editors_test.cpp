@@ -169,9 +169,12 @@ TEST_F(PanelEditors, OfferNoFieldsThatNothingCanBeAskedOf) {
     Shop.Model.RootFieldsFirst = false;
     Shop.Model.GetFieldGroups().AddGroup("Times", Shop.Field("lines.at"));
     Shop.Model.GetFieldGroups().AddGroup("Dates", Shop.Field("customers.since"));
-    const std::string ungrouped = Offered(condition, wrField);
-    EXPECT_EQ(ungrouped, "at since company! active custno amount placed orderno ");
+    Shop.Panel.GetAppearance().SetOptions({});
+    EXPECT_EQ(Kind(condition, wrField), ddList);
+    EXPECT_EQ(Offered(condition, wrField), "at since company! active custno amount placed orderno ");
     Option(aoShowGroupName);
+    EXPECT_EQ(Kind(condition, wrField), ddTree);
+    EXPECT_FALSE(Editor(condition, wrField).RunDialog()); // there is none
     EXPECT_EQ(Offered(condition, wrField),
               "Times.at Dates.since company! active custno amount placed orderno ");
     Shop.Model.RootFieldsFirst = true;
@@ -278,7 +281,7 @@ TEST_F(PanelEditors, ReadListsWhenTheyAreOpened) {
     EXPECT_EQ(Editor(condition, wrOperator).AcceptText("is in list"), "");
     EXPECT_EQ(condition.GetValue(1), "3");
     TDropDownContent content = editor.GetContent();
-    EXPECT_EQ(Shop.Info.LastSQL, ""); // not yet
+    EXPECT_EQ(Shop.Info.LastSQL, "");          // not yet
     EXPECT_EQ(content.LoadItems().size(), 3u); // "3" is kept
     EXPECT_EQ(Shop.Info.LastSQL, "select a, b from t where c = 'N'\n");
 
@@ -416,6 +419,8 @@ TEST_F(PanelEditors, HaveASubQueryDialogOfItsOwn) {
     fields.Clear();
     dialog.ddlResultFieldCustomDropDown();
     EXPECT_EQ(dialog.ddlResultField, "");
+    panel.Deactivate();
+    EXPECT_EQ(dialog.CheckQuery(), "Query was not built properly");
     panel.SetView(nullptr);
 }
 
@@ -549,6 +554,7 @@ TEST_F(PanelEditors, EditSubQueries) {
     EXPECT_EQ(condition.GetHint().substr(0, 24), "SELECT customers.custno\n");
     EXPECT_EQ(condition.GetValue(1).find('\n'), std::string::npos);
     EXPECT_EQ(condition.GetCaption(1), "Sub-query");
+    EXPECT_EQ(WordHint(condition, ScreenWords(panel.GetScreen(), condition).back()), condition.GetHint());
     EXPECT_FALSE(condition.GetSubQueryOptions().Contains(soSelectDistinct));
     EXPECT_TRUE(panel.GetSQLOptions().Contains(soSelectDistinct));
     EXPECT_FALSE(RowProblem(panel.GetScreen(), condition));

@@ -113,6 +113,8 @@ TEST_F(PanelRows, SayWhatIsThereAndAskForWhatIsNot) {
     EXPECT_EQ(Captions(ScreenWords(panel.GetScreen(), Shop.Root())),
               "||Choose records where|all|of the following apply");
 
+    condition->SetValue(2, " "); // no number at all
+    EXPECT_EQ(RowProblem(panel.GetScreen(), *condition).State, rsUnfinished);
     condition->SetValue(2, "many");
     EXPECT_EQ(RowProblem(panel.GetScreen(), *condition).State, rsWrong);
     EXPECT_EQ(RowName(panel.GetScreen(), *condition),
@@ -460,6 +462,13 @@ TEST_F(PanelRows, ObeyTheKeyboard) {
     first->SetHidden(true);
     panel.SetCurrentRow(first);
     EXPECT_FALSE(Key(keyDelete, {ssCtrl}));
+    first->SetHidden(false);
+    panel.OnChange = [](TVQueryPanel& sender) { sender.ClearRows(); };
+    View.Repainted.clear();
+    panel.MoveCurRowDown();
+    EXPECT_EQ(std::count(View.Repainted.begin(), View.Repainted.end(), nullptr), 0);
+    EXPECT_TRUE(panel.GetEmpty());
+    panel.OnChange = nullptr;
     panel.Deactivate();
     EXPECT_FALSE(Key(keyInsert));
     TVQueryPanel empty;
