@@ -25,6 +25,12 @@ public:
 class TFakeView : public TQueryPanelView {
 public:
     void RepaintRow(TFilterRow& row) override { Repainted.push_back(&row); }
+    void PlaceAllRows() override { Told += "place "; }
+    void Repaint() override { Told += "repaint "; }
+    void ShowHeader(bool shown) override { Told += shown ? "header " : "no header "; }
+    void ShowRow(TFilterRow&) override { Told += "row "; }
+    void ScrollToEnd() override { Told += "end "; }
+    void UpdateMenus() override { Told += "menus "; }
     void DropDownWord(TFilterRow& row, int word) override { DroppedDown = {&row, word}; }
     void ShowRowMenu(TFilterRow&, int, TPopupMenu& menu) override { Shown = &menu; }
     void ShowValueMenu(TFilterRow&, int, TPopupMenu& menu) override { Shown = &menu; }
@@ -32,6 +38,7 @@ public:
     std::vector<TFilterRow*> Repainted;
     std::pair<TFilterRow*, int> DroppedDown{nullptr, -1};
     TPopupMenu* Shown = nullptr;
+    std::string Told;
 };
 
 std::string Captions(const std::vector<TScreenWord>& words) {
@@ -50,6 +57,13 @@ protected:
         TQPAppearanceOptions options = Shop.Panel.GetAppearance().GetOptions();
         on ? options.Include(option) : options.Exclude(option);
         Shop.Panel.GetAppearance().SetOptions(options);
+    }
+    // What the view is told while something is done.
+    template <typename TAct>
+    std::string Told(TAct act) {
+        View.Told.clear();
+        act();
+        return View.Told;
     }
     bool Key(int key, TShiftState shift = {}) { return Shop.Panel.KeyDown(key, shift); }
     void Command(int command) {
@@ -99,6 +113,8 @@ TEST_F(PanelRows, SayWhatIsThereAndAskForWhatIsNot) {
     EXPECT_EQ(Captions(ScreenWords(panel.GetScreen(), Shop.Root())),
               "||Choose records where|all|of the following apply");
 
+    condition->SetValue(2, " "); // no number at all
+    EXPECT_EQ(RowProblem(panel.GetScreen(), *condition).State, rsUnfinished);
     condition->SetValue(2, "many");
     EXPECT_EQ(RowProblem(panel.GetScreen(), *condition).State, rsWrong);
     EXPECT_EQ(RowName(panel.GetScreen(), *condition),
@@ -177,6 +193,135 @@ TEST_F(PanelRows, StandWhereTheirWordsAre) {
     EXPECT_TRUE(Layout.PlaceLines(0, 1000).empty());
 }
 
+TEST_F(PanelRows, StandAsTheLayoutPropertiesSay) {
+    TVQueryPanel& panel = Shop.Panel;
+    TFilterBracket* const bracket = panel.AddBracket(Shop.Root());
+    Text("a", bracket);
+    const auto sets = [&](void (TVQueryPanel::*set)(int), int value) {
+        EXPECT_EQ(Told([&] { (panel.*set)(value); }), "place ");
+        EXPECT_EQ(Told([&] { (panel.*set)(value); }), "");
+    };
+    sets(&TVQueryPanel::SetRowSpace, 7);
+    sets(&TVQueryPanel::SetTabSpace, 11);
+    sets(&TVQueryPanel::SetElemSpace, 2);
+    sets(&TVQueryPanel::SetHeaderLeft, 30);
+    sets(&TVQueryPanel::SetHeaderTop, 40);
+    const int height = Layout.GetLineHeight();
+    EXPECT_EQ(height, 20); // the text's, and two pixels above and below
+    const int step = height + 7;
+    EXPECT_EQ(Layout.LineAt(39), -1);
+    EXPECT_EQ(Layout.LineAt(40 + step - 1), 0); // what is between two lines belongs to the upper one
+    EXPECT_EQ(Layout.LineAt(40 + step), 1);
+    EXPECT_EQ(Layout.WordAt(31, 40 + height).Word, -1);
+    EXPECT_EQ(Layout.WordAt(31, 40 + height - 1).Word, 0);
+    const TPlacedLine line = Layout.PlaceLine(2);
+    EXPECT_EQ(line.Bounds.Left, 30 + 2 * 11);
+    EXPECT_EQ(line.Bounds.Top, 40 + 2 * step);
+    EXPECT_EQ(line.Bounds.Right, line.Words.back().Bounds.Right);
+    EXPECT_EQ(line.Bounds.Bottom, 40 + 2 * step + height);
+    for (std::size_t i = 1; i < line.Words.size(); ++i)
+        EXPECT_EQ(line.Words[i].Bounds.Left, line.Words[i - 1].Bounds.Right + 2);
+    EXPECT_EQ(Layout.PlaceLine(3).Bounds.Left, 30 + 11); // the line that adds a condition
+    EXPECT_EQ(Layout.GetContentSize().Height, 40 + 3 * step + height + 40);
+    const std::vector<TPlacedLine> seen = Layout.PlaceLines(40 + step, 40 + 2 * step + 1);
+    ASSERT_EQ(seen.size(), 2u);
+    EXPECT_EQ(seen[0].Row, bracket);
+
+    Option(aoShowCheckBoxes);
+    const TRect box = Layout.WordBounds(2, 1);
+    EXPECT_EQ(box.Right - box.Left, 13);
+    Option(aoShowCheckBoxes, false);
+
+    // Guide lines begin under the bracket's button and end in the middle of its last row.
+    std::vector<TGuideLine> guides = Layout.GuideLines(0, 1000);
+    ASSERT_EQ(guides.size(), 2u);
+    EXPECT_EQ(guides[1].X, 30 + 11 + height / 2);
+    EXPECT_EQ(guides[1].Top, 40 + step + height);
+    EXPECT_EQ(guides[1].Bottom, 40 + 2 * step + height / 2);
+    EXPECT_TRUE(Layout.GuideLines(1000, 2000).empty());
+    bracket->GetRow(0)->SetHidden(true);
+    EXPECT_EQ(Layout.GuideLines(0, 1000).size(), 1u); // an empty one has none
+    bracket->GetRow(0)->SetHidden(false);
+
+    // A dragged row's mark stands in the space between two lines.
+    const TDropTarget drop = Layout.DropTargetAt(*bracket->GetRow(0), 0, 40 + step);
+    EXPECT_EQ(drop.Target.Bracket, &Shop.Root());
+    EXPECT_EQ(drop.Target.Index, 0);
+    EXPECT_EQ(drop.Mark.Left, 30 + 11);
+    EXPECT_EQ(drop.Mark.Top, 40 + step - (7 + 2) / 2);
+    EXPECT_EQ(drop.Mark.Bottom - drop.Mark.Top, 2);
+    EXPECT_GE(drop.Mark.Right, Layout.GetContentSize().Width);
+
+    panel.SetTabSpace(0); // every level at the same place: far right is as deep as it goes
+    Text("c");
+    EXPECT_EQ(Layout.DropTargetAt(*Shop.Root().GetRow(1), 0, 40 + 3 * step).Target.Bracket, bracket);
+    panel.SetRowSpace(-100);
+    EXPECT_EQ(Layout.GetLineTop(1), 41); // lines never stand in one place
+}
+
+TEST_F(PanelRows, TellTheViewWhatToDraw) {
+    TVQueryPanel& panel = Shop.Panel;
+    EXPECT_EQ(Told([&] { panel.Deactivate(); }), "no header repaint repaint ");
+    EXPECT_EQ(Told([&] { panel.Activate(); }), "menus header repaint place repaint ");
+    EXPECT_EQ(Told([&] { panel.Activate(); }), "");
+    EXPECT_EQ(Told([&] { panel.GetAppearance().SetStyle(psAndOr); }), "no header place repaint ");
+    panel.Deactivate();
+    EXPECT_EQ(Told([&] { panel.Activate(); }), "menus no header repaint place repaint ");
+    EXPECT_EQ(Told([&] { panel.GetAppearance().SetStyle(psGroups); }), "header place repaint ");
+    EXPECT_EQ(Told([&] { panel.AddCondition(Shop.Root()); }), "place row end ");
+    panel.SetCurrentRow(&Shop.Root());
+    EXPECT_EQ(Told([&] { panel.RecreateRootBracket(); }), "repaint place place ");
+    // What a host wants to hear of the looks does not keep the panel from drawing them.
+    int told = 0;
+    panel.GetAppearance().OnChange = [&] { ++told; };
+    EXPECT_EQ(Told([&] { panel.GetAppearance().SetFieldColor({3}); }), "header place repaint ");
+    EXPECT_EQ(Told([&] { panel.GetAppearance().SetFieldColor({3}); }), "");
+    EXPECT_EQ(told, 1);
+    panel.GetAppearance().BeginUpdate();
+    panel.GetAppearance().SetFieldColor({4});
+    panel.GetAppearance().SetValueColor({4});
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(Told([&] { panel.GetAppearance().EndUpdate(); }), "header place repaint ");
+    EXPECT_EQ(told, 2);
+}
+
+// Each word's role, colour, action and name.
+TEST_F(PanelRows, TellWordsApart) {
+    TQPAppearance& looks = Shop.Panel.GetAppearance();
+    looks.SetControlBorderColor({1});
+    looks.SetFieldColor({2});
+    looks.SetOperatorColor({3});
+    looks.SetValueColor({4});
+    looks.SetBoolOpColor({5});
+    looks.SetAddRowColor({6});
+    looks.SetStyle(psAndOr);
+    Option(aoShowCheckBoxes);
+    const auto told = [](const std::vector<TScreenWord>& words) {
+        std::string text;
+        for (const TScreenWord& word : words)
+            text += std::string(EnumName(word.Role)) +
+                    (word.Color == clNone ? " -" : " " + std::to_string(word.Color.Value)) +
+                    (word.IsClickable() ? " clickable " : " ") + word.Name + "\n";
+        return text;
+    };
+    Text("a");
+    TSimpleCond& condition = *Shop.Where("orders.amount", "Between", "1", "2");
+    EXPECT_EQ(told(ScreenWords(Shop.Panel.GetScreen(), condition)),
+              "wrButton 1 clickable Menu of the row\nwrCheckBox 1 clickable Row enabled\n"
+              "wrAndOr 5 clickable Joined by: and\nwrField 2 clickable Field: amount\n"
+              "wrOperator 3 clickable Operator: is between\nwrValue 4 clickable Value: 1\n"
+              "wrText - and\nwrValue 4 clickable Value: 2\n");
+    looks.SetStyle(psGroups);
+    EXPECT_EQ(told(ScreenWords(Shop.Panel.GetScreen(), Shop.Root())),
+              "wrButton 1 clickable Menu of the row\nwrCheckBox 1 clickable Row enabled\n"
+              "wrText - Choose records where\nwrLinkWord 5 clickable Joined by: all\n"
+              "wrText - of the following apply\n");
+    EXPECT_EQ(told(AddRowWords(Shop.Panel.GetScreen())),
+              "wrAddRow 6 clickable Click here to add new condition\n");
+    condition.SetEnabled(false);
+    EXPECT_EQ(RowName(Shop.Panel.GetScreen(), condition), "amount is between 1 and 2 (disabled)");
+}
+
 TEST_F(PanelRows, AreMeasuredOnlyInView) {
     Shop.Panel.BeginUpdate();
     for (int i = 0; i < 2000; ++i)
@@ -212,6 +357,17 @@ TEST_F(PanelRows, AreDroppedWhereTheMarkIs) {
     EXPECT_FALSE(drop(Shop.Root(), 2, 0));
     EXPECT_FALSE(drop(*c, 1, 0)); // where it is
     EXPECT_FALSE(MoveRow(Shop.Panel.GetQuery(), *bracket, {bracket, 0}));
+
+    Shop.Panel.GetAppearance().SetStyle(psAndOr); // no line for the root: (c(ab))
+    EXPECT_TRUE(drop(*b, 1, 0));
+    EXPECT_EQ(Tree(), "(cb(a))");
+    EXPECT_TRUE(drop(*b, 0, 100));
+    EXPECT_EQ(Tree(), "(bc(a))");
+    EXPECT_TRUE(drop(*b, 3, 100));
+    EXPECT_EQ(Tree(), "(c(ba))");
+    EXPECT_TRUE(drop(*b, 4, 100));
+    EXPECT_EQ(Tree(), "(c(ab))");
+    Shop.Panel.GetAppearance().SetStyle(psGroups);
 
     Option(aoNonEmptyBrackets);
     EXPECT_TRUE(MoveRow(Shop.Panel.GetQuery(), *a, {&Shop.Root(), 0}));
@@ -268,6 +424,13 @@ TEST_F(PanelRows, ObeyTheKeyboard) {
         EXPECT_TRUE(Key(keyRight));
     EXPECT_EQ(View.Repainted.size(), 2u);
     EXPECT_EQ(panel.GetKeyboard().GetCurControl(), 3);
+    for (const int word : {2, 1, 1}) {
+        EXPECT_TRUE(Key(keyLeft));
+        EXPECT_EQ(panel.GetKeyboard().GetCurControl(), word);
+    }
+    EXPECT_EQ(View.Repainted.size(), 4u);
+    panel.ClickWord(*panel.GetCurrentRow(), 2); // the word clicked is the current one
+    EXPECT_EQ(panel.GetKeyboard().GetCurControl(), 2);
     EXPECT_TRUE(Key(keyInsert, {ssAlt}));
     EXPECT_EQ(View.DroppedDown.second, 1);
     EXPECT_EQ(Tree(), "(an(i))");
@@ -299,6 +462,13 @@ TEST_F(PanelRows, ObeyTheKeyboard) {
     first->SetHidden(true);
     panel.SetCurrentRow(first);
     EXPECT_FALSE(Key(keyDelete, {ssCtrl}));
+    first->SetHidden(false);
+    panel.OnChange = [](TVQueryPanel& sender) { sender.ClearRows(); };
+    View.Repainted.clear();
+    panel.MoveCurRowDown();
+    EXPECT_EQ(std::count(View.Repainted.begin(), View.Repainted.end(), nullptr), 0);
+    EXPECT_TRUE(panel.GetEmpty());
+    panel.OnChange = nullptr;
     panel.Deactivate();
     EXPECT_FALSE(Key(keyInsert));
     TVQueryPanel empty;
@@ -314,6 +484,7 @@ TEST_F(PanelRows, HaveMenus) {
     ASSERT_EQ(items.size(), 6u);
     EXPECT_EQ(items[0].Caption, "Add &Condition");
     EXPECT_TRUE(items[2].IsSubMenu && items[2].Items.empty() && !items[2].Enabled);
+    EXPECT_TRUE(items[0].Enabled && items[1].Enabled);
     EXPECT_FALSE(items[3].Enabled); // the root stays
     EXPECT_TRUE(items[4].IsSeparator());
     Shop.Model.AddCondition(9, "100% of @", "orders.amount > '@1'");
@@ -331,23 +502,54 @@ TEST_F(PanelRows, HaveMenus) {
     panel.ValueMenuItemClick(View.Shown->Items[1], custom, 1);
     EXPECT_TRUE(custom.GetValueIsParam(1));
     Option(aoAllowParams, false);
-    panel.ClickWord(custom, 2); // back is always possible
-    EXPECT_TRUE(View.Shown->Items[0].Enabled);
+    panel.ClickWord(custom, 2); // back is always possible, and what is chosen stays so
+    EXPECT_TRUE(View.Shown->Items[0].Enabled && View.Shown->Items[1].Enabled);
     panel.ValueMenuItemClick(View.Shown->Items[0], custom, 1);
+    panel.ContextMenu(custom, 2); // nothing to choose from: the row's menu
+    EXPECT_EQ(View.Shown, &panel.GetMenus().GetConditionMenu());
     panel.ValueMenuItemClick(View.Shown->Items[1], custom, 1);
     EXPECT_FALSE(custom.GetValueIsParam(1));
 
     Command(pcEnableDisable);
     EXPECT_FALSE(custom.GetEnabled());
     Command(pcDeleteRow);
-    panel.SetTitle("ttlAddCond", "Neu");
+    TMenuItem none;
+    none.Command = pcCustomCondition;
+    for (none.Index = -1; none.Index < 3; none.Index += 2) // there is one of them, 0
+        panel.MenuItemClick(none);
+    EXPECT_EQ(Tree(), "(a)");
+    const auto captions = [](const TPopupMenu& menu) {
+        std::string text;
+        for (const TMenuItem& item : menu.Items)
+            text += item.Caption + "|";
+        return text;
+    };
+    EXPECT_EQ(captions(panel.GetMenus().GetBracketMenu()),
+              "Add &Condition|Add &Bracket|Add custom condition|&Delete Current Row|-|&Enable/Disable Row|");
+    EXPECT_EQ(captions(panel.GetMenus().GetConditionMenu()), captions(panel.GetMenus().GetBracketMenu()));
+    EXPECT_EQ(captions(panel.GetMenus().GetValueMenu()), "Constant value|Parameter|");
+    EXPECT_EQ(
+        Told([&] { panel.SetTitles(TStringList("[Query Panel]\nttlAddCond=Neu\nttlParameter=Frage\n")); }),
+        "menus place ");
+    EXPECT_EQ(captions(panel.GetMenus().GetBracketMenu()),
+              "Neu|Add &Bracket|Add custom condition|&Delete Current Row|-|&Enable/Disable Row|");
+    EXPECT_EQ(captions(panel.GetMenus().GetValueMenu()), "Constant value|Frage|");
+    panel.SetTitle("ttlAddBracket", "Klammer");
     panel.UpdateMenus();
-    EXPECT_EQ(panel.GetMenus().GetBracketMenu().Items[0].Caption, "Neu");
+    EXPECT_EQ(panel.GetMenus().GetConditionMenu().Items[1].Caption, "Klammer");
     Option(aoShowCheckBoxes);
     panel.ClickWord(*condition, 1);
     EXPECT_FALSE(condition->GetEnabled());
     panel.AddRowLabelMouseDown();
     EXPECT_EQ(Shop.Root().GetRowCount(), 2);
+    Command(pcAddBracket);
+    Command(pcAddCondition); // in the bracket, which is current now
+    EXPECT_EQ(Tree(), "(a())");
+    panel.Deactivate();
+    panel.AddRowLabelMouseDown();
+    panel.ClickWord(*condition, 1);
+    EXPECT_EQ(panel.GetCurrentRow(), nullptr);
+    EXPECT_EQ(Shop.Root().GetRowCount(), 3);
     TVQueryPanel empty;
     empty.MenuItemClick(items[0]);
     empty.AddCustomConditionClick(0);

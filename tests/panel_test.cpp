@@ -37,9 +37,34 @@ TEST(Panel, NeedsAModel) {
     shop.Panel.SetTitle("ttlFilter", "no place for the word");
     shop.Panel.Deactivate();
     EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop.Panel.Activate(); }), "Invalid filter title");
-    shop.Panel.GetAppearance().SetStyle(psAndOr);
+    EXPECT_FALSE(shop.Panel.GetActive());
+    TQPAppearance& looks = shop.Panel.GetAppearance();
+    looks.SetStyle(psAndOr);
     shop.Panel.Activate();
     EXPECT_TRUE(shop.Panel.GetActive());
+    // A header cannot appear later either.
+    EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { looks.SetStyle(psGroups); }), "Invalid filter title");
+    EXPECT_EQ(looks.GetStyle(), psAndOr);
+    shop.Panel.SetTitle("ttlFilter", "@");
+    looks.SetStyle(psGroups);
+    EXPECT_EQ(shop.Panel.GetQueryText(), " all\n");
+}
+
+TEST(Panel, RefusesBadIndexes) {
+    TShop shop;
+    shop.Where("orders.amount", "Equal", "1");
+    TCountingLink link;
+    link.SetQueryPanel(&shop.Panel);
+    TVQueryPanelLinkList links;
+    links.Add(&link);
+    for (const int index : {-1, 1}) {
+        const std::string message = "Invalid index " + std::to_string(index);
+        EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop.Root().GetRow(index); }), message);
+        EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop.Root().DeleteRow(index); }), message);
+        EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { links.GetItem(index); }), message);
+    }
+    EXPECT_EQ(shop.Root().GetRowCount(), 1);
+    EXPECT_EQ(links.GetItem(0), &link);
 }
 
 TEST(Panel, TellsOfChangesOnce) {
@@ -104,6 +129,19 @@ TEST(Panel, NumbersRowsAndKeepsTheCurrentOne) {
     EXPECT_EQ(shop.Panel.GetCurrentRow(), last);
     shop.Root().DeleteRow(last->GetIndex());
     EXPECT_EQ(shop.Panel.GetCurrentRow(), inserted);
+    shop.Panel.ClearRows();
+    TFilterBracket* const only = shop.Panel.AddBracket(shop.Root());
+    TSimpleCond* const left = shop.Panel.AddCondition(*only);
+    TSimpleCond* const right = shop.Panel.AddCondition(*only);
+    shop.Panel.SetCurrentRow(left);
+    only->DeleteRow(0);
+    EXPECT_EQ(shop.Panel.GetCurrentRow(), right);
+    only->DeleteRow(0);
+    EXPECT_EQ(shop.Panel.GetCurrentRow(), only);
+    shop.Root().DeleteRow(0);
+    EXPECT_EQ(shop.Panel.GetCurrentRow(), nullptr);
+    shop.Panel.AddCondition(shop.Root());
+    shop.Panel.AddCondition(shop.Root());
     shop.Panel.GetAppearance().SetOptions({aoNonEmptyBrackets});
     TFilterBracket* const outer = shop.Panel.AddBracket(shop.Root());
     shop.Panel.AddCondition(*shop.Panel.AddBracket(*outer));
@@ -146,6 +184,40 @@ TEST(Panel, SaysItsQueryInWords) {
     EXPECT_EQ(shop.Panel.GetSQLParams().GetText(), "company='N'\n");
 }
 
+TEST(Panel, RefreshesItsRows) {
+    TShop shop;
+    shop.Where("orders.amount", "Equal", "1");
+    int active = 0;
+    shop.Panel.OnActive = [&](TVQueryPanel&) { ++active; };
+    const std::string text = shop.Panel.GetQueryText();
+    shop.Panel.RefreshPanel();
+    EXPECT_GE(active, 2); // off and on
+    EXPECT_EQ(shop.Panel.GetQueryText(), text);
+    EXPECT_TRUE(shop.Panel.GetActive());
+    shop.Panel.Deactivate();
+    active = 0;
+    shop.Panel.RefreshPanel();
+    EXPECT_EQ(active, 0);
+    EXPECT_EQ(shop.Root().GetRowCount(), 1);
+}
+
+// Columns wait for a model that has their fields.
+TEST(Panel, KeepsItsColumnsForTheNextModel) {
+    TShop shop;
+    shop.Select("orders.amount", "Total");
+    TVDBStructure copy;
+    copy.SetStructString(shop.Model.GetStructString());
+    shop.Panel.SetDbStruct(nullptr);
+    EXPECT_EQ(shop.Panel.GetQResult().GetResultFields().Count(), 0);
+    shop.Panel.SetDbStruct(&copy);
+    ASSERT_EQ(shop.Panel.GetQResult().GetResultFields().Count(), 1);
+    EXPECT_EQ(shop.SQL(), "SELECT orders.amount as Total\nFROM orders\n");
+    shop.Panel.GetQResult().GetResultFields().Clear();
+    shop.Panel.SetDbStruct(nullptr);
+    shop.Panel.SetDbStruct(&shop.Model);
+    EXPECT_EQ(shop.Panel.GetQResult().GetResultFields().Count(), 0);
+}
+
 TEST(Panel, LivesThroughChangesOfItsModel) {
     TShop shop;
     shop.Select("orders.amount", "Total");
@@ -179,6 +251,15 @@ TEST(Panel, LivesThroughChangesOfItsModel) {
     EXPECT_EQ(shop.Panel.GetDbStruct(), nullptr);
     EXPECT_EQ(shop.Panel.GetRootBracket(), nullptr);
     EXPECT_FALSE(shop.Panel.GetActive());
+
+    auto images = std::make_unique<TComponent>();
+    auto others = std::make_unique<TComponent>();
+    shop.Panel.SetImages(images.get());
+    shop.Panel.SetImages(others.get());
+    images.reset();
+    EXPECT_EQ(shop.Panel.GetImages(), others.get());
+    others.reset();
+    EXPECT_EQ(shop.Panel.GetImages(), nullptr);
 }
 
 TEST(Panel, FollowsAQueryBase) {
@@ -205,10 +286,18 @@ TEST(Panel, FollowsAQueryBase) {
     EXPECT_TRUE(shop.Panel.GetEmpty());
     shop.Where("orders.amount", "Equal", "6");
     EXPECT_EQ(base.IndexByName("FIVES"), 0);
+    stored.SetDescription("another's"); // of a query that is not the current one
+    EXPECT_EQ(shop.Panel.GetDescription().GetText(), "");
+    base.AddItem(std::make_unique<TMemoryItem>());
+    base.DeleteQuery(2);
+    EXPECT_EQ(shop.Root().GetRowCount(), 1);
     base.DeleteQuery(1);
     EXPECT_EQ(base.GetItemIndex(), 0);
     EXPECT_EQ(static_cast<TFilterCond*>(shop.Root().GetRow(0))->GetValue(1), "5");
     EXPECT_THROW(base.GetQuery(1), EListError);
+    shop.Panel.SetQueryBase(nullptr);
+    shop.Panel.LoadCurBaseQuery(); // there is none
+    EXPECT_EQ(shop.Root().GetRowCount(), 1);
 }
 
 TEST(Panel, IsKeptInAForm) {
@@ -232,6 +321,18 @@ TEST(Panel, IsKeptInAForm) {
     panel->GetAppearance().SetStyle(psAndOr);
     panel->GetQResult().GetResultFields().Add("@1", {model->FieldByName(fnDisplayName, "amount")}, "Größe");
     panel->SetTitle("ttlAll", "alle");
+    panel->SetMainTableName("orders");
+    panel->SetQueryName("One");
+    panel->SetDescription(TStringList("first\n"));
+    panel->SetUserData(TStringList("mine\n"));
+    panel->SetSaveTitles(false);
+    panel->SetSaveSQLOptions(true);
+    panel->SetSQLSyntax(ssOracle);
+    panel->SetDialect(sdMySQL);
+    panel->SetMaxPopupItemCount(6);
+    panel->SetHelpFileName("help");
+    panel->SetRFEHelpContext(7);
+    panel->SetImages(model);
     const std::string text = WriteFormText(form);
     EXPECT_NE(text.find("    Strict = True\n"), std::string::npos) << text;
     EXPECT_NE(text.find("    DbStruct = Model1\n"), std::string::npos);
@@ -241,6 +342,9 @@ TEST(Panel, IsKeptInAForm) {
     ReadFormText(text, copy);
     auto& copiedPanel = dynamic_cast<TVQueryPanel&>(*copy.FindComponent("Panel1"));
     auto& copiedModel = dynamic_cast<TVDBStructure&>(*copy.FindComponent("Model1"));
+    copy.SetName("Form1");
+    const std::size_t panelText = text.find("  object Model1");
+    EXPECT_EQ(WriteFormText(copy).substr(0, panelText), text.substr(0, panelText));
     EXPECT_EQ(copiedPanel.GetDbStruct(), &copiedModel);
     EXPECT_EQ(copiedModel.GetStructString(), model->GetStructString());
     EXPECT_EQ(copiedModel.GetDefOperator("IsNull"), "is null"); // merged in when loaded
@@ -248,6 +352,19 @@ TEST(Panel, IsKeptInAForm) {
               "orders.amount as Größe");
     EXPECT_EQ(copiedPanel.GetTitle("ttlAll"), "alle");
     EXPECT_EQ(copiedPanel.GetAppearance().GetStyle(), psAndOr);
+
+    std::string names;
+    for (const TPropertyInfo& property : panel->PublishedProperties())
+        names.append(property.Name) += ' ';
+    EXPECT_EQ(
+        names,
+        "Tag DbStruct MainTableName QResult QueryName Description UserData Titles SaveTitles SQLOptions "
+        "SQLSyntax SaveSQLOptions Dialect Strict Appearance ViewOptions RowSpace TabSpace ElemSpace "
+        "HeaderLeft HeaderTop MaxPopupItemCount HelpFileName RFEHelpContext Images QueryBase OnActive "
+        "OnChange OnParamListChange OnCustomEdit OnChangeValue OnSetValue OnCustomValue OnValueDblClick "
+        "OnConditionChange OnBuildSQL OnGetGroupImageIndex OnGetItemImageIndex OnRFEHelpClick ");
+    panel->SetTitles(TStringList("no\nkeys\n")); // by position only in an old form
+    EXPECT_EQ(panel->GetTitle("ttlAll"), "all");
 
     TVQueryPanel old;
     ReadFormText("object Old: TVQueryPanel\n  Titles.Strings = (\n    ''\n    ''\n    'alles')\n"

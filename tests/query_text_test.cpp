@@ -83,6 +83,12 @@ TEST(QueryText, ReadsBackWhole) {
     EXPECT_EQ(value("1.", 2), "");
     EXPECT_EQ(static_cast<TFilterCond*>(shop.Root().RowByID("3."))->GetHint(), "select amount\nfrom orders");
     EXPECT_EQ(shop.Root().RowByID("2.9."), nullptr);
+    TFilterCond& between = *static_cast<TFilterCond*>(shop.Root().RowByID("2.2."));
+    std::string value1, value2;
+    shop.Panel.SaveValues(between, value1, value2);
+    EXPECT_EQ(value1.substr(0, 8) + "|" + value2, "36955.60|36956");
+    shop.Panel.LoadValues("36957", "36958.25", between);
+    EXPECT_EQ(between.GetValue(1) + "|" + between.GetValue(2), "2001-03-07|2001-03-08 06:00:00");
     FormatSettings().ShortDateFormat = "d mmmm yyyy";
     Load(shop.Panel, text);
     EXPECT_EQ(value("1.", 1), "5 03 2001");
@@ -133,6 +139,16 @@ TEST(QueryText, CarriesTitlesAndOptions) {
     EXPECT_FALSE(shop.Panel.GetActive());
 }
 
+TEST(QueryText, KeepsFourOptionsAsBits) {
+    for (int bits = 0; bits < 128; ++bits)
+        EXPECT_EQ(SQLOptionsToInt(IntToSQLOptions(bits)), bits & (2 | 8 | 16 | 32)) << bits;
+    EXPECT_EQ(IntToSQLOptions(2), TSQLOptions{soSelectDistinct});
+    EXPECT_EQ(IntToSQLOptions(8), TSQLOptions{soQuoteAliases});
+    EXPECT_EQ(IntToSQLOptions(16), TSQLOptions{soBracketJoins});
+    EXPECT_EQ(IntToSQLOptions(32), TSQLOptions{soBracketConditions});
+    EXPECT_EQ(SQLOptionsToInt({soASCIIRFields, soSortByNames}), 0);
+}
+
 TEST(QueryText, OfOlderVersions) {
     TShop shop;
     shop.Panel.SetUserData(TStringList("kept\n"));
@@ -142,6 +158,90 @@ TEST(QueryText, OfOlderVersions) {
     // The text after an old one is asked for the old form of titles, whatever its own version.
     Load(shop.Panel, "[Titles]\nTitle2=tous\nTitle20= \n[Main]\nVersion=3.5\n");
     EXPECT_EQ(shop.Panel.GetTitle("ttlAll"), "tous");
+    // From 2.2 on titles have keys.
+    Load(shop.Panel, "[Titles]\nTitle1= \nTitle2=alle\n[Main]\nVersion=2.1\n");
+    Load(shop.Panel, "[Titles]\nTitle1= \nTitle2=todos\n[Query Panel]\nttlAll=alle\n[Main]\nVersion=2.2\n");
+    EXPECT_EQ(shop.Panel.GetTitle("ttlAll"), "todos");
+    Load(shop.Panel, "[Titles]\nTitle1= \nTitle2=tutti\n[PanelTitles]\nttlAll=alle\n[Main]\nVersion=2.2\n");
+    EXPECT_EQ(shop.Panel.GetTitle("ttlAll"), "alle");
+    shop.Panel.SetSaveTitles(false); // the text keeps its own
+    Load(shop.Panel, "[Query Panel]\nttlAll=todos\n[Main]\nVersion=2.2\n");
+    EXPECT_EQ(shop.Panel.GetTitle("ttlAll"), "alle");
+}
+
+// Old titles stand in an order of their own; four of them mean nothing any more, nor do those behind.
+TEST(QueryText, TakesOldTitlesByTheirPlace) {
+    const std::string keys[] = {"ttlFilter",
+                                "ttlBracket",
+                                "ttlAll",
+                                "ttlAny",
+                                "ttlNone",
+                                "ttlNotAll",
+                                "ttlAddBracket",
+                                "ttlAddCond",
+                                "ttlDelRow",
+                                "ttlFields",
+                                "ttlResFields",
+                                "ttlMakeFldHint",
+                                "ttlDelFldHint",
+                                "",
+                                "ttlNotSorted",
+                                "ttlAscending",
+                                "ttlDescending",
+                                "ttlSortCaption",
+                                "",
+                                "",
+                                "",
+                                "",
+                                ""};
+    TStringList positional, numbered, wanted(DefaultTitles());
+    for (std::size_t i = 0; i < std::size(keys); ++i) {
+        const std::string number = std::to_string(i);
+        positional.Add(i == 3 ? "  " : " @" + number + " ");
+        numbered.Add("Title" + number + "= " + (i == 3 ? "" : "@" + number));
+        if (const int line = wanted.IndexOfName(keys[i]); !keys[i].empty() && i != 3)
+            wanted.Put(line, keys[i] + "=@" + number);
+    }
+    TVQueryPanel panel;
+    panel.MergeDFMTitles(positional);
+    EXPECT_EQ(panel.GetTitles().GetText(), wanted.GetText());
+    panel.SetTitles({});
+    panel.LoadOldTitlesFromStrings(numbered);
+    EXPECT_EQ(panel.GetTitles().GetText(), wanted.GetText());
+    // The number of lines counts, not how the last of them is called.
+    panel.SetTitles({});
+    panel.LoadOldTitlesFromStrings(TStringList("Title2=tous\nTitle3=rien\n"));
+    EXPECT_EQ(panel.GetTitle("ttlAll") + panel.GetTitle("ttlAny"), "tousany");
+}
+
+TEST(QueryText, NeedsNoPanel) {
+    TShop shop;
+    TVQuery query;
+    query.SetDbStruct(&shop.Model);
+    query.SetSQLOptions({});
+    ReadSQL(query, TStringList("select customers.company as Firm from customers "
+                               "where customers.since > '2001-03-05' or customers.company in ('a','b')"));
+    const std::string sql = "SELECT customers.company as Firm\nFROM customers\nWHERE\n (\n"
+                            "customers.since >'2001-03-05' OR\ncustomers.company in ('a','b')\n)\n";
+    query.BuildQuery();
+    EXPECT_EQ(query.GetQResult().GetSQL().GetText(), sql);
+    EXPECT_EQ(query.GetRootBracket()->GetLinkType(), fltAny);
+    query.SetQueryName("alone");
+    TStringList text, again;
+    WriteQueryText(query, text);
+    EXPECT_EQ(text[0], "[Main]"); // it knows no titles
+    EXPECT_FALSE(query.GetModified());
+    TVQuery copy(shop.Model);
+    copy.SetSQLOptions({});
+    ReadQueryText(copy, text);
+    EXPECT_EQ(copy.GetQueryName(), "alone");
+    WriteQueryText(copy, again);
+    EXPECT_EQ(again.GetText(), text.GetText());
+    copy.BuildQuery();
+    EXPECT_EQ(copy.GetQResult().GetSQL().GetText(), sql);
+    // The panel reads the same.
+    shop.Panel.LoadFromStrings(text);
+    EXPECT_EQ(shop.SQL(), sql);
 }
 
 TEST(QueryText, FailsWithAnErrorAndAnIdlePanel) {

@@ -75,6 +75,8 @@ TEST_F(ResultFields, MakeUniqueAliases) {
     EXPECT_EQ(shop_.Select("orders.amount", "Total sum")->GetAlias(), "Totalsum");
     EXPECT_EQ(shop_.Select("orders.amount", "1st")->GetAlias(), "st");
     EXPECT_EQ(shop_.Select("orders.amount", "Größe")->GetAlias(), "Gre");
+    EXPECT_EQ(shop_.Select("orders.amount", "_AZ az-[`{@09/:")->GetAlias(), "_AZaz09");
+    Fields().Delete(4);
     for (const char* const alias : {"Name", "Name1", "Name2"})
         EXPECT_EQ(shop_.Select("customers.company", "Name")->GetAlias(), alias);
     Fields().GetRField(4)->SetAlias("NAME"); // its own alias counts too

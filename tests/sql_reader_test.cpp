@@ -130,3 +130,64 @@ TEST_F(StrictSQLReader, ReadsBackWhatTheGeneratorWrites) {
             EXPECT_EQ(Again(sql), sql);
         }
 }
+
+// Names with quotes in them come out quoted and doubled, and are found again.
+TEST_F(StrictSQLReader, ReadsBackQuotedNames) {
+    TDSTable& table = *shop_.Model.GetTable(1);
+    TDSField& amount = *shop_.Field("orders.amount");
+    amount.SetFieldName("in\"ch");
+    amount.SetQuoted(true);
+    shop_.Panel.GetQResult().GetResultFields().Add("@1", {&amount}, "in\"ch")->SetSorting(stAscending);
+    shop_.Select("customers.company")->SetSorting(stDescending);
+    shop_.Panel.ManualAddCond(shop_.Root(), &amount, shop_.Operator("LessThan"), "2.5");
+    const auto comesBack = [&](const std::string& name, bool quoted, const std::string& alias) {
+        table.SetName(name);
+        table.SetQuoted(quoted);
+        table.SetAlias(alias);
+        for (const TSQLSyntax syntax : {ssSQL1, ssSQL2, ssOracle}) {
+            shop_.Panel.SetSQLSyntax(syntax);
+            const std::string sql = shop_.SQL();
+            EXPECT_NE(sql.find("FROM \"Ta\"\"b\""), std::string::npos) << sql;
+            EXPECT_NE(sql.find(alias + ".\"in"), std::string::npos) << sql;
+            EXPECT_EQ(Again(sql), sql);
+        }
+    };
+    comesBack("Ta\"b", true, "T");
+    table.SetAlias("Ta\"b"); // that is no alias
+    EXPECT_NE(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }), "");
+    table.SetAlias("T");
+    EXPECT_EQ(TStringList(Again("select T.\"in\"\"ch\", customers.company from \"Ta\"\"b\" T, customers "
+                                "where customers.custno = T.custno (+) "
+                                "order by T.\"in\"\"ch\" asc, 2 desc"))
+                  .Last(),
+              "ORDER BY 1 ASC, 2 DESC");
+    amount.SetFieldName("inch");
+    shop_.Panel.ManualAddCond(shop_.Root(), &amount, shop_.Operator("LessThan"), "2.5");
+    comesBack("\"Ta\"\"b\"", false, "\"Ta\"\"b\"");
+}
+
+TEST_F(StrictSQLReader, TurnsPredicatesIntoTheirOpposite) {
+    const auto reads = [&](const std::string& where, bool opposite, const std::string& words) {
+        ParseWhere(where);
+        EXPECT_EQ(shop_.Panel.GetQueryText(),
+                  " Choose records where all of the following apply\n" +
+                      (opposite ? "   none of the following apply\n     " + words : "   " + words) + "\n")
+            << where;
+    };
+    reads("orders.amount is null", false, "amount is null");
+    reads("orders.amount is not null", true, "amount is null");
+    reads("not (orders.amount is null)", true, "amount is null");
+    reads("not (orders.amount is not null)", false, "amount is null");
+    EXPECT_NE(Refusal("select orders.amount from orders where orders.amount is unknown"), "");
+    TDSCondition& condition = *shop_.Model.AddCondition(1, "small for @", "");
+    condition.SetSQLExpr("orders.amount * 2 > '@1'");
+    condition.Values.at(0).SetDataType(ftFloat);
+    reads("orders.amount * 2 > 7", false, "small for 7");
+    reads("not (orders.amount * 2 > 7)", true, "small for 7");
+    for (const char* const sql : {"not(orders.amount * 2 > '@1')", "not orders.amount * 2 > '@1'"}) {
+        condition.SetSQLExpr(sql);
+        reads("orders.amount * 2 > 7", true, "small for 7");
+        reads("not (orders.amount * 2 > 7)", false, "small for 7");
+        reads("not orders.amount * 2 > 7", false, "small for 7");
+    }
+}

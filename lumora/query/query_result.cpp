@@ -236,9 +236,8 @@ TSQLParam* TQueryResult::AddParameter(TFilterCond& condition, int valueIndex) {
     param->Name = "Param" + std::to_string(params_.Count() + ParamNumberBase);
     param->Caption = DefaultCaption(*param);
     if (other) {
-        // Two of one condition are told apart; a caption that the host has given stays.
-        if (other->Caption == DefaultCaption(*other))
-            other->Caption += other->GetValueIndex() == 1 ? " 1" : " 2";
+        // Two of one condition are told apart, each under its own value's name.
+        other->Caption = DefaultCaption(*other) + (valueIndex == 1 ? " 2" : " 1");
         param->Caption += valueIndex == 1 ? " 1" : " 2";
     }
     panel_.ParametersListChanged();

@@ -55,14 +55,30 @@ std::vector<std::string> ComparisonsOf(const TDSLink& link, TSQLSyntax syntax) {
     return keys;
 }
 
-// The name as the parser gives it for what the generator writes.
-std::string NameInStatement(const TDSTable& table) {
-    const std::string text = table.GetSQLExpr(nqStrict);
+// A name as the parser gives it: without quotes around it, doubled ones inside as one.
+std::string NameOf(const TToken& token) {
+    const std::string_view name = token.Name();
+    return token.Kind == tkQuotedIdentifier ? ReplaceText(name, "\"\"", "\"") : std::string(name);
+}
+
+// The same of a name with dots, and whatever stands behind it.
+std::string NameIn(const std::string& text) {
     TVScanner scanner(text);
-    std::string name(scanner.Token().Name());
+    std::string name = NameOf(scanner.Token());
     for (scanner.Next(); scanner.Token().IsSymbol('.'); scanner.Next())
-        (name += '.') += scanner.Next().Name();
+        (name += '.') += NameOf(scanner.Next());
     return name;
+}
+
+// The table that is written under this name. In the model an alias may have quotes of its own.
+TDSTable* TableByAlias(const TVCustomDBStructure& model, std::string_view alias) {
+    if (TDSTable* const table = model.TableByName(tnAlias, alias))
+        return table;
+    for (int i = 0; i < model.GetTableCount(); ++i)
+        if (const std::string& own = model.GetTable(i)->GetAlias(); own.find('"') != std::string::npos)
+            if (SameText(NameIn(own), alias))
+                return model.GetTable(i);
+    return nullptr;
 }
 
 TDSTable* PartnerOf(const TDSLink& link, const TDSTable* table) {
@@ -121,8 +137,8 @@ void TSQLJoins::RefuseJoin(const TJoined& joined) const {
 
 void TSQLJoins::FindTables() {
     for (const TSQLTable& parsed : statement_.Tables) {
-        TDSTable* const table = model_.TableByName(tnAlias, parsed.Alias);
-        if (!table || !SameText(NameInStatement(*table), parsed.TableName))
+        TDSTable* const table = TableByAlias(model_, parsed.Alias);
+        if (!table || !SameText(NameIn(table->GetSQLExpr(nqStrict)), parsed.TableName))
             throw EVQueryPanelError(qpeNoTable, {parsed.TableName}, parsed.Line);
         tables_.push_back({table, nullptr, swInner, parsed.Line});
         if (Find(table) != &tables_.back())
