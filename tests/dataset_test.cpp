@@ -231,6 +231,22 @@ TEST(DataSet, ForgetsALookUpDatasetThatGoes) {
     EXPECT_EQ(MessageOf<EDatabaseError>([&] { field.GetAsString(); }), "The dataset is not open");
 }
 
+TEST(DataSet, PassesNoticesOnToWhatItOwnsAsOthersDo) {
+    struct TOwned : TComponent {
+        using TComponent::TComponent;
+        void Notification(TComponent*, TOperation operation) override { Removals += operation == opRemove; }
+        int Removals = 0;
+    };
+    TComponent form;
+    std::vector<TOwned*> owned;
+    for (TComponent* const owner : std::initializer_list<TComponent*>{
+             new TMemoryDataSet(&form), new TVDatasetStructure(&form), new TVQueryPanel(&form)})
+        owned.push_back(new TOwned(owner));
+    delete new TComponent(&form);
+    for (std::size_t i = 0; i < owned.size(); ++i)
+        EXPECT_EQ(owned[i]->Removals, 1) << i;
+}
+
 // --- Filters.
 
 class TRow : public TFilterValueSource {
@@ -299,6 +315,8 @@ TEST(Filter, ComparesByTheColumnsType) {
         {"age like '9007%3'", "t"},
         {"any = 'x' or any > 'x'", "f"},
         {"born = at", "u"},
+        {"born > age", "u"},
+        {"paid < born", "u"},
         {"  ", "t"},
         {"'1' = 1", "t"},
     };
@@ -388,6 +406,13 @@ TEST(Filter, SaysWhatIsWrongAndWhere) {
         EXPECT_EQ(Truth(text), message) << text;
     EXPECT_EQ(MessageOf<EFilterError>([] { TFilterExpression("a = 1").Evaluate(TRow()); }),
               "The filter has not been bound to columns, among them \"a\" at position 1");
+}
+
+TEST(Filter, KnowsWhichNamesNeedNoQuotes) {
+    for (const char* const name : {"a", "_1", "$x", "#2", "\xC3\xA4", "Order9", "android"})
+        EXPECT_TRUE(IsFilterName(name)) << name;
+    for (const char* const name : {"", "1a", "AND", "like", "a b", "a.b", "a-b", "[a]", "a'"})
+        EXPECT_FALSE(IsFilterName(name)) << name;
 }
 
 TEST(Filter, KeepsItsBindingWhenAnotherFails) {
