@@ -175,7 +175,8 @@ TEST(Component, OwnersFreeAndNamesAreUnique) {
                   "A component named child already exists");
         for (const char* const name : {"1a", "a b", "a.b", "\xC3\xA4"})
             EXPECT_THROW(child->SetName(name), EComponentError) << name;
-        child->SetName("child");
+        for (const char* const name : {"_", "a_1", "Z9", "child"})
+            child->SetName(name);
         EXPECT_EQ(child->GetName(), "child");
     }
     EXPECT_EQ(watcher.Peer, nullptr);

@@ -319,6 +319,10 @@ TEST(Filter, ComparesByTheColumnsType) {
         {"paid < born", "u"},
         {"  ", "t"},
         {"'1' = 1", "t"},
+        {"'it''s' > 'it' and 'it''s' < 'it('", "t"},
+        {"age > true and paid = 2 and not name = true", "t"},
+        {"born like '2001-03-05' and seen like '%-05 10:30:00' and at like '10:30%'", "t"},
+        {"paid like 'T%' and [Unit Price] like '2.5' and age like '%93'", "t"},
     };
     for (const auto& [text, truth] : truths)
         EXPECT_EQ(Truth(text), truth) << text;
@@ -369,6 +373,7 @@ TEST(Filter, MatchesWildcardsWhereTheyHaveAMeaning) {
     EXPECT_EQ(Truth("name = 'ÜBER*MU*'", options), "t");
     EXPECT_EQ(Truth("name > 'ÜBER*MUS'", options), "t");
     EXPECT_EQ(Truth("name in ('ÜBER*MUT')", options), "t");
+    EXPECT_EQ(Truth("name > 'ÜBER*MU' and name < 'ÜBER*MUT!'", options), "t");
     options.NoPartialCompare = true;
     EXPECT_EQ(Truth("name = 'ÜBER*MU*'", options), "f");
     EXPECT_EQ(Truth("name = 'ÜBER*MUT'", options), "t");
@@ -380,6 +385,17 @@ TEST(Filter, ReadsDatesByItsMasks) {
     EXPECT_EQ(Truth("born = '05.03.2001'", options), "t");
     EXPECT_EQ(Truth("born = '10:30'", options),
               "\"10:30\" is not a date, as the column \"born\" has it, at position 8");
+}
+
+TEST(Filter, KnowsTimesBeforeTheFirstDay) {
+    TFilterExpression filter(
+        "seen = '1899-12-29 06:00' and seen like '1899-12-29 06:00%' and at = '06:00' and "
+        "born < '1899-12-30' and born > '1899-12-28'");
+    filter.Bind(TRow::Columns());
+    TRow row;
+    row.Values[4] = row.Values[5] = TFilterValue::OfDateTime(-1, 21600000);
+    row.Values[3] = TFilterValue::OfDate(-1);
+    EXPECT_TRUE(filter.Accepts(row));
 }
 
 TEST(Filter, SaysWhatIsWrongAndWhere) {
@@ -401,6 +417,14 @@ TEST(Filter, SaysWhatIsWrongAndWhere) {
         {"age = ; 1", "\";\" does not belong into a filter, at position 7"},
         {"name like age", "A pattern in quotes is expected, not age, at position 11"},
         {"and", "A condition is expected, not and, at position 1"},
+        {"name is 5", "\"null\" is expected, not 5, at position 9"},
+        {"age between 1 or 2", "\"and\" is expected, not or, at position 15"},
+        {"age in 1", "\"(\" is expected, not 1, at position 8"},
+        {"age in (1 2)", "\",\" or \")\" is expected, not 2, at position 11"},
+        {"age = -x", "A number is expected, not x, at position 8"},
+        {"name like 'a' escape 'bb'", "One character in quotes is expected, not 'bb', at position 22"},
+        {"age " + std::string(41, 'x'),
+         "A comparison is expected, not " + std::string(40, 'x') + "..., at position 5"},
     };
     for (const auto& [text, message] : errors)
         EXPECT_EQ(Truth(text), message) << text;

@@ -69,8 +69,15 @@ TEST(DropDown, TakesATypedTextInAnOpenListOnly) {
     content.IsOpenList = true;
     TDropDownEditor open(content);
     EXPECT_FALSE(open.IsChanged());
+    open.SetCurrentItem(1);
+    EXPECT_TRUE(open.IsChanged());
+    open.SetCurrentItem(2); // there is none
+    EXPECT_FALSE(open.IsChanged());
     EXPECT_EQ(open.Accept()->Text, "Bodo"); // as it was
+    open.SetSearch("Bodo");
+    EXPECT_FALSE(open.IsChanged());
     open.SetSearch("os");
+    EXPECT_TRUE(open.IsChanged());
     EXPECT_EQ(open.Accept()->Text, "os");
     open.SetSearch("oslo");
     EXPECT_EQ(open.Accept()->Answer, daItem);
@@ -197,6 +204,10 @@ TEST(DropDown, LabelShowsWhatWasAcceptedAndKeepsWhatWasNot) {
     EXPECT_EQ(label.GetCaption(), "new");
     EXPECT_EQ(told, "cancelled.new.");
     EXPECT_EQ(label.Open()->GetText(), "new");
+    label.Cancel();
+    label.Cancel(); // nothing is open
+    EXPECT_EQ(told, "cancelled.new.cancelled.");
+    label.Open();
     label.SetEnabled(false);
     EXPECT_FALSE(label.IsOpen());
     EXPECT_EQ(label.Open(), nullptr);

@@ -102,6 +102,18 @@ TEST(QueryBase, LinksMayGoInANotice) {
     EXPECT_EQ(lastNotes, "changed0 ");
 }
 
+TEST(QueryBase, LeavesItsLinksWhenItGoes) {
+    std::string notes;
+    TNotingLink first(notes), second(notes);
+    {
+        TThreeQueries base;
+        first.SetQueryBase(&base);
+        second.SetQueryBase(&base);
+    }
+    EXPECT_EQ(first.GetQueryBase(), nullptr);
+    EXPECT_EQ(second.GetQueryBase(), nullptr);
+}
+
 TEST(QueryBase, KeepsACurrentQueryWhenOneGoes) {
     std::string notes;
     TThreeQueries base;

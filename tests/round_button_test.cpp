@@ -137,6 +137,8 @@ TEST_F(RoundButton, CentresACaptionThatIsTooWide) {
     EXPECT_NE(Painted().find("text -2 2 -1 wider"), std::string::npos);
     button.SetCaption("R&&D");
     EXPECT_NE(Painted().find("text 3 2 -1 R&D"), std::string::npos);
+    button.SetCaption("a&b&c&"); // the first one counts
+    EXPECT_NE(Painted().find("text 3 2 1 abc "), std::string::npos);
 }
 
 TEST_F(RoundButton, ClicksInsideWithTheRowBelowItsBottom) {
@@ -149,6 +151,7 @@ TEST_F(RoundButton, ClicksInsideWithTheRowBelowItsBottom) {
     EXPECT_EQ(clicks, 2);
     button.MouseDown(mbRight, 1, 1);
     button.MouseUp(mbRight, 1, 1);
+    button.MouseUp(mbLeft, 1, 1); // pressed elsewhere
     EXPECT_EQ(clicks, 2);
     EXPECT_EQ(button.GetState(), rbsUp);
 }
@@ -207,6 +210,10 @@ TEST_F(RoundButton, FitsItsCaption) {
     EXPECT_FALSE(button.GetParentFont());
     button.SetParentFont(true);
     EXPECT_EQ(button.GetWidth(), 2 * 9 + 10);
+    button.SetHost(nullptr); // nobody measures
+    EXPECT_EQ(button.GetWidth(), 10);
+    button.SetHost(&surface);
+    EXPECT_EQ(button.GetWidth(), 2 * 9 + 10);
 }
 
 TEST_F(RoundButton, RepaintsForAChangeOnly) {
@@ -216,6 +223,13 @@ TEST_F(RoundButton, RepaintsForAChangeOnly) {
     button.SetMargin(7);
     button.SetOverColor(clSilver);
     EXPECT_EQ(surface.Repaints, 1);
+    button.MouseEnter();
+    button.MouseEnter();
+    EXPECT_EQ(surface.Repaints, 2);
+    button.MouseDown(mbLeft, 1, 1);
+    EXPECT_EQ(surface.Repaints, 3);
+    button.SetMargin(-1); // centred again
+    EXPECT_EQ(button.GetMargin(), -1);
 }
 
 TEST_F(RoundButton, IsKeptInAForm) {
