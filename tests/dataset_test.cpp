@@ -319,6 +319,8 @@ TEST(Filter, ComparesByTheColumnsType) {
         {"paid < born", "u"},
         {"  ", "t"},
         {"'1' = 1", "t"},
+        {"age <= 9007199254740993 and age >= 9007199254740993 and 3 < age and 3 <= age and 3 != age", "t"},
+        {"age < 9007199254740993 or age > 9007199254740993 or 3 > age or 3 >= age or 3 = age", "f"},
         {"'it''s' > 'it' and 'it''s' < 'it('", "t"},
         {"age > true and paid = 2 and not name = true", "t"},
         {"born like '2001-03-05' and seen like '%-05 10:30:00' and at like '10:30%'", "t"},

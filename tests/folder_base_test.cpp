@@ -162,6 +162,7 @@ TEST_F(FolderBase, SavesRenamesAndErases) {
     Ann.EraseQuery(0); // was never saved
     EXPECT_EQ(Files(), "");
     EXPECT_EQ(Ann.GetCount(), 0);
+    EXPECT_EQ(Ann.GetItemIndex(), 0) << "as it was";
     EXPECT_EQ(Ann.AddQuery("later", content), 0);
     EXPECT_EQ(Files(), "later.qry|");
 }

@@ -340,6 +340,8 @@ TEST(Formats, ReadsDatesAndTimesAsAPersonWritesThem) {
         {"5 march 2001", day},
         {"Mar 5, 2001", day},
         {"2001 Mar 5", day},
+        {"987 Mar 5", Moment(987, 3, 5)},
+        {"Mar 5, 987", Moment(987, 3, 5)},
         {"Monday, 5 March 2001", day},
         {"2001-03-05 14:30:05", seconds},
         {"2001-03-05T14:30:05", seconds},

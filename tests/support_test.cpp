@@ -65,6 +65,10 @@ TEST(Scanner, SplitsSQLIntoTokens) {
         tokens.append(scanner.Token().Text).append("|");
     EXPECT_EQ(tokens, "Select|a|.|\"b \"\"c\"|,|'it''s'||||1.5e-3|<>|@p|");
     EXPECT_EQ(scanner.Token().Line, 3);
+    tokens.clear();
+    for (TVScanner pairs("a=|b>|<=>=!=!<|||-/*"); !pairs.AtEnd(); pairs.Next())
+        tokens.append(pairs.Token().Text).append(" ");
+    EXPECT_EQ(tokens, "a = | b > | <= >= != ! < || | - /* ");
     EXPECT_EQ(TVScanner("'open").Token().Kind, tkUnclosed);
     EXPECT_EQ(TVScanner("/* open").Token().Kind, tkUnclosed);
     EXPECT_EQ(TVScanner("").Token().Kind, tkEnd);
