@@ -229,6 +229,9 @@ TEST(DataSet, ForgetsALookUpDatasetThatGoes) {
     EXPECT_EQ(MessageOf<EListError>([&] { dataSet.GetField(1); }), "Field index out of bounds (1)");
     dataSet.Open = false;
     EXPECT_EQ(MessageOf<EDatabaseError>([&] { field.GetAsString(); }), "The dataset is not open");
+    dataSet.SetName("Rows");
+    EXPECT_EQ(MessageOf<EDatabaseError>([&] { field.GetAsString(); }), "The dataset Rows is not open");
+    EXPECT_EQ(dataSet.FindField("b"), nullptr);
 }
 
 TEST(DataSet, PassesNoticesOnToWhatItOwnsAsOthersDo) {
