@@ -55,6 +55,21 @@ TEST(DatasetModel, HasTheVisibleDataAndLookUpFields) {
     EXPECT_EQ(model.GetRootGroup().Fields.size(), 5u);
 }
 
+TEST(DatasetModel, LeavesBinaryColumnsToNobody) {
+    TMemoryDataSet rows;
+    std::string binary;
+    for (int type = 0; type < EnumCount<TFieldType>; ++type)
+        rows.AddField(std::string(EnumName(static_cast<TFieldType>(type))), static_cast<TFieldType>(type));
+    TVDatasetStructure model;
+    model.SetDataSet(&rows);
+    model.SetActive(true);
+    ASSERT_EQ(model.GetFieldCount(), EnumCount<TFieldType>);
+    for (int i = 0; i < model.GetFieldCount(); ++i)
+        if (!model.GetField(i)->UIR)
+            binary += model.GetField(i)->GetFieldText() + " ";
+    EXPECT_EQ(binary, "ftVarBytes ftBlob ftTypedBinary ");
+}
+
 TEST(DatasetModel, ChangesFiveTemplatesWithTheSyntax) {
     TOrders orders;
     TVDatasetStructure model;
@@ -237,8 +252,10 @@ TEST(DataSet, ForgetsALookUpDatasetThatGoes) {
 TEST(DataSet, PassesNoticesOnToWhatItOwnsAsOthersDo) {
     struct TOwned : TComponent {
         using TComponent::TComponent;
-        void Notification(TComponent*, TOperation operation) override { Removals += operation == opRemove; }
-        int Removals = 0;
+        void Notification(TComponent*, TOperation operation) override {
+            Notices += operation == opRemove ? '-' : '+';
+        }
+        std::string Notices;
     };
     TComponent form;
     std::vector<TOwned*> owned;
@@ -247,7 +264,7 @@ TEST(DataSet, PassesNoticesOnToWhatItOwnsAsOthersDo) {
         owned.push_back(new TOwned(owner));
     delete new TComponent(&form);
     for (std::size_t i = 0; i < owned.size(); ++i)
-        EXPECT_EQ(owned[i]->Removals, 1) << i;
+        EXPECT_EQ(owned[i]->Notices, "-") << i;
 }
 
 // --- Filters.

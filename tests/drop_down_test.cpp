@@ -59,8 +59,12 @@ TEST(DropDown, HasASearchBoxFromTenItemsOn) {
     content.IsOpenList = false;
     content.Items.push_back({"10", "", "", -1, false});
     EXPECT_TRUE(TDropDownEditor(content).ShowsSearchBox());
-    content.Kind = ddMenu;
-    EXPECT_FALSE(TDropDownEditor(content).ShowsSearchBox());
+    for (const TDropDownKind kind : {ddList, ddTree, ddCheckList, ddMenu, ddText, ddNumber, ddDate}) {
+        content.Kind = kind;
+        EXPECT_EQ(TDropDownEditor(content).ShowsSearchBox(),
+                  kind == ddList || kind == ddTree || kind == ddCheckList)
+            << kind;
+    }
 }
 
 TEST(DropDown, TakesATypedTextInAnOpenListOnly) {
@@ -111,7 +115,7 @@ TEST(DropDown, KeepsGroupsTogether) {
     EXPECT_EQ(rows, "Orders2 Dates1 Free0 ");
     editor.SetSearch("t"); // in order, although the last begins with it
     EXPECT_EQ(editor.GetShown(), (std::vector<int>{1, 2}));
-    EXPECT_EQ(editor.GetCurrentItem(), 2);
+    EXPECT_EQ(editor.Accept()->Item, 2);
 }
 
 TEST(DropDown, GivesTheCheckedItems) {
@@ -127,6 +131,8 @@ TEST(DropDown, GivesTheCheckedItems) {
     const auto result = editor.Accept();
     EXPECT_EQ(result->Checks, (std::vector<int>{0, 2}));
     EXPECT_EQ(result->Text, "a, ab");
+    EXPECT_TRUE(editor.IsChecked(0));
+    EXPECT_FALSE(editor.IsChecked(-1) || editor.IsChecked(1) || editor.IsChecked(3));
 }
 
 TEST(DropDown, SplitsMenusIntoColumns) {
@@ -144,7 +150,11 @@ TEST(DropDown, RefusesWhatWillNotDo) {
     EXPECT_EQ(Typed(ddNumber, "1x"), "!\"1x\" is not a number");
     EXPECT_EQ(Typed(ddNumber, ""), "");
     EXPECT_EQ(Typed(ddDate, "2023-02-29"), "!\"2023-02-29\" is not a date");
+    EXPECT_EQ(Typed(ddDate, "2024-02-29"), "2024-02-29");
     EXPECT_EQ(Typed(ddTime, "12:30"), "12:30");
+    EXPECT_EQ(Typed(ddTime, "2024-02-29"), "!\"2024-02-29\" is not a time");
+    EXPECT_EQ(Typed(ddDateTime, "2024-02-29 12:30"), "2024-02-29 12:30");
+    EXPECT_EQ(Typed(ddText, "soon"), "soon");
     EXPECT_EQ(Typed(ddDateTime, "soon"), "!\"soon\" is not a date and time");
     const std::string message = Typed(ddNumber, std::string(59, 'x').append(1000, '\xC3').c_str());
     EXPECT_LT(message.size(), 100U);
@@ -224,7 +234,9 @@ TEST(DropDown, LabelStandsOutWhenItIsUsed) {
     label.SetHovered(false);
     EXPECT_FALSE(label.IsHot());
     EXPECT_FALSE(label.CanOpen()); // nothing to open
+    repaints = 0;
     label.SetContent(TextOf(ddDialog, ""));
+    EXPECT_EQ(repaints, 1);
     EXPECT_TRUE(label.CanOpen());
     EXPECT_EQ(label.Open(), nullptr); // the host's affair
     label.SetContent(ListOf({"a"}, ddCheckList));
