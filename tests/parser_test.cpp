@@ -207,6 +207,7 @@ TEST(Parser, NamesTheLineOfAnError) {
     EXPECT_EQ(Error("select a\n\n"), wrong + "1"); // the last token's line
     EXPECT_EQ(Error("select a,\n from t"), wrong + "2");
     EXPECT_EQ(Error("select * from t\nwhere a"), wrong + "2");
+    EXPECT_EQ(Error("select * from t\nwhere a order by a"), wrong + "2");
     EXPECT_EQ(Error("select * from t\nwhere a =\n"), wrong + "2");
     EXPECT_EQ(Error("select * from t where a between 1 or 2"), wrong + "1");
     EXPECT_EQ(Error("select a from t order by 2"), wrong + "1");
