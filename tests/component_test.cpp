@@ -176,7 +176,8 @@ TEST(Component, OwnersFreeAndNamesAreUnique) {
                   "A component named child already exists");
         for (const char* const name : {"1a", "a b", "a.b", "\xC3\xA4"})
             EXPECT_THROW(child->SetName(name), EComponentError) << name;
-        child->SetName("child");
+        for (const char* const name : {"_", "a_1", "Z9", "child"})
+            child->SetName(name);
         EXPECT_EQ(child->GetName(), "child");
     }
     EXPECT_EQ(watcher.Peer, nullptr);
@@ -405,6 +406,7 @@ TEST_F(FormText, ErrorsNameTheLineAndTheFault) {
         {"\nobject X: TNone end end", "Line 3: Class TNone is not known"},
         {"Level = 'x' end", "Line 2: Property Level takes an integer"},
         {"Level = 40000 end", "Line 2: The number 40000 is out of range"},
+        {"Level = 5x end", "Line 2: This is not a number, or too large a one"},
         {"Level = 99999999999999999999 end", "Line 2: This is not a number, or too large a one"},
         {"Active = 1 end", "Line 2: Property Active takes True or False"},
         {"Mark = 'xy' end", "Line 2: Property Mark takes a character"},
@@ -436,6 +438,8 @@ TEST_F(FormText, ErrorsNameTheLineAndTheFault) {
     TComponent other;
     EXPECT_EQ(MessageOf<EReadError>([&] { ReadFormText("object A: TGadget end", other); }),
               "Line 1: The text is of a TGadget, not of a TComponent");
+    EXPECT_EQ(MessageOf<EReadError>([&] { ReadFormText("item A: TComponent end", other); }),
+              "Line 1: Expected \"object\", but \"item\" stands here");
     EXPECT_THROW(ReadFormText("", other), EReadError);
 }
 
@@ -445,6 +449,8 @@ TEST_F(FormText, NestingAndNumbersAreBounded) {
         deep += "object TGadget ";
     EXPECT_EQ(ErrorOf(deep), "Line 2: The components are nested too deeply");
     EXPECT_EQ(ErrorOf("Struct = " + std::string(1000000, '(')), "Line 2: The lists are nested too deeply");
+    EXPECT_EQ(ErrorOf("Struct = " + std::string(MaxFormNesting, '(') + std::string(MaxFormNesting, ')')),
+              "Line 2: A list of strings holds something that is no string");
     std::string wide;
     for (int i = 0; i < MaxFormComponents; ++i)
         wide += "object TPlain end ";

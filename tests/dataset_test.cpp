@@ -55,6 +55,21 @@ TEST(DatasetModel, HasTheVisibleDataAndLookUpFields) {
     EXPECT_EQ(model.GetRootGroup().Fields.size(), 5u);
 }
 
+TEST(DatasetModel, LeavesBinaryColumnsToNobody) {
+    TMemoryDataSet rows;
+    std::string binary;
+    for (int type = 0; type < EnumCount<TFieldType>; ++type)
+        rows.AddField(std::string(EnumName(static_cast<TFieldType>(type))), static_cast<TFieldType>(type));
+    TVDatasetStructure model;
+    model.SetDataSet(&rows);
+    model.SetActive(true);
+    ASSERT_EQ(model.GetFieldCount(), EnumCount<TFieldType>);
+    for (int i = 0; i < model.GetFieldCount(); ++i)
+        if (!model.GetField(i)->UIR)
+            binary += model.GetField(i)->GetFieldText() + " ";
+    EXPECT_EQ(binary, "ftVarBytes ftBlob ftTypedBinary ");
+}
+
 TEST(DatasetModel, ChangesFiveTemplatesWithTheSyntax) {
     TOrders orders;
     TVDatasetStructure model;
@@ -229,6 +244,27 @@ TEST(DataSet, ForgetsALookUpDatasetThatGoes) {
     EXPECT_EQ(MessageOf<EListError>([&] { dataSet.GetField(1); }), "Field index out of bounds (1)");
     dataSet.Open = false;
     EXPECT_EQ(MessageOf<EDatabaseError>([&] { field.GetAsString(); }), "The dataset is not open");
+    dataSet.SetName("Rows");
+    EXPECT_EQ(MessageOf<EDatabaseError>([&] { field.GetAsString(); }), "The dataset Rows is not open");
+    EXPECT_EQ(dataSet.FindField("b"), nullptr);
+}
+
+TEST(DataSet, PassesNoticesOnToWhatItOwnsAsOthersDo) {
+    struct TOwned : TComponent {
+        using TComponent::TComponent;
+        void Notification(TComponent*, TOperation operation) override {
+            Notices += operation == opRemove ? '-' : '+';
+        }
+        std::string Notices;
+    };
+    TComponent form;
+    std::vector<TOwned*> owned;
+    for (TComponent* const owner : std::initializer_list<TComponent*>{
+             new TMemoryDataSet(&form), new TVDatasetStructure(&form), new TVQueryPanel(&form)})
+        owned.push_back(new TOwned(owner));
+    delete new TComponent(&form);
+    for (std::size_t i = 0; i < owned.size(); ++i)
+        EXPECT_EQ(owned[i]->Notices, "-") << i;
 }
 
 // --- Filters.
@@ -280,6 +316,7 @@ TEST(Filter, ComparesByTheColumnsType) {
         {"paid = 'True'", "t"},
         {"paid <> 1", "f"},
         {"paid = false", "f"},
+        {"paid = 'FALSE' or paid = '0' or paid <> ' 1 '", "f"},
         {"born = '2001-03-05'", "t"},
         {"born = '2001-03-05 01:00'", "f"},
         {"seen > '2001-03-05'", "t"},
@@ -299,8 +336,16 @@ TEST(Filter, ComparesByTheColumnsType) {
         {"age like '9007%3'", "t"},
         {"any = 'x' or any > 'x'", "f"},
         {"born = at", "u"},
+        {"born > age", "u"},
+        {"paid < born", "u"},
         {"  ", "t"},
         {"'1' = 1", "t"},
+        {"age <= 9007199254740993 and age >= 9007199254740993 and 3 < age and 3 <= age and 3 != age", "t"},
+        {"age < 9007199254740993 or age > 9007199254740993 or 3 > age or 3 >= age or 3 = age", "f"},
+        {"'it''s' > 'it' and 'it''s' < 'it('", "t"},
+        {"age > true and paid = 2 and not name = true", "t"},
+        {"born like '2001-03-05' and seen like '%-05 10:30:00' and at like '10:30%'", "t"},
+        {"paid like 'T%' and [Unit Price] like '2.5' and age like '%93'", "t"},
     };
     for (const auto& [text, truth] : truths)
         EXPECT_EQ(Truth(text), truth) << text;
@@ -351,6 +396,7 @@ TEST(Filter, MatchesWildcardsWhereTheyHaveAMeaning) {
     EXPECT_EQ(Truth("name = 'ÜBER*MU*'", options), "t");
     EXPECT_EQ(Truth("name > 'ÜBER*MUS'", options), "t");
     EXPECT_EQ(Truth("name in ('ÜBER*MUT')", options), "t");
+    EXPECT_EQ(Truth("name > 'ÜBER*MU' and name < 'ÜBER*MUT!'", options), "t");
     options.NoPartialCompare = true;
     EXPECT_EQ(Truth("name = 'ÜBER*MU*'", options), "f");
     EXPECT_EQ(Truth("name = 'ÜBER*MUT'", options), "t");
@@ -364,6 +410,17 @@ TEST(Filter, ReadsDatesByItsMasks) {
               "\"10:30\" is not a date, as the column \"born\" has it, at position 8");
 }
 
+TEST(Filter, KnowsTimesBeforeTheFirstDay) {
+    TFilterExpression filter(
+        "seen = '1899-12-29 06:00' and seen like '1899-12-29 06:00%' and at = '06:00' and "
+        "born < '1899-12-30' and born > '1899-12-28'");
+    filter.Bind(TRow::Columns());
+    TRow row;
+    row.Values[4] = row.Values[5] = TFilterValue::OfDateTime(-1, 21600000);
+    row.Values[3] = TFilterValue::OfDate(-1);
+    EXPECT_TRUE(filter.Accepts(row));
+}
+
 TEST(Filter, SaysWhatIsWrongAndWhere) {
     const std::map<std::string, std::string> errors = {
         {"", "t"},
@@ -371,6 +428,7 @@ TEST(Filter, SaysWhatIsWrongAndWhere) {
         {"näme = 'a'", "Unknown column \"näme\" at position 1"},
         {"name = 'ä' and age = 'x1'", "\"x1\" is not a number, as the column \"age\" has it, at position 22"},
         {"age = '1*'", "\"1*\" is not a number, as the column \"age\" has it, at position 7"},
+        {"paid = 'maybe'", "\"maybe\" is not a boolean, as the column \"paid\" has it, at position 8"},
         {"age = 1 age = 2", "\"and\" or \"or\" is expected, not age, at position 9"},
         {"(age = 1", "( is not closed, at position 1"},
         {"age = 1)", ") has no (, at position 8"},
@@ -383,11 +441,26 @@ TEST(Filter, SaysWhatIsWrongAndWhere) {
         {"age = ; 1", "\";\" does not belong into a filter, at position 7"},
         {"name like age", "A pattern in quotes is expected, not age, at position 11"},
         {"and", "A condition is expected, not and, at position 1"},
+        {"name is 5", "\"null\" is expected, not 5, at position 9"},
+        {"age between 1 or 2", "\"and\" is expected, not or, at position 15"},
+        {"age in 1", "\"(\" is expected, not 1, at position 8"},
+        {"age in (1 2)", "\",\" or \")\" is expected, not 2, at position 11"},
+        {"age = -x", "A number is expected, not x, at position 8"},
+        {"name like 'a' escape 'bb'", "One character in quotes is expected, not 'bb', at position 22"},
+        {"age " + std::string(41, 'x'),
+         "A comparison is expected, not " + std::string(40, 'x') + "..., at position 5"},
     };
     for (const auto& [text, message] : errors)
         EXPECT_EQ(Truth(text), message) << text;
     EXPECT_EQ(MessageOf<EFilterError>([] { TFilterExpression("a = 1").Evaluate(TRow()); }),
               "The filter has not been bound to columns, among them \"a\" at position 1");
+}
+
+TEST(Filter, KnowsWhichNamesNeedNoQuotes) {
+    for (const char* const name : {"a", "_1", "$x", "#2", "\xC3\xA4", "Order9", "android"})
+        EXPECT_TRUE(IsFilterName(name)) << name;
+    for (const char* const name : {"", "1a", "AND", "like", "a b", "a.b", "a-b", "[a]", "a'"})
+        EXPECT_FALSE(IsFilterName(name)) << name;
 }
 
 TEST(Filter, KeepsItsBindingWhenAnotherFails) {

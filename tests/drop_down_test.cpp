@@ -59,8 +59,12 @@ TEST(DropDown, HasASearchBoxFromTenItemsOn) {
     content.IsOpenList = false;
     content.Items.push_back({"10", "", "", -1, false});
     EXPECT_TRUE(TDropDownEditor(content).ShowsSearchBox());
-    content.Kind = ddMenu;
-    EXPECT_FALSE(TDropDownEditor(content).ShowsSearchBox());
+    for (const TDropDownKind kind : {ddList, ddTree, ddCheckList, ddMenu, ddText, ddNumber, ddDate}) {
+        content.Kind = kind;
+        EXPECT_EQ(TDropDownEditor(content).ShowsSearchBox(),
+                  kind == ddList || kind == ddTree || kind == ddCheckList)
+            << kind;
+    }
 }
 
 TEST(DropDown, TakesATypedTextInAnOpenListOnly) {
@@ -69,8 +73,15 @@ TEST(DropDown, TakesATypedTextInAnOpenListOnly) {
     content.IsOpenList = true;
     TDropDownEditor open(content);
     EXPECT_FALSE(open.IsChanged());
+    open.SetCurrentItem(1);
+    EXPECT_TRUE(open.IsChanged());
+    open.SetCurrentItem(2); // there is none
+    EXPECT_FALSE(open.IsChanged());
     EXPECT_EQ(open.Accept()->Text, "Bodo"); // as it was
+    open.SetSearch("Bodo");
+    EXPECT_FALSE(open.IsChanged());
     open.SetSearch("os");
+    EXPECT_TRUE(open.IsChanged());
     EXPECT_EQ(open.Accept()->Text, "os");
     open.SetSearch("oslo");
     EXPECT_EQ(open.Accept()->Answer, daItem);
@@ -104,7 +115,7 @@ TEST(DropDown, KeepsGroupsTogether) {
     EXPECT_EQ(rows, "Orders2 Dates1 Free0 ");
     editor.SetSearch("t"); // in order, although the last begins with it
     EXPECT_EQ(editor.GetShown(), (std::vector<int>{1, 2}));
-    EXPECT_EQ(editor.GetCurrentItem(), 2);
+    EXPECT_EQ(editor.Accept()->Item, 2);
 }
 
 TEST(DropDown, GivesTheCheckedItems) {
@@ -120,6 +131,8 @@ TEST(DropDown, GivesTheCheckedItems) {
     const auto result = editor.Accept();
     EXPECT_EQ(result->Checks, (std::vector<int>{0, 2}));
     EXPECT_EQ(result->Text, "a, ab");
+    EXPECT_TRUE(editor.IsChecked(0));
+    EXPECT_FALSE(editor.IsChecked(-1) || editor.IsChecked(1) || editor.IsChecked(3));
 }
 
 TEST(DropDown, SplitsMenusIntoColumns) {
@@ -137,7 +150,11 @@ TEST(DropDown, RefusesWhatWillNotDo) {
     EXPECT_EQ(Typed(ddNumber, "1x"), "!\"1x\" is not a number");
     EXPECT_EQ(Typed(ddNumber, ""), "");
     EXPECT_EQ(Typed(ddDate, "2023-02-29"), "!\"2023-02-29\" is not a date");
+    EXPECT_EQ(Typed(ddDate, "2024-02-29"), "2024-02-29");
     EXPECT_EQ(Typed(ddTime, "12:30"), "12:30");
+    EXPECT_EQ(Typed(ddTime, "2024-02-29"), "!\"2024-02-29\" is not a time");
+    EXPECT_EQ(Typed(ddDateTime, "2024-02-29 12:30"), "2024-02-29 12:30");
+    EXPECT_EQ(Typed(ddText, "soon"), "soon");
     EXPECT_EQ(Typed(ddDateTime, "soon"), "!\"soon\" is not a date and time");
     const std::string message = Typed(ddNumber, std::string(59, 'x').append(1000, '\xC3').c_str());
     EXPECT_LT(message.size(), 100U);
@@ -197,6 +214,10 @@ TEST(DropDown, LabelShowsWhatWasAcceptedAndKeepsWhatWasNot) {
     EXPECT_EQ(label.GetCaption(), "new");
     EXPECT_EQ(told, "cancelled.new.");
     EXPECT_EQ(label.Open()->GetText(), "new");
+    label.Cancel();
+    label.Cancel(); // nothing is open
+    EXPECT_EQ(told, "cancelled.new.cancelled.");
+    label.Open();
     label.SetEnabled(false);
     EXPECT_FALSE(label.IsOpen());
     EXPECT_EQ(label.Open(), nullptr);
@@ -213,7 +234,9 @@ TEST(DropDown, LabelStandsOutWhenItIsUsed) {
     label.SetHovered(false);
     EXPECT_FALSE(label.IsHot());
     EXPECT_FALSE(label.CanOpen()); // nothing to open
+    repaints = 0;
     label.SetContent(TextOf(ddDialog, ""));
+    EXPECT_EQ(repaints, 1);
     EXPECT_TRUE(label.CanOpen());
     EXPECT_EQ(label.Open(), nullptr); // the host's affair
     label.SetContent(ListOf({"a"}, ddCheckList));

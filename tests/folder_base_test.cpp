@@ -90,7 +90,7 @@ TEST(QueryFileName, AnyNameSurvives) {
         {"CON", "%43ON.qry"},
         {"com1.old", "%63om1.old.qry"},
         {"LPT³", "%4CPT³.qry"},
-        {"console", "console.qry"},
+        {"nul .x", "%6Eul .x.qry"},
         {"cut \xE4\xBE", "cut %E4%BE.qry"},
         {"\xC0\xAF\xED\xA0\x80", "%C0%AF%ED%A0%80.qry"},
         {std::string("\0", 1), "%00.qry"},
@@ -99,6 +99,12 @@ TEST(QueryFileName, AnyNameSurvives) {
         EXPECT_EQ(QueryFileName(name), file);
         EXPECT_EQ(QueryNameOf(file), name);
     }
+    for (const char* const device :
+         {"prn", "aux", "nul", "conin$", "conout$", "com0", "com1", "com2", "com3", "com4", "com5", "com6",
+          "com7", "com8", "com9", "com¹", "com²", "com³", "lpt1"})
+        EXPECT_EQ(QueryFileName(device)[0], '%') << device;
+    for (const char* const name : {"console", "com", "lpt10", "com1x", "null"})
+        EXPECT_EQ(QueryFileName(name), std::string(name) + ".qry");
     const std::string odd = bytes.substr(0, 60);
     EXPECT_EQ(QueryNameOf(QueryFileName(odd)), odd);
     EXPECT_EQ(QueryNameOf(QueryFileName(bytes.substr(90))), bytes.substr(90));
@@ -156,6 +162,7 @@ TEST_F(FolderBase, SavesRenamesAndErases) {
     Ann.EraseQuery(0); // was never saved
     EXPECT_EQ(Files(), "");
     EXPECT_EQ(Ann.GetCount(), 0);
+    EXPECT_EQ(Ann.GetItemIndex(), 0) << "as it was";
     EXPECT_EQ(Ann.AddQuery("later", content), 0);
     EXPECT_EQ(Files(), "later.qry|");
 }

@@ -191,6 +191,9 @@ TEST(DatabaseProvider, ItsSettingsTravelWithTheModel) {
     copy.LoadFromStrings(text);
     copy.SetDatabaseInfo(&other);
     EXPECT_EQ(other.GetDatabaseName(), "shop");
+    other.SetDatabaseName("elsewhere");
+    copy.SetDatabaseInfo(&other); // it is this one already, so what it was told since stays
+    EXPECT_EQ(other.GetDatabaseName(), "elsewhere");
 }
 
 TEST(DatabaseProvider, GivesAModelItsTablesThenLinksThenFields) {

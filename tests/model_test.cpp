@@ -168,6 +168,7 @@ TEST(Operators, FollowTheirGroups) {
     EXPECT_EQ(SaveAppliedTypes({ftInteger, ftString}), "ftString,ftInteger,");
     EXPECT_EQ(ReadAppliedTypes("ftString,ftInteger,"), (TAppliedTypes{ftInteger, ftString}));
     EXPECT_EQ(ReadAppliedTypes("1,3,40,99,", 1.9), (TAppliedTypes{ftInteger, ftString}));
+    EXPECT_EQ(SaveAppliedTypes(ReadAppliedTypes("1,36,39,", 1.9)), "ftString,") << "these have no names";
 }
 
 TEST(Operators, OfGroupsThatAreOffGoByHalves) {

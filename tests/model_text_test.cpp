@@ -58,6 +58,17 @@ TEST(ModelText, ReadsBackByteForByte) {
     TDSField& since = *shop.Field("customers.since");
     since.SetEditType(etSQL);
     dynamic_cast<TDSSQLEditor&>(*since.GetValueEditor()).SQL.SetText("select a\n\n  from b\n\n");
+    TDSField& amount = *shop.Field("orders.amount");
+    amount.SetEditType(etEdit);
+    auto& edit = dynamic_cast<TDSTextEditor&>(*amount.GetValueEditor());
+    edit.DefValue = "7";
+    edit.EditKind = tekMask;
+    edit.EditMask = "0.00";
+    edit.FmtVal = true;
+    edit.SetOptions(12);
+    shop.Field("orders.placed")->SetEditType(etCustom);
+    dynamic_cast<TDSCustomEditor&>(*shop.Field("orders.placed")->GetValueEditor())
+        .CustomData.SetText("a,b\nc\n");
     shop.Model.GetFieldGroups().AddGroup("G", &since);
     TDSCondition* const condition = shop.Model.AddCondition(3, "Between @ and @", "orders.amount > '@1'");
     condition->Values[1].SetDataType(ftFloat);
@@ -65,6 +76,9 @@ TEST(ModelText, ReadsBackByteForByte) {
     shop.Info.Settings.SetText("DatabaseName=x\n[odd\n");
     const std::string text = shop.Model.GetStructString();
     EXPECT_EQ(Rewritten(text), text);
+    EXPECT_NE(text.find("\nDefValue=7\nEditKind=1\nEditMask=0.00\nFmtVal=1\nOptions=12\n"),
+              std::string::npos);
+    EXPECT_NE(text.find("\nCustomData=\"a,b\",c\n"), std::string::npos);
 
     TVDBStructure copy;
     copy.SetStructString(text);
@@ -82,10 +96,13 @@ TEST(ModelText, ReadsBackByteForByte) {
 TEST(ModelText, IsReadTolerantlyInDetails) {
     TVDBStructure model;
     model.SetStructString(
-        "[main]\nVersion=3.5\nTableCount=2000000000\nFieldCount=2\nOperatCount=1\n"
+        "[main]\nVersion=3.5\nTableCount=2000000000\nFieldCount=2\nOperatCount=1\nCondCount=1\nFieldGroups="
+        "1\n"
+        "[Operator:0]\nName=no\n[Table:0]\nName=no\n[Field:0]\nID=9\n[FieldGroup0]\nFields=9\n[Cond:0]\nID="
+        "9\n"
         "[OPERATOR:1]\nName=EqualTo\nName=Other\nSQLName=@f = @1\nExprType=sameasfield\n"
         "AppliedTypes=ftString,ftNothing,\nValueKind=vkList\n"
-        "[Table:1]\nAlias=My Table\nName=T\nAlias=again\n"
+        "[Table:1]\nAlias=My Table\nName=T\nAlias=again\nDsgnPos=1,2,3,4\nHints=5,6\n"
         "[Field:2]\nEditKind=2\nTableAlias=my_table\nEditType=1\nKind=vfkData\nID=7\nFieldExpr=x\n");
     ASSERT_EQ(model.GetOperatCount(), 1);
     EXPECT_EQ(model.GetOperator(0)->GetName(), "Equal");
@@ -93,6 +110,8 @@ TEST(ModelText, IsReadTolerantlyInDetails) {
     ASSERT_EQ(model.GetTableCount(), 1);
     EXPECT_EQ(model.GetTable(0)->GetAlias(), "My_Table"); // the first of two
     EXPECT_EQ(model.GetTable(0)->GetName(), "T");
+    EXPECT_EQ(model.GetTable(0)->GetDesignPositions() + "|" + model.GetTable(0)->GetHints(), "1,2,3,4|5,6");
+    EXPECT_EQ(model.GetFieldGroups().Count() + model.GetConditionCount(), 0) << "numbers begin with 1";
     ASSERT_EQ(model.GetFieldCount(), 1);
     EXPECT_EQ(model.FieldByID(7)->GetSQLExpr(), "My_Table.x");
     EXPECT_EQ(dynamic_cast<TDSTextEditor&>(*model.FieldByID(7)->GetValueEditor()).EditKind, tekDate);

@@ -83,6 +83,12 @@ TEST(Parser, BuildsTheWhereTree) {
               "  cond neg=0 sub=0 left=<t.order> op=<!=> value=<1>\n");
 }
 
+// What closes before a comparison begins no group, but a left side, and any word then is its operator.
+TEST(Parser, TakesParenthesesWithoutAComparisonAsAValue) {
+    EXPECT_EQ(Where("(a) and b = 1"), "bracket and\n  cond neg=0 sub=0 left=<(a)> op=<and> value=<b>\n");
+    EXPECT_EQ(Where("(a) <= 1"), "bracket and\n  cond neg=0 sub=0 left=<(a)> op=<<=> value=<1>\n");
+}
+
 TEST(Parser, BracketsOfOneNodeCanBeTakenOut) {
     TSQLBracket root, outer, inner, pair;
     TSQLCondition one, two, three;
@@ -118,6 +124,10 @@ TEST(Parser, KeepsMoreWhenStrict) {
     EXPECT_EQ(result.ResultFields.GetItem(1).Sorting, 2);
     EXPECT_EQ(result.RootBracket->Operator, "or"); // twice negated is not negated
     EXPECT_FALSE(result.RootBracket->Negated);
+    parser.SetSQLText("select a.x from a group by a.x, left(a.y, 2) , a.z + 1;");
+    parser.Parse();
+    ASSERT_EQ(result.GroupBy.size(), 3u);
+    EXPECT_EQ(result.GroupBy[1].Text, "left(a.y, 2)");
     EXPECT_EQ(Error("select a.x from a\nwhere a.x = 1\nhaving 1 = 1", true),
               "\"having\" can not be kept in a query\r\nLine:3");
     EXPECT_EQ(Error("with q as (select 1) select * from q", true),
@@ -197,6 +207,7 @@ TEST(Parser, NamesTheLineOfAnError) {
     EXPECT_EQ(Error("select a\n\n"), wrong + "1"); // the last token's line
     EXPECT_EQ(Error("select a,\n from t"), wrong + "2");
     EXPECT_EQ(Error("select * from t\nwhere a"), wrong + "2");
+    EXPECT_EQ(Error("select * from t\nwhere a order by a"), wrong + "2");
     EXPECT_EQ(Error("select * from t\nwhere a =\n"), wrong + "2");
     EXPECT_EQ(Error("select * from t where a between 1 or 2"), wrong + "1");
     EXPECT_EQ(Error("select a from t order by 2"), wrong + "1");
@@ -204,7 +215,8 @@ TEST(Parser, NamesTheLineOfAnError) {
     EXPECT_EQ(Error("select a from t order by b"), wrong + "1");
     EXPECT_EQ(Error("select a from t group by a"), wrong + "1");
     EXPECT_EQ(Error("select a from t left join u"), wrong + "1");
-    EXPECT_EQ(Error("select 'a\n from t"), wrong + "1");
+    for (const char* const unclosed : {"'x", "\"x", "b /* x"})
+        EXPECT_EQ(Error("select * from t\nwhere a = " + std::string(unclosed)), wrong + "2") << unclosed;
     EXPECT_EQ(Error("select * from t where\n(a = 1\nor b = 2"), "Lost bracket\r\nLine:3");
     EXPECT_EQ(Error("select * from t where not (a = 1 and b = 2)"), "Lost bracket\r\nLine:1");
     EXPECT_EQ(Error("select * from t where a in (select 1"), "Lost bracket\r\nLine:1");

@@ -191,6 +191,7 @@ TEST(Convert, FloatsAreReadExactlyAndStrictly) {
         {"0.1", 0.1},
         {"123456789012345678901234567890", 123456789012345678901234567890.0},
         {"9007199254740993", 9007199254740992.0},
+        {"9007199254740993e1", 90071992547409930.0},
         {"2.2250738585072011e-308", 2.2250738585072011e-308},
         {"1e-99999999999", 0},
         {"0.000000000000000000000000000000000000000000001e45", 1}};
@@ -275,11 +276,8 @@ TEST(DateTime, RefusesWhatNoCalendarHas) {
     EXPECT_FALSE(TryEncodeTime(24, 0, 0, 0));
     EXPECT_FALSE(TryEncodeTime(-1, 0, 0, 0) || TryEncodeTime(0, -1, 0, 0) || TryEncodeTime(0, 0, -1, 0) ||
                  TryEncodeTime(0, 0, 0, -1));
-    EXPECT_FALSE(TryEncodeTime(0, 0, 60, 0) || TryEncodeTime(0, 0, 0, 1000));
-    EXPECT_FALSE(TryEncodeTime(0, 60, 0, 0));
-    EXPECT_FALSE(TryEncodeTime(0, 0, 60, 0));
-    EXPECT_FALSE(TryEncodeTime(0, 0, 0, 1000));
-    EXPECT_FALSE(TryEncodeTime(-1, 0, 0, 0));
+    EXPECT_FALSE(TryEncodeTime(0, 60, 0, 0) || TryEncodeTime(0, 0, 60, 0) || TryEncodeTime(0, 0, 0, 1000));
+    EXPECT_TRUE(TryEncodeTime(23, 59, 59, 999));
 }
 
 TEST(DateTime, FractionsCountAwayFromZeroAndRoundToTheMillisecond) {
@@ -331,6 +329,36 @@ TFormatSettings DayFirst() {
     return settings;
 }
 
+TEST(Formats, FollowTheSettings) {
+    TFormatSettings own = DayFirst();
+    own.DateSeparator = "~";
+    own.TimeSeparator = " h ";
+    own.DecimalSeparator = "`";
+    own.AMString = "vorm.";
+    own.PMString = "nachm.";
+    own.ShortTimeFormat = "h";
+    own.LongDateFormat = "d. mmmm yyyy";
+    own.LongMonthNames[2] = "M\xC3\xA4rz";
+    own.ShortMonthNames[2] = "Mrz";
+    own.LongDayNames[1] = "Montag";
+    own.ShortDayNames[1] = "Mo";
+    own.FirstTwoDigitYear = 1930;
+    const TDateTime value = Moment(2001, 3, 5, 14, 7, 9, 42);
+    for (const char* const mask : {"dddd, dddddd, hh:nn:ss'`'zzz ampm", "ddd d/mmm/yy hh:nn:ss'`'zzz ampm"}) {
+        const std::string text = FormatDateTime(mask, value, own);
+        EXPECT_EQ(text, *mask == 'd' && mask[3] == 'd'
+                            ? "Montag, 5. M\xC3\xA4rz 2001, 02 h 07 h 09`042 nachm."
+                            : "Mo 5~Mrz~01 02 h 07 h 09`042 nachm.");
+        EXPECT_EQ(TryParseDateTime(text, mask, own), value) << text;
+    }
+    EXPECT_EQ(FormatDateTime("t", value, own), "14");
+    EXPECT_EQ(TryStrToDateTime("5~3~30", own), Moment(1930, 3, 5));
+    EXPECT_EQ(TryStrToDateTime("5~3~29 2 h 30 VORM.", own), Moment(2029, 3, 5, 2, 30));
+    own.FirstTwoDigitYear = 2000;
+    EXPECT_EQ(TryStrToDateTime("5~3~00", own), Moment(2000, 3, 5));
+    EXPECT_EQ(TryStrToDateTime("5~3~99", own), Moment(2099, 3, 5));
+}
+
 TEST(Formats, ReadsDatesAndTimesAsAPersonWritesThem) {
     const TDateTime day = Moment(2001, 3, 5);
     const TDateTime seconds = Moment(2001, 3, 5, 14, 30, 5);
@@ -343,6 +371,8 @@ TEST(Formats, ReadsDatesAndTimesAsAPersonWritesThem) {
         {"5 march 2001", day},
         {"Mar 5, 2001", day},
         {"2001 Mar 5", day},
+        {"987 Mar 5", Moment(987, 3, 5)},
+        {"Mar 5, 987", Moment(987, 3, 5)},
         {"Monday, 5 March 2001", day},
         {"2001-03-05 14:30:05", seconds},
         {"2001-03-05T14:30:05", seconds},

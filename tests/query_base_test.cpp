@@ -63,12 +63,15 @@ TEST(QueryBase, TellsItsLinksInOrder) {
     TThreeQueries base;
     base.BeforeOpen = [&](TVQueryBase&) { events += "before "; };
     base.AfterOpen = [&](TVQueryBase&) { events += "after "; };
-    base.BeforeScroll = [&](TVQueryBase&) { events += "scroll "; };
+    base.BeforeClose = [&](TVQueryBase&) { events += base.GetActive() ? "before " : "late "; };
+    base.AfterClose = [&](TVQueryBase&) { events += base.GetActive() ? "early " : "closed "; };
+    base.BeforeScroll = [&](TVQueryBase&) { events += std::to_string(base.GetItemIndex()); };
+    base.AfterScroll = [&](TVQueryBase&) { events += "to" + std::to_string(base.GetItemIndex()) + " "; };
     TNotingLink link(notes);
     link.SetQueryBase(&base);
     base.Open();
     EXPECT_EQ(notes, "qboListLoaded-1 index0 ");
-    EXPECT_EQ(events, "before scroll after ");
+    EXPECT_EQ(std::exchange(events, {}), "before -1to0 after ");
     notes.clear();
     base.SetItemIndex(0);
     base.GetQuery(1)->SetQueryName("Deux");
@@ -79,6 +82,7 @@ TEST(QueryBase, TellsItsLinksInOrder) {
     base.Close();
     EXPECT_EQ(notes, "qboListCleared-1 ");
     EXPECT_EQ(base.GetItemIndex(), -1);
+    EXPECT_EQ(events, "before closed ");
 }
 
 TEST(QueryBase, LinksMayGoInANotice) {
@@ -96,6 +100,18 @@ TEST(QueryBase, LinksMayGoInANotice) {
     base.GetQuery(0)->SetQueryName("Uno");
     EXPECT_EQ(notes, "changed0 ");
     EXPECT_EQ(lastNotes, "changed0 ");
+}
+
+TEST(QueryBase, LeavesItsLinksWhenItGoes) {
+    std::string notes;
+    TNotingLink first(notes), second(notes);
+    {
+        TThreeQueries base;
+        first.SetQueryBase(&base);
+        second.SetQueryBase(&base);
+    }
+    EXPECT_EQ(first.GetQueryBase(), nullptr);
+    EXPECT_EQ(second.GetQueryBase(), nullptr);
 }
 
 TEST(QueryBase, KeepsACurrentQueryWhenOneGoes) {

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <iterator>
 #include <memory>
 
 using namespace lumora;
@@ -137,6 +139,8 @@ TEST_F(RoundButton, CentresACaptionThatIsTooWide) {
     EXPECT_NE(Painted().find("text -2 2 -1 wider"), std::string::npos);
     button.SetCaption("R&&D");
     EXPECT_NE(Painted().find("text 3 2 -1 R&D"), std::string::npos);
+    button.SetCaption("a&b&c&"); // the first one counts
+    EXPECT_NE(Painted().find("text 3 2 1 abc "), std::string::npos);
 }
 
 TEST_F(RoundButton, ClicksInsideWithTheRowBelowItsBottom) {
@@ -149,6 +153,7 @@ TEST_F(RoundButton, ClicksInsideWithTheRowBelowItsBottom) {
     EXPECT_EQ(clicks, 2);
     button.MouseDown(mbRight, 1, 1);
     button.MouseUp(mbRight, 1, 1);
+    button.MouseUp(mbLeft, 1, 1); // pressed elsewhere
     EXPECT_EQ(clicks, 2);
     EXPECT_EQ(button.GetState(), rbsUp);
 }
@@ -207,14 +212,42 @@ TEST_F(RoundButton, FitsItsCaption) {
     EXPECT_FALSE(button.GetParentFont());
     button.SetParentFont(true);
     EXPECT_EQ(button.GetWidth(), 2 * 9 + 10);
+    button.SetHost(nullptr); // nobody measures
+    EXPECT_EQ(button.GetWidth(), 10);
+    button.SetHost(&surface);
+    EXPECT_EQ(button.GetWidth(), 2 * 9 + 10);
 }
 
-TEST_F(RoundButton, RepaintsForAChangeOnly) {
-    button.SetMargin(7);
-    button.SetMargin(-5);
+TEST_F(RoundButton, RepaintsOnceForAChange) {
+    const std::function<void()> changes[] = {
+        [&] { button.SetMargin(7); },
+        [&] { button.SetCaption("a"); },
+        [&] { button.SetBounds(1, 1, 25, 18); },
+        [&] { button.SetRounded(false); },
+        [&] { button.SetAllowPress(true); },
+        [&] { button.SetOverColor(clWhite); },
+        [&] { button.SetPressedColor(clWhite); },
+        [&] { button.SetColor(clWhite); },
+        [&] { button.SetFlat(false); },
+        [&] { button.GetFont().SetSize(20); },
+        [&] { button.GetFont().SetColor(clWhite); },
+        [&] { button.MouseEnter(); },
+        [&] { button.MouseLeave(); },
+        [&] { button.SetEnabled(false); },
+    };
+    for (std::size_t i = 0; i < std::size(changes); ++i) {
+        surface.Repaints = 0;
+        changes[i]();
+        changes[i]();
+        EXPECT_EQ(surface.Repaints, 1) << i;
+    }
+    button.SetMargin(-5); // no margin
     EXPECT_EQ(button.GetMargin(), 7);
-    button.SetMargin(7);
-    button.SetOverColor(clSilver);
+    button.SetMargin(-1); // centred again
+    EXPECT_EQ(button.GetMargin(), -1);
+    button.SetEnabled(true);
+    surface.Repaints = 0;
+    button.MouseDown(mbLeft, 1, 1);
     EXPECT_EQ(surface.Repaints, 1);
 }
 
@@ -231,9 +264,20 @@ TEST_F(RoundButton, IsKeptInAForm) {
     button.GetFont().SetStyle({fsBold});
     button.SetEnabled(false);
     button.SetShowHint(true);
+    button.SetAllowPress(true);
+    button.SetCaption("&Go");
+    button.SetFlat(false);
+    button.SetRounded(false);
+    button.SetOverColor(clWhite);
+    button.SetPressedColor(clGray);
+    button.SetHint("Starts");
+    button.SetMargin(3);
+    button.SetVisible(false);
     TVRndBtn copy;
     ReadFormText(WriteFormText(button), copy);
     EXPECT_EQ(WriteFormText(copy), WriteFormText(button));
     EXPECT_TRUE(copy.GetFont().GetFont().Bold);
     EXPECT_EQ(copy.GetState(), rbsDisabled);
+    EXPECT_EQ(copy.GetCaption() + copy.GetHint(), "&GoStarts");
+    EXPECT_FALSE(copy.GetFlat() || copy.GetRounded() || copy.GetVisible() || copy.GetParentShowHint());
 }

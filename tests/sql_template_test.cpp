@@ -101,8 +101,30 @@ TEST(SQLPattern, CapturesWhatStoodInTheTemplate) {
     EXPECT_EQ(Captured("@f = '@1'", "a", " = 1 and more"), "1 and more|");
     EXPECT_EQ(Captured("f(@f, @1, @1)", "a", ""), "no");
     EXPECT_EQ(Captured("@f > @1", "a", " >"), "no");
+    EXPECT_EQ(Captured("@f in (@1)", "a", " in (1"), "no");
+    EXPECT_EQ(Captured("@f near @1 '@2'", "a", " near 1 'x'"), "1|x|");
     std::string endless; // no pattern takes for ever
     for (int i = 1; i < 90; ++i)
         endless += "@" + std::to_string(i) + ",";
     EXPECT_EQ(Captured(("@f" + endless + "!").c_str(), "a", std::string(20'000, ',')), "no");
+}
+
+TEST(SQLPattern, FindsTheFieldByItself) {
+    const auto found = [](const char* pattern, const char* text) {
+        std::vector<TCapture> values;
+        std::string_view field;
+        if (!TSQLPattern(pattern).Match(text, field, values))
+            return std::string("no");
+        std::string shown(field);
+        for (const TCapture& value : values)
+            shown.append("|").append(value.Text);
+        return shown;
+    };
+    EXPECT_EQ(found("upper(@f) = '@1'", "UPPER ( trim(a)) = 'X'"), "trim(a)|X");
+    EXPECT_EQ(found("upper(@f) = '@1'", "upper(a = 'X'"), "no");
+    EXPECT_EQ(found("coalesce(@f, 0) = @1", "coalesce(\"a,b\",0)=7"), "\"a,b\"|7");
+    EXPECT_EQ(found("@f is null or @f > '@1'", "a.b is null or a.b > 'x'"), "a.b|x");
+    EXPECT_EQ(found("@f is null or @f > '@1'", "a.b is null or a.c > 'x'"), "no");
+    EXPECT_EQ(found("@f > '@1' or @f < '@1'", "a > 'x' or a < 'x'"), "a|x");
+    EXPECT_EQ(found("@f > '@1' or @f < '@1'", "a > 'x' or a < 'y'"), "no");
 }

@@ -41,13 +41,20 @@ TEST(Strings, AreReadTolerantly) {
     EXPECT_EQ(XStrToInt(" 12abc"), 12);
     EXPECT_EQ(XStrToInt("abc", 7), 7);
     EXPECT_EQ(XStrToInt("99999999999"), 2147483647);
-    EXPECT_EQ(XStrToFloat("3.5"), 3.5);
+    EXPECT_EQ(XStrToInt("-99999999999"), -2147483647 - 1);
+    EXPECT_EQ(XStrToInt("+5") + XStrToInt("-3;"), 2);
+    EXPECT_EQ(XStrToInt("-", 7), 7);
+    EXPECT_EQ(XStrToFloat(" 3.5 "), 3.5);
     EXPECT_EQ(XStrToFloat("3,5", 1.1), 1.1);
-    EXPECT_TRUE(XStrToBool("True"));
-    EXPECT_FALSE(XStrToBool("0"));
+    for (const char* const text : {"True", " YES ", "y", "t", "-1", "2x"})
+        EXPECT_TRUE(XStrToBool(text)) << text;
+    for (const char* const text : {"", "0", "no", "false", "truely", "x1"})
+        EXPECT_FALSE(XStrToBool(text)) << text;
     EXPECT_EQ(ReplaceTextNoCase("aXbxc", "x", "--"), "a--b--c");
     EXPECT_EQ(QuoteText("a]b", '[', ']'), "[a]]b]");
     EXPECT_EQ(FindWholeWord("sum(o.price2)+o.price", "o.price"), 14u);
+    EXPECT_EQ(FindWholeWord("a_x xb x9 \xC3\xA4x x", "x"), 14u);
+    EXPECT_EQ(FindWholeWord("x", ""), std::string::npos);
     EXPECT_EQ(FoldBlanks(" A .\tb"), "a.b");
 }
 
@@ -58,6 +65,10 @@ TEST(Scanner, SplitsSQLIntoTokens) {
         tokens.append(scanner.Token().Text).append("|");
     EXPECT_EQ(tokens, "Select|a|.|\"b \"\"c\"|,|'it''s'||||1.5e-3|<>|@p|");
     EXPECT_EQ(scanner.Token().Line, 3);
+    tokens.clear();
+    for (TVScanner pairs("a=|b>|<=>=!=!<|||-/*"); !pairs.AtEnd(); pairs.Next())
+        tokens.append(pairs.Token().Text).append(" ");
+    EXPECT_EQ(tokens, "a = | b > | <= >= != ! < || | - /* ");
     EXPECT_EQ(TVScanner("'open").Token().Kind, tkUnclosed);
     EXPECT_EQ(TVScanner("/* open").Token().Kind, tkUnclosed);
     EXPECT_EQ(TVScanner("").Token().Kind, tkEnd);

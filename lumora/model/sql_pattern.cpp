@@ -174,9 +174,14 @@ private:
             return false;
         const std::string_view found = Trim(text_.substr(at, end - at));
         if (elements_[element].Kind == elField) {
-            const bool same = Field.empty() || Field == found;
+            const std::string_view before = Field;
+            if (!before.empty() && before != found)
+                return false;
             Field = found;
-            return same && Match(element + 1, end);
+            if (Match(element + 1, end))
+                return true;
+            Field = before; // it may end further on
+            return false;
         }
         return Match(element + 1, end) && Capture(elements_[element].Value, found, false);
     }
