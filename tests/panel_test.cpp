@@ -1,4 +1,5 @@
 #include "lumora/platform/form_text.h"
+#include "lumora/platform/properties.h"
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>

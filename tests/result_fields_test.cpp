@@ -27,7 +27,7 @@ TEST_F(ResultFields, AreFoundInFormulasAsIfEachFieldWereTried) {
     std::mt19937 random(20260714);
     const auto text = [&](unsigned most) {
         std::string made;
-        for (unsigned i = 1 + random() % most; i > 0; --i)
+        for (auto i = 1 + random() % most; i > 0; --i)
             made += pieces[random() % std::size(pieces)];
         return made;
     };

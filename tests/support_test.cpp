@@ -3,6 +3,8 @@
 #include "lumora/platform/filter_expression.h"
 #include "lumora/platform/form_text.h"
 #include "lumora/platform/formats.h"
+#include "lumora/platform/properties.h"
+#include "lumora/platform/string_grid.h"
 #include "lumora/platform/text_file.h"
 #include "lumora/querybase/Vqrybase.h"
 #include "lumora/sqlparse/Vscanner.h"
