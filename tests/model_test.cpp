@@ -1,4 +1,5 @@
 #include "lumora/platform/properties.h"
+#include "lumora/platform/string_grid.h"
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>
