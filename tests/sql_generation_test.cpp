@@ -13,6 +13,7 @@ TEST(SQLGeneration, LeavesOutWhatIsOff) {
     shop.Panel.SetSQLOptions({soBracketConditions});
     shop.SQL();
     EXPECT_EQ(shop.Panel.GetQResult().GetJoinConditions(), "   ((customers.custno=orders.custno (+) ))");
+    EXPECT_EQ(shop.Panel.GetQResult().AdjustCondition("a = 1"), "(a = 1)");
     shop.Select("orders.amount");
     shop.Root().GetRow(0)->SetEnabled(false);
     EXPECT_EQ(TStringList(shop.SQL())[4], "   ((customers.custno=orders.custno (+) ))");

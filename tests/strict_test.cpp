@@ -187,3 +187,13 @@ TEST_F(Strict, DoublesClosingQuotesInNames) {
     EXPECT_EQ(shop_.SQL(), "SELECT orders.\"a\"\"; drop\" as \"A\"\" from x; --\", orders.\"a\"\"; drop\" as "
                            "\"select\", orders.\"a\"\"; drop\" as Total1\nFROM \"or\"\"ders\" orders\n");
 }
+
+TEST(StrictNames, AreOfLettersAndDigits) {
+    for (const char* const name : {"a", "Z_z", "az09AZ", "Größe", "_", "9"})
+        EXPECT_TRUE(IsParamName(name)) << name;
+    for (const char* const name : {"", " ", "a b", "a-b", "a`", "a{", "a[", "a@", "a/", "a:", "a'"})
+        EXPECT_FALSE(IsParamName(name)) << name;
+    EXPECT_TRUE(IsPlainName("a9"));
+    EXPECT_FALSE(IsPlainName("9a"));
+    EXPECT_FALSE(IsPlainName("Select"));
+}
