@@ -378,7 +378,7 @@ TEST_F(FormText, ReadsWhatPeopleWrite) {
         "  caption = 'a' +\r\n 'b'#228 + #8364'''' mark='x' color=$8000000F\r\n"
         "  shades=[] LINES.strings=() Frame.Notes.Strings = ('x' 'y' + 'z')\r\n"
         "  object B: TGadget peer = ROOT.a object Inner: TGadget end object TGadget peer = nil end end\r\n"
-        "  Struct = ('late') Level = 9 level=-$7F\r\n"
+        "  Struct = ('late') Level = 9 level=-$7F Weight = 2E3 Weight = 25e-1\r\n"
         "end\r\n\r\n",
         root);
     TGadget* const b = Child(root, "B");
@@ -394,6 +394,7 @@ TEST_F(FormText, ReadsWhatPeopleWrite) {
     EXPECT_TRUE(root.Shades.Empty() && root.Lines.Empty());
     EXPECT_EQ(root.Frame.GetNotes().GetText(), "x\nyz\n");
     EXPECT_EQ(root.Struct.GetText(), "late\n");
+    EXPECT_EQ(root.Weight, 2.5);
 }
 
 TEST_F(FormText, ErrorsNameTheLineAndTheFault) {

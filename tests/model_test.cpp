@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <set>
 #include <utility>
 
 using namespace lumora;
@@ -27,6 +28,27 @@ TEST(Messages, CarryCodeAndText) {
     EXPECT_EQ(MessageOf<EVDBStructError>([&] { static_cast<void>(model.GetPath("a", "b")); }),
               "Pas de table a");
     SetMessage(msgNoTable, "No such table %s");
+}
+
+// Who translates them finds them by number or name.
+TEST(Messages, HaveTextsAndNamesOfTheirOwn) {
+    std::set<std::string_view> names;
+    int unnamed = 0;
+    for (int id = msgDeleteGroup; id <= static_cast<int>(msgLinkName); ++id) {
+        const auto message = static_cast<TMessageId>(id);
+        if (id > 65490 && id < 65504)
+            EXPECT_EQ(Message(message), "") << id << " is free";
+        else
+            EXPECT_NE(Message(message), "") << id;
+        const std::string_view name = MessageRecordName(message);
+        if (id > 65535 || name.empty())
+            unnamed += id <= 65535 && Message(message) != "";
+        else
+            EXPECT_TRUE(name.starts_with("_S") && names.insert(name).second) << id;
+    }
+    EXPECT_EQ(unnamed, 4);
+    EXPECT_EQ(Message(static_cast<TMessageId>(65520)), "and");
+    EXPECT_EQ(FormatText("%s%d%x%", {"a", "b", "c"}), "ab%x%");
 }
 
 TEST(Tables, RenderTheirSQL) {

@@ -102,7 +102,7 @@ TEST(ModelText, IsReadTolerantlyInDetails) {
         "9\n"
         "[OPERATOR:1]\nName=EqualTo\nName=Other\nSQLName=@f = @1\nExprType=sameasfield\n"
         "AppliedTypes=ftString,ftNothing,\nValueKind=vkList\n"
-        "[Table:1]\nAlias=My Table\nName=T\nAlias=again\nDsgnPos=1,2,3,4\nHints=5,6\n"
+        "[Table:1]\nDsgnPos=1,2,3,4\nHints=5,6\nQuoted=1\nAlias=My Table\nName=T\nAlias=again\n"
         "[Field:2]\nEditKind=2\nTableAlias=my_table\nEditType=1\nKind=vfkData\nID=7\nFieldExpr=x\n");
     ASSERT_EQ(model.GetOperatCount(), 1);
     EXPECT_EQ(model.GetOperator(0)->GetName(), "Equal");
@@ -111,6 +111,7 @@ TEST(ModelText, IsReadTolerantlyInDetails) {
     EXPECT_EQ(model.GetTable(0)->GetAlias(), "My_Table"); // the first of two
     EXPECT_EQ(model.GetTable(0)->GetName(), "T");
     EXPECT_EQ(model.GetTable(0)->GetDesignPositions() + "|" + model.GetTable(0)->GetHints(), "1,2,3,4|5,6");
+    EXPECT_TRUE(model.GetTable(0)->GetQuoted());
     EXPECT_EQ(model.GetFieldGroups().Count() + model.GetConditionCount(), 0) << "numbers begin with 1";
     ASSERT_EQ(model.GetFieldCount(), 1);
     EXPECT_EQ(model.FieldByID(7)->GetSQLExpr(), "My_Table.x");
@@ -179,6 +180,8 @@ TEST(ModelText, OfOlderVersions) {
                 << key << value;
             EXPECT_EQ(model.GetField(0)->UIC, 255);
         }
+    model.SetStructString("[Main]\nVersion=1.4\nTableCount=1\n[Table:1]\nName=t\n");
+    EXPECT_EQ(model.GetTableCount(), 1);
     model.SetStructString("[Main]\nVersion=2.8\nOperatCount=1\n[Operator:1]\nName=a\nValueIsList=1\n");
     EXPECT_EQ(model.GetOperator(0)->ValueKind, vkList);
 }

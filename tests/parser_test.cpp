@@ -206,6 +206,7 @@ TEST(Parser, NamesTheLineOfAnError) {
     EXPECT_EQ(Error("update t\nset x = 1"), wrong + "1");
     EXPECT_EQ(Error("select a\n\n"), wrong + "1"); // the last token's line
     EXPECT_EQ(Error("select a,\n from t"), wrong + "2");
+    EXPECT_EQ(Error("select a) from t"), wrong + "1");
     EXPECT_EQ(Error("select * from t\nwhere a"), wrong + "2");
     EXPECT_EQ(Error("select * from t\nwhere a order by a"), wrong + "2");
     EXPECT_EQ(Error("select * from t\nwhere a =\n"), wrong + "2");

@@ -83,6 +83,12 @@ TEST(QueryBase, TellsItsLinksInOrder) {
     EXPECT_EQ(notes, "qboListCleared-1 ");
     EXPECT_EQ(base.GetItemIndex(), -1);
     EXPECT_EQ(events, "before closed ");
+    TVQueryBase empty;
+    link.SetQueryBase(&empty);
+    notes.clear();
+    empty.Open();
+    EXPECT_EQ(notes, "qboListLoaded-1 ");
+    EXPECT_EQ(empty.GetItemIndex(), -1);
 }
 
 TEST(QueryBase, LinksMayGoInANotice) {

@@ -61,7 +61,7 @@ TEST(SQLTemplate, IsWorkedOutForEachWayValuesEnter) {
     EXPECT_EQ(many.GetParamCount(), MaxTemplateValues);
     many.SetText("(a or b) and 'or'");
     EXPECT_FALSE(many.HasOuterOr());
-    many.SetText("@f = 1 OR (@f = 2)");
+    many.SetText("(@f = 1) OR @f = 2");
     EXPECT_TRUE(many.HasOuterOr());
 }
 
@@ -101,6 +101,7 @@ TEST(SQLPattern, CapturesWhatStoodInTheTemplate) {
     EXPECT_EQ(Captured("@f = '@1'", "a", " = 1 and more"), "1 and more|");
     EXPECT_EQ(Captured("f(@f, @1, @1)", "a", ""), "no");
     EXPECT_EQ(Captured("@f > @1", "a", " >"), "no");
+    EXPECT_EQ(Captured("@f > @120", "a", " > x0"), "|||||||||||x|"); // numbers have two digits
     EXPECT_EQ(Captured("@f in (@1)", "a", " in (1"), "no");
     EXPECT_EQ(Captured("@f near @1 '@2'", "a", " near 1 'x'"), "1|x|");
     std::string endless; // no pattern takes for ever
