@@ -25,7 +25,7 @@ TEST_F(ResultFields, AreFoundInFormulasAsIfEachFieldWereTried) {
                                       "\"",        "(",      ")",      "é", "_", "orders.amount",
                                       "lines.qty", "count(", "12"};
     std::mt19937 random(20260714);
-    const auto text = [&](unsigned most) {
+    const auto text = [&](std::size_t most) {
         std::string made;
         for (auto i = 1 + random() % most; i > 0; --i)
             made += pieces[random() % std::size(pieces)];
