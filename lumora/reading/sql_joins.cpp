@@ -81,6 +81,12 @@ TDSTable* TableByAlias(const TVCustomDBStructure& model, std::string_view alias)
     return nullptr;
 }
 
+// The model's own name, or what the generator writes for it, in which quotes inside are doubled.
+bool IsNameOf(const TDSTable& table, std::string_view name) {
+    return SameText(ReplaceText(table.GetName(), "\"", ""), name) ||
+           SameText(NameIn(table.GetSQLExpr(nqStrict)), name);
+}
+
 TDSTable* PartnerOf(const TDSLink& link, const TDSTable* table) {
     return link.Table1 == table ? link.Table2 : link.Table1;
 }
@@ -138,7 +144,7 @@ void TSQLJoins::RefuseJoin(const TJoined& joined) const {
 void TSQLJoins::FindTables() {
     for (const TSQLTable& parsed : statement_.Tables) {
         TDSTable* const table = TableByAlias(model_, parsed.Alias);
-        if (!table || !SameText(NameIn(table->GetSQLExpr(nqStrict)), parsed.TableName))
+        if (!table || !IsNameOf(*table, parsed.TableName))
             throw EVQueryPanelError(qpeNoTable, {parsed.TableName}, parsed.Line);
         tables_.push_back({table, nullptr, swInner, parsed.Line});
         if (Find(table) != &tables_.back())
