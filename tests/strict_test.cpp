@@ -162,6 +162,20 @@ TEST_F(Strict, RefusesToLoseRecords) {
     EXPECT_EQ(TStringList(shop_.SQL())[2], "     LEFT OUTER JOIN orders ON ");
 }
 
+TEST_F(Strict, PutsListsInThePlaceOfTheirQuotesOrRefuses) {
+    const auto built = [this](const char* sql) {
+        TDSOperator& op = *shop_.Operator("InList");
+        op.SetSQLName(sql);
+        shop_.Panel.ClearRows();
+        shop_.Where("customers.company", "InList", "x') or 1=1 --,y");
+        return MessageOf<EVQueryPanelError>([&] { shop_.SQL(); });
+    };
+    EXPECT_EQ(built("@f in ('@1')"), "");
+    EXPECT_EQ(shop_.Conditions(), "customers.company in ('x'') or 1=1 --','y')\n");
+    EXPECT_EQ(built("@f like '%@1'"), "Invalid value \"@f like '%@1'\" for \"company\"");
+    EXPECT_EQ(built("it's @f in (@1)"), "Invalid value \"it's @f in (@1)\" for \"company\"");
+}
+
 TEST_F(Strict, RefusesWhatIsUnrecognizedOrWouldBeCut) {
     shop_.Where("orders.amount", "Equal", "1")->SetOperator(shop_.Model.GetUnrecognizedOperator());
     EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }), "Unrecognized operator \"row 1.\"");

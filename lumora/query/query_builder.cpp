@@ -260,11 +260,14 @@ void TQueryBuilder::FillTemplate(TPredicate& leaf, TFilterCond& condition) {
     request.HasTable = !condition.GetTables().empty();
     request.HasMainTable = !result_.GetResultTables().Empty();
     request.ValueCount = condition.GetValueCount();
-    for (int value = 1; value <= std::min(request.ValueCount, MaxTemplateValues); ++value)
-        request.SetEntry(value,
-                         condition.GetValueIsParam(value)
-                             ? veParameter
-                             : values_.EntryOf(condition.GetValueKind(value), condition.GetValueType(value)));
+    for (int value = 1; value <= std::min(request.ValueCount, MaxTemplateValues); ++value) {
+        const bool isParam = condition.GetValueIsParam(value);
+        const TValueKind kind = condition.GetValueKind(value);
+        const std::string& text = condition.GetTemplate()->GetText();
+        if (strict_ && !isParam && kind != vkScalar && !StandsAlone(text, value))
+            RaiseInvalidValue(text, condition.GetCaptionText());
+        request.SetEntry(value, isParam ? veParameter : values_.EntryOf(kind, condition.GetValueType(value)));
+    }
     TTemplatePlan spare;
     const TTemplatePlan& plan = condition.GetTemplate()->Plan(request, spare);
     if (!plan.Patterns.empty())

@@ -217,4 +217,21 @@ bool IsNumberConstant(std::string_view expression) {
     return numbers == 1;
 }
 
+bool StandsAlone(std::string_view sqlTemplate, int value) {
+    if (sqlTemplate.find('\'') == std::string_view::npos)
+        return true;
+    const std::string placeholder = "@" + std::to_string(value);
+    bool inLiteral = false;
+    for (std::size_t at = 0; at < sqlTemplate.size(); ++at) {
+        if (sqlTemplate[at] == '\'')
+            inLiteral = !inLiteral;
+        if (!inLiteral || sqlTemplate.substr(at, placeholder.size()) != placeholder)
+            continue;
+        const std::size_t end = at + placeholder.size();
+        if (sqlTemplate[at - 1] != '\'' || end == sqlTemplate.size() || sqlTemplate[end] != '\'')
+            return false;
+    }
+    return true;
+}
+
 } // namespace lumora

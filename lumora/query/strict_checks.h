@@ -26,6 +26,9 @@ void CheckExpression(std::string_view text, std::string_view caption,
                      const TDialect& dialect = StandardDialect);
 void CheckSubQuery(std::string_view text, std::string_view caption,
                    const TDialect& dialect = StandardDialect);
+// Whether value `value` has all the room between the quotes around it, where there are any: a list or a
+// sub-query takes their place, and anything else between them would be lost.
+bool StandsAlone(std::string_view sqlTemplate, int value);
 // Whether an expression calls an aggregate function; what stands in quotes is none.
 bool CallsAggregate(std::string_view expression, const TDialect& dialect = StandardDialect);
 // Whether an expression is one number, perhaps with signs and brackets: in ORDER BY it would be a position.
