@@ -3,7 +3,7 @@
 #include "lumora/query/strict_checks.h"
 #include "lumora/statement/dialects/dialect.h"
 #include "lumora/statement/sql_printer.h"
-#include "tests/fixtures.h"
+#include "tests/strict_shop.h"
 
 #include <gtest/gtest.h>
 
@@ -12,22 +12,7 @@ using namespace lumora::tests;
 
 namespace {
 
-class Dialect : public testing::Test {
-protected:
-    Dialect() { shop_.Panel.SetStrict(true); }
-
-    std::string Text(std::string_view field, std::string_view op, const std::string& v1,
-                     const std::string& v2 = "") {
-        shop_.Panel.ClearRows();
-        shop_.Where(field, op, v1, v2);
-        return shop_.Conditions();
-    }
-    std::string Refusal(std::string_view field, std::string_view op, const std::string& v1) {
-        return MessageOf<EVQueryPanelError>([&] { Text(field, op, v1); });
-    }
-
-    TShop shop_;
-};
+class Dialect : public StrictShop {};
 
 } // namespace
 

@@ -1,5 +1,5 @@
 #include "lumora/query/strict_checks.h"
-#include "tests/fixtures.h"
+#include "tests/strict_shop.h"
 
 #include <gtest/gtest.h>
 
@@ -8,22 +8,7 @@ using namespace lumora::tests;
 
 namespace {
 
-class Strict : public testing::Test {
-protected:
-    Strict() { shop_.Panel.SetStrict(true); }
-
-    std::string Text(std::string_view field, std::string_view op, const std::string& v1,
-                     const std::string& v2 = "") {
-        shop_.Panel.ClearRows();
-        shop_.Where(field, op, v1, v2);
-        return shop_.Conditions();
-    }
-    std::string Refusal(std::string_view field, std::string_view op, const std::string& v1) {
-        return MessageOf<EVQueryPanelError>([&] { Text(field, op, v1); });
-    }
-
-    TShop shop_;
-};
+class Strict : public StrictShop {};
 
 } // namespace
 
