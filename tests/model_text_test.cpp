@@ -51,6 +51,7 @@ TEST(ModelText, ReadsBackByteForByte) {
     shop.Model.GetTable(0)->SetHints("a=b [x]");
     shop.Model.SetDefaultMainTable(shop.Model.GetTable(1));
     shop.Model.RootFieldsFirst = true;
+    shop.Field("orders.placed")->Storage = dsEpochSeconds;
     TDSField& company = *shop.Field("customers.company");
     company.SetEditType(etList);
     dynamic_cast<TDSListEditor&>(*company.GetValueEditor()).Items.SetText("a b\nc,\"d\"\n\n");
@@ -198,6 +199,9 @@ TEST(ModelText, RefusedTextsLeaveTheModel) {
               "No such table b");
     EXPECT_EQ(refusal("FieldCount=1\n[Field:1]\nFieldType=many\n"), "\"many\" is not a valid integer value");
     EXPECT_EQ(refusal("FieldCount=1\n[Field:1]\nOperators=Near\n"), "Operator not found: Near");
+    EXPECT_EQ(refusal("Needs=Storage,Ends\n"), "The text needs \"Ends\", which this version does not know");
+    EXPECT_EQ(refusal("Needs=Storage\nFieldCount=1\n[Field:1]\nStorage=dsMayan\n"),
+              "The text needs \"Storage dsMayan\", which this version does not know");
     EXPECT_EQ(model.GetStructString(), before);
     EXPECT_EQ(MessageOf<EFileError>([&] { model.LoadFromFile("/nowhere/x.model"); }),
               "Cannot open file \"/nowhere/x.model\": No such file or directory");

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "lumora/model/Lmglobal.h"
+#include "lumora/model/date_storage.h"
 #include "lumora/model/operators.h"
 #include "lumora/model/sql_syntax.h"
 #include "lumora/model/value_editors.h"
@@ -144,6 +145,7 @@ public:
     std::uint8_t UIC = 0; // kept for the user interface, as UIR
     bool UIR = true;
     int FieldSize = 0;
+    TDateStorage Storage = dsAsType; // of days and moments; a strict query compares by it
 
 private:
     friend class TVCustomDBStructure;

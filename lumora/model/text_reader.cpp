@@ -1,6 +1,7 @@
 #include "lumora/model/text_reader.h"
 
 #include "lumora/platform/convert.h"
+#include "lumora/support/needs.h"
 #include "lumora/support/string_helpers.h"
 
 #include <algorithm>
@@ -63,6 +64,7 @@ enum TFieldKey {
     fkQuoted,
     fkUIC,
     fkUIR,
+    fkStorage,
     fkOperators,
     fkDefValue,
     fkEditKind,
@@ -76,9 +78,9 @@ enum TFieldKey {
     fkOperats    // the old name of Operators
 };
 constexpr std::string_view FieldKeys[] = {
-    "ID",      "Kind",  "FieldExpr", "DisplayName", "TableAlias", "EditType", "FieldType", "FieldSize",
-    "Quoted",  "UIC",   "UIR",       "Operators",   "DefValue",   "EditKind", "EditMask",  "FmtVal",
-    "Options", "Items", "Values",    "CustomData",  "CondField",  "Operats"};
+    "ID",     "Kind",    "FieldExpr", "DisplayName", "TableAlias", "EditType",  "FieldType", "FieldSize",
+    "Quoted", "UIC",     "UIR",       "Storage",     "Operators",  "DefValue",  "EditKind",  "EditMask",
+    "FmtVal", "Options", "Items",     "Values",      "CustomData", "CondField", "Operats"};
 
 TFieldType FieldTypeOf(int ordinal, TFieldType none) {
     return ordinal >= 0 && ordinal < EnumCount<TFieldType> ? static_cast<TFieldType>(ordinal) : none;
@@ -104,6 +106,7 @@ void TModelReader::Read() {
 }
 
 void TModelReader::ReadMain() {
+    CheckNeeds(main_.Value("Needs"), {NeedStorage});
     version_ = XStrToFloat(main_.Value("Version"), 1.1);
     model_.RootFieldsFirst = version_ >= 2.62 && XStrToBool(main_.Value("RootFieldsFirst"));
 }
@@ -282,6 +285,14 @@ TDSEditType TModelReader::ReadEditType(std::string_view value) const {
     return type >= 0 && type < EnumCount<TDSEditType> ? static_cast<TDSEditType>(type) : etAuto;
 }
 
+// Compared as another kind, its days would be missed without a word.
+TDateStorage TModelReader::ReadStorage(std::string_view name) {
+    const int storage = EnumOrdinal<TDateStorage>(name);
+    if (storage < 0)
+        CheckNeeds("Storage " + std::string(name), {});
+    return static_cast<TDateStorage>(std::max(storage, 0));
+}
+
 void TModelReader::ReadFieldLine(TDSField& field, int key, std::string_view value) {
     switch (key) {
     case fkFieldExpr:
@@ -311,6 +322,9 @@ void TModelReader::ReadFieldLine(TDSField& field, int key, std::string_view valu
     case fkUIR:
     case fkCondField:
         field.UIR = version_ < 3.2 || XStrToBool(value);
+        break;
+    case fkStorage:
+        field.Storage = ReadStorage(value);
         break;
     case fkOperators:
     case fkOperats:

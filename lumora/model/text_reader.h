@@ -33,6 +33,7 @@ private:
     void ReadLink(TDSTable& table, std::string_view partner);
     void ReadFields();
     void ReadField(const TSectionLines& lines);
+    static TDateStorage ReadStorage(std::string_view name);
     void ReadFieldLine(TDSField& field, int key, std::string_view value);
     void ReadFieldOperators(TDSField& field, std::string_view names);
     void ReadEditorLine(TDSField& field, int key, std::string_view value);

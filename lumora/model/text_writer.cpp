@@ -48,6 +48,15 @@ private:
         const TDSTable* const main = model_.GetDefaultMainTable();
         Put("DefaultMainTable", main ? main->GetName() : std::string());
         Put("RootFieldsFirst", model_.RootFieldsFirst ? 1 : 0);
+        if (KnowsStorage())
+            Put("Needs", NeedStorage);
+    }
+
+    bool KnowsStorage() const {
+        for (int i = 0; i < model_.GetFieldCount(); ++i)
+            if (model_.GetField(i)->Storage != dsAsType)
+                return true;
+        return false;
     }
 
     void WriteOperator(int index, const TDSOperator& op) {
@@ -106,6 +115,8 @@ private:
         Put("Quoted", field.GetQuoted() ? 1 : 0);
         Put("UIC", field.UIC);
         Put("UIR", field.UIR ? 1 : 0);
+        if (field.Storage != dsAsType)
+            Put("Storage", EnumName(field.Storage));
         std::string& line = Begin("Operators");
         for (const TDSOperator* const op : field.GetOperators()) {
             if (op != field.GetOperators().front())

@@ -95,6 +95,7 @@ std::vector<TMessageRecord>& Records() {
         {msgOperatorName, "", "Operator: %s"},
         {msgValueName, "", "Value: %s"},
         {msgLinkName, "", "Joined by: %s"},
+        {msgUnknownNeed, "", "The text needs \"%s\", which this version does not know"},
     };
     return records;
 }

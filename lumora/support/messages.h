@@ -90,7 +90,8 @@ enum TMessageId : int {
     msgFieldName,
     msgOperatorName,
     msgValueName,
-    msgLinkName
+    msgLinkName,
+    msgUnknownNeed
 };
 
 // The text of a message; a reference that is valid until the message is set.
