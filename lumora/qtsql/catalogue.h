@@ -26,6 +26,24 @@ struct ColumnInfo {
     // Texts: the most characters, 0 for no bound; numeric: digits behind the point; otherwise 0.
     int size = 0;
     Comparison comparison = Comparison::Text;
+    bool nullable = true;
+    // False where the engine names no type, as SQLite does not for the expressions of a view; `type` then
+    // says nothing.
+    bool hasType = true;
+    // The only values that the column takes, as an enumeration or a check names them; empty: any.
+    std::vector<std::string> choices;
+};
+
+enum class TableKind : std::uint8_t { Table, View };
+
+struct TableInfo {
+    TableKind kind = TableKind::Table;
+    // About how many; -1 when that is not known without counting, as of a view.
+    std::int64_t rowCount = -1;
+    std::vector<std::string> primaryKey; // its columns in order; empty when there is none
+    // The columns of each key by which two rows are never alike and none is null, the primary key among them.
+    std::vector<std::vector<std::string>> uniqueKeys;
+    std::vector<std::string> indexedColumns; // those with which an index begins that holds every row
 };
 
 // Column i refers to referencedColumns[i]. Tables by their model names.
@@ -45,6 +63,8 @@ public:
     virtual std::vector<std::string> tables(bool systemTables) = 0;
     // In their order; empty when there is no such table.
     virtual std::vector<ColumnInfo> columns(const std::string& table) = 0;
+    // Of a table that `tables` lists; a catalogue that knows nothing of it says so by the defaults.
+    virtual TableInfo tableInfo(const std::string& /*table*/) { return {}; }
     // Between tables that `tables` lists, in its order, then in the order in which they were made.
     virtual std::vector<ForeignKey> foreignKeys() = 0;
 };
