@@ -181,7 +181,10 @@ TEST_P(FilledModel, EveryFieldTakesEveryOperatorItOffers) {
             panel_.GetQResult().GetResultFields().Add("@1", {&field}, field.GetDisplayName());
             TSimpleCond* const condition = panel_.ManualAddCond(*panel_.GetRootBracket(), &field, op, "");
             for (int value = 1; value <= op->GetParamCount(); ++value)
-                condition->SetValue(value, sampleValue(field));
+                condition->SetValue(value, op->ExprType == ftInteger ? "1" : sampleValue(field));
+            if (op->ValueKind == vkSubQuery)
+                condition->SetValue(1, "select " + field.GetSQLExpr({true}) + " from " +
+                                           field.GetTable()->GetSQLExpr());
             run();
             ++queries;
         }

@@ -2,6 +2,7 @@
 
 #include "lumora/platform/ascii.h"
 #include "lumora/qtsql/captions.h"
+#include "lumora/qtsql/filledoperators.h"
 #include "lumora/qtsql/tablename.h"
 
 #include <algorithm>
@@ -55,7 +56,9 @@ public:
             quoteLink(*model_.GetLink(i));
         for (int i = 0; i < model_.GetTableCount(); ++i)
             finishTable(*model_.GetTable(i));
+        addFilledOperators(model_, EffectiveDialect(dialectOf(engine_), ssSQL2, true));
         finishFields();
+        dropUnusedOperators(model_);
     }
 
 private:
@@ -144,7 +147,7 @@ private:
             field.SetDisplayName(std::move(caption));
             field.SetQuoted(needsQuotes(engine_, field.GetFieldText()));
             field.SetGroup(group);
-            chooseOperators(field);
+            chooseOperators(field, comparisonOf(field), false);
         }
     }
 
@@ -154,24 +157,9 @@ private:
             comparisons_[column.name] = column.comparison;
     }
 
-    // The default operators know no fixed-length texts and no identifiers, and cannot tell a text from a type
-    // that is merely written like one.
-    void chooseOperators(TDSField& field) const {
+    Comparison comparisonOf(const TDSField& field) const {
         const auto found = comparisons_.find(field.GetFieldText());
-        const Comparison comparison = found == comparisons_.end() ? Comparison::Text : found->second;
-        const TFieldType like =
-            field.FieldType == ftFixedChar || field.FieldType == ftGuid ? ftString : field.FieldType;
-        const bool hasPatterns = comparison == Comparison::Text;
-        while (field.GetOperatCount() > 0)
-            field.DelOperator(field.GetOperatCount() - 1);
-        for (int i = 0; i < model_.GetOperatCount(); ++i) {
-            TDSOperator* const op = model_.GetOperator(i);
-            const bool isPattern = !op->AppliedTypes.Contains(ftInteger); // for texts only
-            const bool applies =
-                comparison == Comparison::None ? op->GetParamCount() == 0 : op->AppliedTypes.Contains(like);
-            if (applies && (hasPatterns || !isPattern))
-                field.AddOperator(op);
-        }
+        return found == comparisons_.end() ? Comparison::Text : found->second;
     }
 
     TVCustomDBStructure& model_;

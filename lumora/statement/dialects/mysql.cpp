@@ -14,6 +14,7 @@ constinit const TDialect MySQLDialect{
     .True = "1",
     .False = "0",
     .Concat = "CONCAT(@1, @2)",
+    .CaseBlindLike = "@1 LIKE @2",
     .NullSafeEqual = "@1 <=> @2",
     .Limit = "LIMIT @1",
     .Part = {.Year = "YEAR(@1)",

@@ -7,6 +7,7 @@ constinit const TDialect SQLiteDialect{
     .NameQuotes = "\"\"``[]",
     .True = "1",
     .False = "0",
+    .CaseBlindLike = "@1 LIKE @2",
     .NullSafeEqual = "@1 IS @2",
     .Limit = "LIMIT @1",
     .Part = {.Year = "CAST(strftime('%Y', @1) AS INTEGER)",
