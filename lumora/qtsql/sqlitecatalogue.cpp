@@ -1,12 +1,14 @@
 // SQLite: the pragma functions, and types by the words that they were declared with.
 
 #include "lumora/qtsql/catalogues.h"
+#include "lumora/qtsql/checkchoices.h"
 #include "lumora/qtsql/databaseerror.h"
 #include "lumora/qtsql/tablename.h"
 #include "lumora/support/string_helpers.h"
 
 #include <algorithm>
 #include <map>
+#include <set>
 
 namespace lumora {
 
@@ -67,6 +69,7 @@ ColumnInfo describe(std::string name, std::string_view declaration) {
     const DeclaredType declared(declaration);
     ColumnInfo column;
     column.name = std::move(name);
+    column.hasType = !declared.words.empty();
     column.type = typeOf(declared);
     switch (column.type) {
     case ftString:
@@ -116,9 +119,34 @@ public:
         if (!hasSchema(name.schema))
             return columns;
         QSqlQuery query = columnQuery(name);
-        while (nextRow(query))
+        while (nextRow(query)) {
             columns.push_back(describe(textOf(query, 0), textOf(query, 1)));
+            columns.back().nullable = !query.value(2).toBool();
+        }
+        if (const std::string rowID = rowIDOf(name); !rowID.empty())
+            for (ColumnInfo& column : columns)
+                column.nullable = column.nullable && column.name != rowID;
+        addChoices(name, columns);
         return columns;
+    }
+
+    TableInfo tableInfo(const std::string& table) override {
+        const TableName name = fromModelName(table);
+        TableInfo info;
+        if (!hasSchema(name.schema))
+            return info;
+        info.kind = isView(name) ? TableKind::View : TableKind::Table;
+        info.primaryKey = primaryKeyOf(name);
+        if (info.kind == TableKind::View)
+            return info;
+        info.rowCount = spanOfRows(name);
+        std::set<std::string> required;
+        for (const ColumnInfo& column : columns(table))
+            if (!column.nullable)
+                required.insert(column.name);
+        addKey(info, info.primaryKey, required);
+        readIndexes(name, info, required);
+        return info;
     }
 
     // A key refers to a table of its own schema, spelled in any case. Keys are listed last one first.
@@ -152,8 +180,96 @@ private:
 
     QSqlQuery columnQuery(const TableName& table) const {
         return execute(database_,
-                       u"select name, type from pragma_table_xinfo(?, ?) where hidden <> 1 order by cid"_s,
+                       u"select name, type, \"notnull\" from pragma_table_xinfo(?, ?)"
+                       " where hidden <> 1 order by cid"_s,
                        bind(table));
+    }
+
+    static QString sqlOf(const TableName& table) {
+        return QString::fromStdString(quotedName(table.schema.empty() ? "main" : table.schema) + '.' +
+                                      quotedName(table.name));
+    }
+
+    bool isView(const TableName& table) const {
+        QSqlQuery query = execute(
+            database_, u"select type from pragma_table_list where name = ? collate nocase and schema = ?"_s,
+            bind(table));
+        return nextRow(query) && textOf(query, 0) == "view";
+    }
+
+    // The column that is the row's number, which is never null; empty when there is none.
+    std::string rowIDOf(const TableName& table) const {
+        QSqlQuery query = execute(database_,
+                                  u"select name, type, (select wr from pragma_table_list"
+                                  "  where name = ? collate nocase and schema = ?)"
+                                  " from pragma_table_info(?, ?) where pk > 0"_s,
+                                  bind(table) + bind(table));
+        std::string name;
+        for (int columns = 0; nextRow(query); ++columns)
+            name = columns == 0 && LowerAscii(textOf(query, 1)) == "integer" && !query.value(2).toBool()
+                       ? textOf(query, 0)
+                       : std::string();
+        return name;
+    }
+
+    // At most as many rows as that are there; -1 for a table without row numbers.
+    std::int64_t spanOfRows(const TableName& table) const {
+        try {
+            QSqlQuery query = execute(database_, u"select (select max(rowid) from %1) -"
+                                                 " (select min(rowid) from %1) + 1"_s.arg(sqlOf(table)));
+            return nextRow(query) ? query.value(0).toLongLong() : -1; // null of an empty one is 0
+        } catch (const DatabaseError&) {
+            return -1;
+        }
+    }
+
+    static void addKey(TableInfo& info, const std::vector<std::string>& columns,
+                       const std::set<std::string>& required) {
+        if (!columns.empty() && std::all_of(columns.begin(), columns.end(), [&](const std::string& column) {
+                return required.count(column) > 0;
+            }))
+            info.uniqueKeys.push_back(columns);
+    }
+
+    // An index over expressions has columns without a name, a partial one not every row.
+    void readIndexes(const TableName& table, TableInfo& info, const std::set<std::string>& required) const {
+        if (const std::string rowID = rowIDOf(table); !rowID.empty())
+            info.indexedColumns.push_back(rowID);
+        QSqlQuery query =
+            execute(database_,
+                    u"select i.name, i.\"unique\", c.seqno, c.name from pragma_index_list(?, ?) i,"
+                    " pragma_index_info(i.name, ?) c where i.partial = 0 and i.origin <> 'pk'"
+                    " order by i.seq, c.seqno"_s,
+                    bind(table) + QVariantList{bind(table).back()});
+        std::vector<std::string> columns;
+        bool isUnique = false;
+        while (nextRow(query)) {
+            if (query.value(2).toInt() == 0) {
+                addKey(info, isUnique ? columns : std::vector<std::string>(), required);
+                columns.clear();
+                isUnique = query.value(1).toBool();
+                info.indexedColumns.push_back(textOf(query, 3));
+            }
+            columns.push_back(textOf(query, 3));
+        }
+        addKey(info, isUnique ? columns : std::vector<std::string>(), required);
+        if (!info.primaryKey.empty())
+            info.indexedColumns.push_back(info.primaryKey.front());
+    }
+
+    void addChoices(const TableName& table, std::vector<ColumnInfo>& columns) const {
+        QSqlQuery query = execute(
+            database_,
+            u"select sql from %1.sqlite_master where type = 'table' and name = ? collate nocase"_s.arg(
+                QString::fromStdString(quotedName(table.schema.empty() ? "main" : table.schema))),
+            {QString::fromStdString(table.name)});
+        const std::string definition = nextRow(query) ? textOf(query, 0) : std::string();
+        for (const std::string_view check : checksOf(definition)) {
+            CheckedColumn checked = choicesOfCheck(check);
+            for (ColumnInfo& column : columns)
+                if (SameText(column.name, checked.column) && column.choices.empty())
+                    column.choices = std::move(checked.choices);
+        }
     }
 
     // A view outlives the tables that it reads.
