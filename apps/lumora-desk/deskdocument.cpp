@@ -5,6 +5,7 @@
 #include "lumora/qtsql/engine.h"
 #include "lumora/qtsql/placeholders.h"
 #include "lumora/qtsql/queryparameters.h"
+#include "lumora/query/column_total.h"
 #include "lumora/querybase/stored_text.h"
 #include "lumora/screen/row_problems.h"
 
@@ -462,7 +463,7 @@ Statement DeskDocument::statement(const std::vector<ParameterValue>& values) {
         parameters.bind(sql, given, model()->GetSQLFormats(), engineOf(statement.database.driver));
     const TRFieldList& fields = copy->GetQResult().GetResultFields();
     for (int i = 0; i < fields.Count() && !fields.JustSorting; ++i)
-        statement.captions.append(QString::fromStdString(fields.GetRField(i)->GetCaption()));
+        statement.captions.append(QString::fromStdString(ColumnHeading(*fields.GetRField(i))));
     return statement;
 }
 

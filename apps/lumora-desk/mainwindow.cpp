@@ -5,12 +5,12 @@
 #include "apps/lumora-desk/parametersdialog.h"
 #include "apps/lumora-desk/querylistpane.h"
 #include "apps/lumora-desk/querypane.h"
-#include "apps/lumora-desk/querysentence.h"
 #include "apps/lumora-desk/readsqldialog.h"
 #include "apps/lumora-desk/resultpane.h"
 #include "apps/lumora-desk/sampledatabase.h"
 #include "apps/lumora-desk/startpage.h"
 #include "apps/lumora-desk/statementpane.h"
+#include "lumora/screen/query_sentence.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -492,7 +492,8 @@ void MainWindow::updateStatement() {
         return;
     const BuiltStatement statement = document_.build();
     isRunnable_ = statement.problem.isEmpty();
-    statement_->showStatement(statement, querySentence(document_.panel()));
+    statement_->showStatement(
+        statement, QString::fromStdString(QuerySentence(document_.panel().GetScreen())));
     distinct_->setChecked(document_.isDistinct());
     updateState();
 }

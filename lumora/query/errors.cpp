@@ -44,6 +44,8 @@ TMessageId MessageOf(TQueryPanelErrorCode code) {
         return msgNoTable;
     case qpeChangedMeanwhile:
         return msgChangedMeanwhile;
+    case qpeNoPath:
+        return msgNoPathBetween;
     }
     return msgQueryWasNotBuilt;
 }

@@ -27,7 +27,8 @@ enum TQueryPanelErrorCode : int {
     qpeInvalidIndex = 16,
     qpeCantSortByTotal = 17,
     qpeEmptyLink = 18,
-    qpeChangedMeanwhile = 19
+    qpeChangedMeanwhile = 19,
+    qpeNoPath = 20
 };
 
 class EVQueryPanelError : public EVLumoraError {

@@ -75,7 +75,7 @@ void TQueryBuilder::AddTable(TDSTable* table) {
         return;
     }
     TDSPath path(nullptr);
-    structure_.FindPath(*tables.GetItem(0).Table, *table, path);
+    FindPath(*tables.GetItem(0).Table, *table, path);
     for (int i = 1; i < path.GetTableCount(); ++i) {
         TDSTable* const step = path.GetTable(i);
         if (HasTable(step))
@@ -84,6 +84,17 @@ void TQueryBuilder::AddTable(TDSTable* table) {
         if (strict_)
             CheckLink(*link);
         tables.Add(step, link);
+    }
+}
+
+// A strict query says which tables no link joins.
+void TQueryBuilder::FindPath(const TDSTable& from, const TDSTable& to, TDSPath& path) const {
+    try {
+        structure_.FindPath(from, to, path);
+    } catch (const EVDBStructError& error) {
+        if (!strict_ || error.Code != dseNoPath)
+            throw;
+        throw EVQueryPanelError(qpeNoPath, {from.GetDisplayName(), to.GetDisplayName()});
     }
 }
 

@@ -11,6 +11,8 @@
 
 namespace lumora {
 
+class TDSPath;
+
 class TQueryBuilder {
 public:
     TQueryBuilder(TVQuery& panel, const TVCustomDBStructure& structure);
@@ -24,6 +26,7 @@ private:
     void AddTable(TDSTable* table);
     void AddTables(const TDSTableList& tables);
     bool HasTable(TDSTable* table) const;
+    void FindPath(const TDSTable& from, const TDSTable& to, TDSPath& path) const;
     void AddResultFields();
     void CheckResultField(const TResultField& field) const;
     void CheckSorting(const TResultField& field) const;

@@ -106,10 +106,13 @@ const TStringList& TQueryResult::GetSQL() {
     return sql_;
 }
 
+bool TQueryResult::IsCurrent() const {
+    return wasBuilt_ && !stale_ && builtVersion_ == resultFields_.GetVersion() &&
+           builtJustSorting_ == resultFields_.JustSorting;
+}
+
 void TQueryResult::BuildAgainWhenStale() {
-    const bool changed = stale_ || builtVersion_ != resultFields_.GetVersion() ||
-                         builtJustSorting_ != resultFields_.JustSorting;
-    if (wasBuilt_ && changed && !building_)
+    if (wasBuilt_ && !IsCurrent() && !building_)
         panel_.BuildAgain();
 }
 

@@ -62,6 +62,8 @@ public:
     void ClearBuild();
     // What was built is no longer what the query says.
     void QueryChanged() { stale_ = true; }
+    // Whether the tables and clauses are those of the query as it is now.
+    bool IsCurrent() const;
     // The build step makes conditions, group and sort items in the statement that BeginBuild hands out;
     // EndBuild takes it back and makes the texts of the two clauses.
     // FinishBuild says whether it came so far.

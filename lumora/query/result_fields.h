@@ -78,6 +78,7 @@ public:
     void Assign(const TResultField& source);
     TVQuery* GetQueryPanel() const;
     const TVCustomDBStructure* GetDBStruct() const;
+    TRFieldList& GetOwner() const { return owner_; }
     // An automation object of the host, stored and handed on.
     void* GetOleObject() const { return oleObject_; }
     void SetOleObject(void* object) { oleObject_ = object; }

@@ -24,9 +24,6 @@ bool IsRowEnabled(const TFilterRow& row) {
     return true;
 }
 
-namespace {
-
-// One line of at most MaxScreenCaption characters.
 std::string ScreenCaption(std::string_view text) {
     std::string caption;
     int characters = 0;
@@ -38,6 +35,8 @@ std::string ScreenCaption(std::string_view text) {
     }
     return caption;
 }
+
+namespace {
 
 TColor ColorOf(const TQPAppearance& looks, TWordRole role) {
     switch (role) {

@@ -5,6 +5,7 @@
 #include "lumora/screen/row_problems.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace lumora {
@@ -38,6 +39,8 @@ struct TScreenWord {
 
 // Captions on screen are cut to this many characters.
 inline constexpr int MaxScreenCaption = 80;
+// One line of at most so many characters.
+std::string ScreenCaption(std::string_view text);
 
 // The words of a row, in order: the button, the check box (aoShowCheckBoxes), and what the row says, with
 // prompts for what is not given yet. The root bracket's words are the header's.

@@ -3,15 +3,11 @@
 #include "lumora/lumora.h"
 
 #include <algorithm>
-#include <array>
 #include <functional>
 
 namespace lumora {
 
 namespace {
-
-constexpr std::array<std::string_view, 6> formulas = {"@1",      "count(@1)", "sum(@1)",
-                                                      "avg(@1)", "min(@1)",   "max(@1)"};
 
 bool isOrdered(TFieldType type) {
     return type != ftBlob && type != ftMemo && type != ftGraphic && type != ftBoolean;
@@ -112,18 +108,14 @@ void ResultColumnsModel::setSortRank(int row, int rank) {
 // --- Aggregates.
 
 ResultColumnsModel::Aggregate ResultColumnsModel::aggregate(int row) const {
-    if (field(row).GetFields().size() != 1)
-        return Custom;
-    const std::string formula = LowerAscii(field(row).GetFormula());
-    const auto found = std::find(formulas.begin(), formulas.end(), formula);
-    return static_cast<Aggregate>(found - formulas.begin());
+    return static_cast<Aggregate>(TotalOf(field(row)));
 }
 
 void ResultColumnsModel::setAggregate(int row, Aggregate aggregate) {
     if (aggregate == Custom || aggregate == this->aggregate(row))
         return;
     panel()->BeginUpdate();
-    field(row).SetFormula(std::string(formulas[aggregate]));
+    SetTotal(field(row), static_cast<TColumnTotal>(aggregate));
     panel()->EndUpdate();
 }
 
@@ -131,7 +123,7 @@ std::vector<ResultColumnsModel::Aggregate> ResultColumnsModel::aggregates(int ro
     if (aggregate(row) == Custom)
         return {Custom};
     const TFieldType type = field(row).GetFields().front()->FieldType;
-    std::vector<Aggregate> offered = {Value, Count};
+    std::vector<Aggregate> offered = {Value, Count, CountDifferent};
     if (IsNumber(type))
         offered.insert(offered.end(), {Sum, Average});
     if (isOrdered(type))
@@ -147,6 +139,8 @@ QString ResultColumnsModel::aggregateName(Aggregate aggregate) {
         return tr("each value");
     case Count:
         return tr("how many");
+    case CountDifferent:
+        return tr("how many different");
     case Sum:
         return tr("sum");
     case Average:
@@ -219,7 +213,7 @@ QVariant ResultColumnsModel::data(const QModelIndex& index, int role) const {
         return {};
     switch (index.column()) {
     case Caption:
-        return QString::fromStdString(field(row).GetCaption());
+        return QString::fromStdString(ColumnHeading(field(row)));
     case Shown:
         if (!display)
             return static_cast<int>(aggregate(row));
@@ -243,7 +237,7 @@ bool ResultColumnsModel::setData(const QModelIndex& index, const QVariant& value
     switch (index.column()) {
     case Caption: {
         const std::string caption = value.toString().simplified().toStdString();
-        if (caption.empty() || caption == field(row).GetCaption())
+        if (caption.empty() || caption == ColumnHeading(field(row)))
             return false;
         panel()->BeginUpdate();
         field(row).SetCaption(fields().GetUniqCaption(caption));

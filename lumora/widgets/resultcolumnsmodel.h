@@ -3,6 +3,7 @@
 
 #include "lumora/panel/Vquerpnl.h"
 #include "lumora/panel/panel_links.h"
+#include "lumora/query/column_total.h"
 #include "lumora/query/query_result.h"
 
 #include <QAbstractTableModel>
@@ -19,7 +20,16 @@ class ResultColumnsModel : public QAbstractTableModel, private TVQueryPanelLink 
 public:
     enum Column { Caption, Shown, Sorting, ColumnCount };
     // What is shown of a column's field. Custom is any other formula, which stays as it is.
-    enum Aggregate { Value, Count, Sum, Average, Least, Greatest, Custom };
+    enum Aggregate {
+        Value = ctValue,
+        Count = ctCount,
+        CountDifferent = ctCountDifferent,
+        Sum = ctSum,
+        Average = ctAverage,
+        Least = ctLeast,
+        Greatest = ctGreatest,
+        Custom = ctFormula
+    };
     enum Role { RawRole = Qt::UserRole }; // of Shown an Aggregate, of Sorting a TSortingType
 
     explicit ResultColumnsModel(QObject* parent = nullptr);
@@ -40,6 +50,7 @@ public:
     int sortRank(int row) const; // 0: not sorted
 
     Aggregate aggregate(int row) const;
+    // A caption that nobody typed follows.
     void setAggregate(int row, Aggregate aggregate);
     // Those that make sense for the column's field; of a custom formula only that.
     std::vector<Aggregate> aggregates(int row) const;

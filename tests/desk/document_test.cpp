@@ -1,7 +1,6 @@
 // The document: a database, a query and the base of saved ones.
 
 #include "apps/lumora-desk/querylistmodel.h"
-#include "apps/lumora-desk/querysentence.h"
 #include "tests/desk/desk_fixture.h"
 #include "tests/message_of.h"
 
@@ -49,7 +48,6 @@ TEST_F(Documents, BeginWithAnEmptyQueryThatIsNotYetOneToSave) {
     const BuiltStatement statement = document.build();
     EXPECT_EQ(statement.sql, "");
     EXPECT_TRUE(statement.problem.contains("choose a column")) << statement.problem.toStdString();
-    EXPECT_EQ(querySentence(document.panel()), "");
 }
 
 TEST_F(Documents, AChangeThatIsTakenBackIsNone) {

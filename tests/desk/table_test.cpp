@@ -1,7 +1,6 @@
 // What tables, lists and texts of the program show.
 
 #include "apps/lumora-desk/commandline.h"
-#include "apps/lumora-desk/querysentence.h"
 #include "apps/lumora-desk/recentdatabases.h"
 #include "apps/lumora-desk/resulttablemodel.h"
 #include "apps/lumora-desk/sqlhighlighter.h"
@@ -94,16 +93,6 @@ TEST(SqlStretches, StandWhereTheTextHasThem) {
               "0select|1\"Größe\"|0from|4-- über|0where|2'ü😀'|0and|31.5|0and|5p|4/* x");
     EXPECT_EQ(kinds("x = 'open\nstill"), "2'open\nstill");
     EXPECT_EQ(kinds(""), "");
-}
-
-// --- Words.
-
-TEST(QuerySentence, PutsBracketsWhereLinesAreIndented) {
-    EXPECT_EQ(conditionSentence({" Choose records where all apply", "   A is 1", "   any apply",
-                                 "     B is 2", "     none apply", "       C is 3", "   D is 4"}),
-              "Choose records where all apply: A is 1; any apply (B is 2; none apply (C is 3)); D is 4.");
-    EXPECT_EQ(conditionSentence({" Choose records where all apply"}), "");
-    EXPECT_EQ(conditionSentence({}), "");
 }
 
 // --- Recent databases.

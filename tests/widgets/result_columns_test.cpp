@@ -71,14 +71,26 @@ TEST_F(ResultColumns, OfferWhatTheFieldsTypeHasUseFor) {
     columns().addField(field("customers.company"));
     columns().addField(field("orders.amount"));
     columns().addField(field("customers.active"));
-    EXPECT_EQ(columns().aggregates(0),
-              (std::vector{Model::Value, Model::Count, Model::Least, Model::Greatest}));
-    EXPECT_EQ(columns().aggregates(1), (std::vector{Model::Value, Model::Count, Model::Sum, Model::Average,
+    EXPECT_EQ(columns().aggregates(0), (std::vector{Model::Value, Model::Count, Model::CountDifferent,
                                                     Model::Least, Model::Greatest}));
-    EXPECT_EQ(columns().aggregates(2), (std::vector{Model::Value, Model::Count}));
+    EXPECT_EQ(columns().aggregates(1),
+              (std::vector{Model::Value, Model::Count, Model::CountDifferent, Model::Sum, Model::Average,
+                           Model::Least, Model::Greatest}));
+    EXPECT_EQ(columns().aggregates(2), (std::vector{Model::Value, Model::Count, Model::CountDifferent}));
     columns().setData(columns().index(1, Model::Shown), Model::Sum);
     EXPECT_EQ(shop.Panel.GetQResult().GetResultFields().GetRField(1)->GetSQLExpr(), "sum(orders.amount)");
     EXPECT_EQ(cell(1, Model::Shown).toString(), "sum");
+    EXPECT_EQ(cell(1, Model::Caption).toString(), "Sum of amount");
+    columns().setData(columns().index(1, Model::Caption), "Turnover");
+    columns().setData(columns().index(1, Model::Shown), Model::CountDifferent);
+    EXPECT_EQ(cell(1, Model::Caption).toString(), "Turnover") << "what was typed stays";
+    // A stored column is named by what it is, and its text stays as it was.
+    TResultField& stored =
+        *shop.Panel.GetQResult().GetResultFields().Add("count(@1)", {&field("customers.company")}, "company");
+    widget.refresh();
+    EXPECT_EQ(cell(3, Model::Caption).toString(), "Number of values of company");
+    columns().setData(columns().index(3, Model::Caption), "Number of values of company");
+    EXPECT_EQ(stored.GetCaption(), "company");
 }
 
 TEST_F(ResultColumns, LeaveFormulasOfTheirOwnAlone) {
