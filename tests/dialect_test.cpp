@@ -121,7 +121,7 @@ TEST_F(Dialect, ReadsBackWhatItWrites) {
     for (const TSQLDialect dialect : {sdSQLite, sdPostgreSQL, sdMySQL}) {
         shop_.Panel.SetDialect(dialect);
         Text("customers.active", "Equal", "true");
-        shop_.Where("orders.placed", "InList", "2001-03-05 14:30,2001-03-06");
+        shop_.Where("orders.placed", "InList", "2001-03-05 14:30,2001-03-06 00:00");
         const std::string sql = shop_.SQL();
         shop_.Panel.ParseSQL(TStringList(sql));
         EXPECT_EQ(shop_.SQL(), sql);

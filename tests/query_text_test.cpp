@@ -303,3 +303,26 @@ TEST(QueryText, DamagedTextsGiveAResultOrAnError) {
         }
     }
 }
+
+TEST(QueryText, KeepsOfAStrictQueryHowExactlyMomentsAreSaid) {
+    TShop shop;
+    shop.Panel.SetStrict(true);
+    const char* const moments[] = {"2001-03-05", "2001-03-05 00:00:00", "2001-03-05 14:30:15.250"};
+    for (const char* const moment : moments)
+        shop.Where("orders.placed", "LessOrEqual", moment);
+    shop.Where("orders.placed", "InList", std::string(moments[1]) + "," + moments[2]);
+    shop.Where("lines.at", "Equal", "09:00:00.125");
+    const std::string text = Saved(shop.Panel);
+    EXPECT_NE(text.find("Value1=36955\n"), std::string::npos);
+    EXPECT_NE(text.find("Value1=36955.0\n"), std::string::npos);
+    Load(shop.Panel, text);
+    for (int i = 0; i < 5; ++i) {
+        const std::string values[] = {moments[0], moments[1], moments[2],
+                                      std::string(moments[1]) + "," + moments[2], "09:00:00.125"};
+        EXPECT_EQ(static_cast<TSimpleCond*>(shop.Root().GetRow(i))->GetValue(1), values[i]);
+    }
+    shop.Panel.SetStrict(false); // a plain one writes and shows what it always did
+    EXPECT_EQ(Saved(shop.Panel).find("36955.0\n"), std::string::npos);
+    Load(shop.Panel, text);
+    EXPECT_EQ(static_cast<TSimpleCond*>(shop.Root().GetRow(1))->GetValue(1), "2001-03-05");
+}

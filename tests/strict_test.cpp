@@ -1,4 +1,5 @@
 #include "lumora/query/strict_checks.h"
+#include "lumora/support/string_helpers.h"
 #include "tests/strict_shop.h"
 
 #include <gtest/gtest.h>
@@ -170,6 +171,73 @@ TEST_F(Strict, RefusesWhatIsUnrecognizedOrWouldBeCut) {
     EXPECT_EQ(Refusal("lines.at", "Equal", "09:00:45"), "Invalid value \"09:00:45\" for \"at\"");
     shop_.Model.GetSQLFormats().SetTime("hh:nn:ss");
     EXPECT_EQ(Text("lines.at", "Equal", "09:00:45"), "lines.at = '09:00:45'\n");
+    EXPECT_EQ(Refusal("lines.at", "Equal", "09:00:45.5"), "Invalid value \"09:00:45.5\" for \"at\"");
+    shop_.Panel.SetDialect(sdPostgreSQL);
+    EXPECT_EQ(Text("lines.at", "Equal", "09:00:45.5"), "lines.at = '09:00:45.500'\n");
+    EXPECT_EQ(Refusal("orders.placed", "LessThan", "2001-03-05 12:34:56.123456"),
+              "Invalid value \"2001-03-05 12:34:56.123456\" for \"placed\"");
+}
+
+TEST_F(Strict, ComparesDaysWithAllTheirMoments) {
+    TDSField& placed = *shop_.Field("orders.placed");
+    shop_.Model.AddOperator("Other", "", "(@f <> '@1' or @f is null)", "", LmUsedTypes);
+    shop_.Model.AddOperator("Within", "", "x < all (@f, '@1')", "", LmUsedTypes);
+    const auto text = [&](TDateStorage storage, const char* op, const char* v1, const char* v2 = "") {
+        placed.Storage = storage;
+        return ReplaceText(Text("orders.placed", op, v1, v2), "orders.placed", "f");
+    };
+    shop_.Panel.SetDialect(sdSQLite);
+    const char* const day = "1996-07-08";
+    EXPECT_EQ(text(dsMoment, "Equal", day), "(f >= '1996-07-08' AND f < '1996-07-09')\n");
+    EXPECT_EQ(text(dsMoment, "NotEqual", day), "(f < '1996-07-08' OR f >= '1996-07-09')\n");
+    EXPECT_EQ(text(dsMoment, "Other", day), "((f < '1996-07-08' OR f >= '1996-07-09') or f is null)\n");
+    EXPECT_EQ(text(dsMoment, "LessThan", day), "f < '1996-07-08'\n");
+    EXPECT_EQ(text(dsMoment, "LessOrEqual", day), "f < '1996-07-09'\n");
+    EXPECT_EQ(text(dsMoment, "GreaterThan", day), "f >= '1996-07-09'\n");
+    EXPECT_EQ(text(dsMoment, "GreaterOrEqual", day), "f >= '1996-07-08'\n");
+    EXPECT_EQ(text(dsMoment, "Between", day, "1996-07-10 12:30"),
+              "(f >= '1996-07-08' AND f <= '1996-07-10 12:30:00')\n");
+    EXPECT_EQ(text(dsMoment, "NotBetween", day, day), "NOT ((f >= '1996-07-08' AND f < '1996-07-09'))\n");
+    EXPECT_EQ(text(dsMoment, "NotInList", "1996-07-08, 1996-07-10 12:30"),
+              "NOT (((f >= '1996-07-08' AND f < '1996-07-09') OR f = '1996-07-10 12:30:00'))\n");
+    EXPECT_EQ(text(dsMoment, "Equal", "9999-12-31"),
+              "(f >= '9999-12-31' AND f <= '9999-12-31 23:59:59.999')\n");
+    EXPECT_EQ(text(dsMoment, "Within", day), "x < all (f, '1996-07-08 00:00:00')\n"); // no comparison
+
+    const char* const moment = "1996-07-08 12:30:15";
+    EXPECT_EQ(text(dsMoment, "Equal", moment), "f = '1996-07-08 12:30:15'\n");
+    EXPECT_EQ(text(dsMoment, "Equal", "1996-07-08 00:00"), "f = '1996-07-08 00:00:00'\n");
+    EXPECT_EQ(text(dsMomentFraction, "Equal", moment),
+              "(f >= '1996-07-08 12:30:15.000' AND f < '1996-07-08 12:30:16.000')\n");
+    EXPECT_EQ(text(dsMomentT, "LessOrEqual", moment), "f < '1996-07-08T12:30:16'\n");
+    EXPECT_EQ(text(dsMixedText, "GreaterOrEqual", "1996-07-08 12:30"),
+              "replace(f, 'T', ' ') >= '1996-07-08 12:30'\n");
+    EXPECT_EQ(text(dsEpochSeconds, "Equal", day), "(f >= 836784000 AND f < 836870400)\n");
+    EXPECT_EQ(text(dsEpochSeconds, "Within", "1969-12-31 23:59:59.500"), "x < all (f, -0.5)\n");
+    EXPECT_EQ(text(dsEpochMilliseconds, "GreaterThan", "1996-07-08 12:30:15.250"), "f >= 836829015251\n");
+    EXPECT_EQ(text(dsJulianDay, "LessThan", day), "f < 2450272.499999994\n");
+    EXPECT_EQ(text(dsDay, "Equal", day), "f = '1996-07-08'\n");
+    placed.Storage = dsDay;
+    EXPECT_EQ(Refusal("orders.placed", "Equal", moment),
+              "Invalid value \"1996-07-08 12:30:15\" for \"placed\"");
+    EXPECT_EQ(Refusal("customers.since", "Equal", moment),
+              "Invalid value \"1996-07-08 12:30:15\" for \"since\"");
+    EXPECT_EQ(Refusal("orders.placed", "LessThan", ""), "Invalid value \"\" for \"placed\"");
+
+    // Texts of another order can only be equal; an engine with moments of its own compares them all the same.
+    shop_.Model.GetSQLFormats().SetDateTime("dd.mm.yyyy hh:nn:ss");
+    EXPECT_EQ(text(dsAsType, "LessOrEqual", day), "f <= '08.07.1996 00:00:00'\n");
+    shop_.Panel.SetDialect(sdPostgreSQL);
+    EXPECT_EQ(text(dsAsType, "LessOrEqual", day), "f < '1996-07-09 00:00:00'\n");
+    EXPECT_EQ(text(dsAsType, "Equal", moment), "f = '1996-07-08 12:30:15'\n");
+    shop_.Where("orders.placed", "Equal", day)->SetValueIsParam(1, true);
+    EXPECT_TRUE(shop_.Conditions().ends_with("orders.placed = :Param1\n"));
+    shop_.Panel.SetDialect(sdOracle);
+    EXPECT_EQ(text(dsAsType, "GreaterThan", day),
+              "f >= TO_DATE('09-07-1996 00:00:00', 'dd-mm-yyyy hh24:mi:ss')\n");
+    shop_.Panel.SetStrict(false);
+    shop_.Panel.SetDialect(sdSQLite);
+    EXPECT_EQ(text(dsEpochSeconds, "Equal", day), "f = '08.07.1996 00:00:00'\n");
 }
 
 TEST_F(Strict, DoublesClosingQuotesInNames) {

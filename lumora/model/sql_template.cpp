@@ -207,6 +207,7 @@ void TSQLTemplate::SetText(std::string text) {
     text_ = std::move(text);
     ForgetPlans();
     hasOuterOr_ = FindOuterOr(text_);
+    comparisons_ = FindComparisons(text_);
     paramCount_ = 0;
     while (paramCount_ < MaxTemplateValues &&
            text_.find('@' + std::to_string(paramCount_ + 1)) != std::string::npos)

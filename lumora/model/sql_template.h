@@ -6,6 +6,8 @@
 // text that was put in.
 #pragma once
 
+#include "lumora/model/comparison_form.h"
+
 #include <atomic>
 #include <cstdint>
 #include <string>
@@ -79,6 +81,8 @@ public:
     int GetParamCount() const { return paramCount_; }
     // An "or" stands outside all parentheses, so what the template makes must be bracketed to hold together.
     bool HasOuterOr() const { return hasOuterOr_; }
+    // What it compares the field with.
+    const std::vector<TComparisonPiece>& GetComparisons() const { return comparisons_; }
     // The plan for a request. It is the template's own and holds until the text changes; when the template
     // keeps as many as it may, the plan is made in `spare`. Many threads may ask at once.
     const TTemplatePlan& Plan(const TPlanRequest& request, TTemplatePlan& spare) const;
@@ -92,6 +96,7 @@ private:
     std::string text_;
     int paramCount_ = 0;
     bool hasOuterOr_ = false;
+    std::vector<TComparisonPiece> comparisons_;
     mutable std::atomic<const TKeptPlan*> plans_{nullptr}; // owned; each leads to the one kept before it
 };
 

@@ -6,7 +6,6 @@ namespace lumora {
 
 namespace {
 
-constexpr int MillisecondsADay = 24 * 60 * 60 * 1000;
 constexpr int FirstDay = -693593; // 0001-01-01
 constexpr int LastDay = 2958465;  // 9999-12-31
 
@@ -39,12 +38,12 @@ TSplit Split(TDateTime value) {
     if (value >= LastDay + 1.0)
         return {LastDay, 0};
     const double day = std::trunc(value);
-    TSplit split{static_cast<int>(day),
-                 static_cast<int>(std::lround(std::fabs(value - day) * MillisecondsADay))};
+    TSplit split{static_cast<int>(day), static_cast<int>(std::lround(std::fabs(value - day) *
+                                                                     static_cast<double>(MillisecondsADay)))};
     if (split.Milliseconds < MillisecondsADay)
         return split;
     if (split.Day == LastDay)
-        return {LastDay, MillisecondsADay - 1};
+        return {LastDay, static_cast<int>(MillisecondsADay) - 1};
     return {split.Day + 1, 0};
 }
 
@@ -64,7 +63,7 @@ std::optional<TDateTime> TryEncodeTime(int hour, int minute, int second, int mil
         millisecond > 999)
         return std::nullopt;
     const int milliseconds = ((hour * 60 + minute) * 60 + second) * 1000 + millisecond;
-    return static_cast<double>(milliseconds) / MillisecondsADay;
+    return static_cast<double>(milliseconds) / static_cast<double>(MillisecondsADay);
 }
 
 TDateParts DecodeDate(TDateTime value) {
@@ -94,6 +93,18 @@ TDateTime JoinDateTime(TDateTime date, TDateTime time) {
     const double day = std::trunc(date);
     const double fraction = std::fabs(time - std::trunc(time));
     return day < 0 ? day - fraction : day + fraction;
+}
+
+std::int64_t ToMilliseconds(TDateTime value) {
+    const TSplit split = Split(value);
+    return split.Day * MillisecondsADay + split.Milliseconds;
+}
+
+TDateTime OfMilliseconds(std::int64_t milliseconds) {
+    std::int64_t ofDay = milliseconds % MillisecondsADay;
+    ofDay += ofDay < 0 ? MillisecondsADay : 0;
+    const auto day = static_cast<double>((milliseconds - ofDay) / MillisecondsADay);
+    return JoinDateTime(day, static_cast<double>(ofDay) / static_cast<double>(MillisecondsADay));
 }
 
 bool HasTime(TDateTime value) {

@@ -2,11 +2,13 @@
 // fraction counts away from zero: -1.25 is 06:00 of 1899-12-29).
 #pragma once
 
+#include <cstdint>
 #include <optional>
 
 namespace lumora {
 
 using TDateTime = double;
+inline constexpr std::int64_t MillisecondsADay = 24 * 60 * 60 * 1000;
 
 struct TDateParts {
     int Year = 0, Month = 0, Day = 0; // years 1 to 9999
@@ -27,6 +29,9 @@ TTimeParts DecodeTime(TDateTime value);
 int DayOfWeek(TDateTime value);
 // A date and a time of day put together, the right way round for dates before the first day too.
 TDateTime JoinDateTime(TDateTime date, TDateTime time);
+// Whole milliseconds since the start of 1899-12-30, which do count on before that day; and back.
+std::int64_t ToMilliseconds(TDateTime value);
+TDateTime OfMilliseconds(std::int64_t milliseconds);
 bool HasTime(TDateTime value); // the time of day, rounded to the millisecond, is not midnight
 
 } // namespace lumora

@@ -12,6 +12,11 @@ TFormatSettings& FormatSettings() {
     return settings;
 }
 
+const TFormatSettings& IsoFormatSettings() {
+    static const TFormatSettings settings;
+    return settings;
+}
+
 namespace {
 
 // Masks, taken apart for writing and reading alike.
@@ -223,7 +228,8 @@ private:
 struct TReadParts {
     int Year = -1, Month = -1, Day = -1;
     int Hour = -1, Minute = -1, Second = -1, Millisecond = -1;
-    int Afternoon = -1; // 0 for AM, 1 for PM
+    int Afternoon = -1;   // 0 for AM, 1 for PM
+    bool IsFiner = false; // digits behind the millisecond were passed over
 
     bool HasDate() const { return Year >= 0 || Month >= 0 || Day >= 0; }
     bool HasTime() const { return Hour >= 0 || Minute >= 0 || Second >= 0 || Millisecond >= 0; }
@@ -311,9 +317,12 @@ public:
         return TakeNumber(most, digits);
     }
 
-    void SkipDigits() {
-        while (!rest_.empty() && IsDigit(rest_.front()))
-            rest_.remove_prefix(1);
+    // Whether any of the digits that stand here is not zero.
+    bool SkipDigits() {
+        bool any = false;
+        for (; !rest_.empty() && IsDigit(rest_.front()); rest_.remove_prefix(1))
+            any = any || rest_.front() != '0';
+        return any;
     }
 
 private:
@@ -490,7 +499,7 @@ private:
         parts_.Millisecond = cursor_.TakeNumber(3, digits);
         for (std::size_t i = digits; i < 3; ++i)
             parts_.Millisecond *= 10;
-        cursor_.SkipDigits(); // what is finer than a millisecond is dropped
+        parts_.IsFiner = cursor_.SkipDigits(); // what is finer than a millisecond is dropped
         return digits > 0;
     }
 
@@ -500,19 +509,34 @@ private:
     TReadParts parts_;
 };
 
-std::optional<TDateTime> ReadFreely(std::string_view text, const std::string& order, bool dateAllowed,
-                                    bool timeAllowed, const TFormatSettings& settings) {
+std::optional<TReadDateTime> Evaluate(const TReadParts& parts) {
+    const std::optional<TDateTime> value = Encode(parts);
+    if (!value)
+        return std::nullopt;
+    const TDatePrecision precision = parts.IsFiner            ? dpFiner
+                                     : parts.Millisecond >= 0 ? dpMillisecond
+                                     : parts.HasTime()        ? dpSecond
+                                                              : dpDay;
+    return TReadDateTime{*value, precision, parts.HasDate()};
+}
+
+std::optional<TReadDateTime> ReadFreely(std::string_view text, const std::string& order, bool dateAllowed,
+                                        bool timeAllowed, const TFormatSettings& settings) {
     if (dateAllowed) {
         TFreeReader reader(text, order, settings);
         if (reader.ReadDate() &&
             (reader.AtEnd() || (timeAllowed && reader.TakeJoint() && reader.ReadTime() && reader.AtEnd())))
-            if (const std::optional<TDateTime> value = Encode(reader.Parts()))
-                return value;
+            if (const std::optional<TReadDateTime> read = Evaluate(reader.Parts()))
+                return read;
     }
     if (!timeAllowed)
         return std::nullopt;
     TFreeReader reader(text, order, settings);
-    return reader.ReadTime() && reader.AtEnd() ? Encode(reader.Parts()) : std::nullopt;
+    return reader.ReadTime() && reader.AtEnd() ? Evaluate(reader.Parts()) : std::nullopt;
+}
+
+std::optional<TDateTime> ValueOf(const std::optional<TReadDateTime>& read) {
+    return read ? std::optional(read->Value) : std::nullopt;
 }
 
 std::string SettingsOrder(const TFormatSettings& settings) {
@@ -525,7 +549,7 @@ public:
     TMaskReader(std::string_view text, const TFormatSettings& settings)
         : cursor_(Trim(text)), settings_(settings) {}
 
-    std::optional<TDateTime> Read(std::string_view mask) {
+    std::optional<TReadDateTime> Read(std::string_view mask) {
         TMaskScanner scanner(Trim(mask));
         std::optional<TMaskItem> item = scanner.Next();
         while (item) {
@@ -535,7 +559,7 @@ public:
                 return std::nullopt;
             item = next;
         }
-        return cursor_.AtEnd() ? Encode(parts_) : std::nullopt;
+        return cursor_.AtEnd() ? Evaluate(parts_) : std::nullopt;
     }
 
 private:
@@ -614,15 +638,46 @@ std::string DateTimeToStr(TDateTime value) {
     return FormatDateTime("c", value);
 }
 
+namespace {
+
+// The long time format with a fraction behind its seconds.
+std::string ExactTimeFormat() {
+    const std::string& format = FormatSettings().LongTimeFormat;
+    std::size_t behindSeconds = std::string::npos;
+    TMaskScanner scanner(format);
+    while (const std::optional<TMaskItem> item = scanner.Next())
+        if (item->Kind == 's')
+            behindSeconds = static_cast<std::size_t>(item->Text.data() - format.data()) + item->Count;
+    return behindSeconds == std::string::npos ? "hh:nn:ss.zzz"
+                                              : std::string(format).insert(behindSeconds, ".zzz");
+}
+
+} // namespace
+
+std::string ExactTimeToStr(TDateTime value) {
+    return DecodeTime(value).Millisecond == 0 ? TimeToStr(value) : FormatDateTime(ExactTimeFormat(), value);
+}
+
+std::string ExactDateTimeToStr(TDateTime value, TDatePrecision precision) {
+    const std::string day = DateToStr(value);
+    if (precision == dpDay)
+        return day;
+    return day + ' ' + (precision == dpSecond ? TimeToStr(value) : FormatDateTime(ExactTimeFormat(), value));
+}
+
 std::optional<TDateTime> TryStrToDate(std::string_view text, const TFormatSettings& settings) {
-    return ReadFreely(text, SettingsOrder(settings), true, false, settings);
+    return ValueOf(ReadFreely(text, SettingsOrder(settings), true, false, settings));
 }
 
 std::optional<TDateTime> TryStrToTime(std::string_view text, const TFormatSettings& settings) {
-    return ReadFreely(text, {}, false, true, settings);
+    return ValueOf(ReadFreely(text, {}, false, true, settings));
 }
 
 std::optional<TDateTime> TryStrToDateTime(std::string_view text, const TFormatSettings& settings) {
+    return ValueOf(ReadDateTime(text, settings));
+}
+
+std::optional<TReadDateTime> ReadDateTime(std::string_view text, const TFormatSettings& settings) {
     return ReadFreely(text, SettingsOrder(settings), true, true, settings);
 }
 
@@ -633,11 +688,16 @@ TDateTime StrToDateTime(std::string_view text) {
     return *value;
 }
 
+std::optional<TReadDateTime> ParseDateTime(std::string_view text, std::string_view mask,
+                                           const TFormatSettings& settings) {
+    if (const std::optional<TReadDateTime> read = TMaskReader(text, settings).Read(mask))
+        return read;
+    return ReadFreely(text, DateOrder(mask, SettingsOrder(settings)), true, true, settings);
+}
+
 std::optional<TDateTime> TryParseDateTime(std::string_view text, std::string_view mask,
                                           const TFormatSettings& settings) {
-    if (const std::optional<TDateTime> value = TMaskReader(text, settings).Read(mask))
-        return value;
-    return ReadFreely(text, DateOrder(mask, SettingsOrder(settings)), true, true, settings);
+    return ValueOf(ParseDateTime(text, mask, settings));
 }
 
 } // namespace lumora

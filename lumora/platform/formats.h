@@ -4,6 +4,7 @@
 #include "lumora/platform/datetime.h"
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -36,6 +37,8 @@ struct TFormatSettings {
 
 // The settings of the program; it may change them, before threads start.
 TFormatSettings& FormatSettings();
+// Those that no program changes: a mask's separators are meant as they stand.
+const TFormatSettings& IsoFormatSettings();
 
 // The value in a mask: d dd ddd dddd (5 and 6: the short and the long date), m mm mmm mmmm (minutes right
 // after an hour), y yy yyyy, h hh (of 12 when am/pm follows), n nn, s ss, z zzz, t tt (the short and the long
@@ -50,6 +53,19 @@ std::string TimeToStr(TDateTime value); // long time
 std::string
 DateTimeToStr(TDateTime value); // short date, then a blank and the long time unless it is midnight
 
+// How exactly a text says its date or time.
+enum TDatePrecision : std::uint8_t {
+    dpDay,
+    dpSecond, // a time without a fraction
+    dpMillisecond,
+    dpFiner // digits behind the millisecond, which no TDateTime holds
+};
+struct TReadDateTime {
+    TDateTime Value = 0;
+    TDatePrecision Precision = dpDay;
+    bool HasDate = false;
+};
+
 // A date is three numbers in the order (day, month, year) of the short date format with one separator ("-",
 // "/", ".", a blank or the settings' own) between them, or has a month's name ("5 March 2001", "Mar 5,
 // 2001"). A year of three or four digits may stand first whatever the order. A day of the week before the
@@ -63,11 +79,20 @@ std::optional<TDateTime> TryStrToTime(std::string_view text,
 // A date, a date and a time (a blank, a comma or "T" between them), or a time alone.
 std::optional<TDateTime> TryStrToDateTime(std::string_view text,
                                           const TFormatSettings& settings = FormatSettings());
+std::optional<TReadDateTime> ReadDateTime(std::string_view text,
+                                          const TFormatSettings& settings = FormatSettings());
 // The same, EConvertError '"TEXT" is not a valid date and time' instead of nothing.
 TDateTime StrToDateTime(std::string_view text);
+
+// TimeToStr with the milliseconds, where there are any.
+std::string ExactTimeToStr(TDateTime value);
+// The short date, with the time as far as the precision goes, midnight too.
+std::string ExactDateTimeToStr(TDateTime value, TDatePrecision precision);
 // Reads a text that FormatDateTime wrote with this mask; failing that, a date and time as above with the
 // parts in the mask's order. Parts that the mask lacks are the first month, the first day or zero.
 std::optional<TDateTime> TryParseDateTime(std::string_view text, std::string_view mask,
                                           const TFormatSettings& settings = FormatSettings());
+std::optional<TReadDateTime> ParseDateTime(std::string_view text, std::string_view mask,
+                                           const TFormatSettings& settings = FormatSettings());
 
 } // namespace lumora

@@ -18,14 +18,8 @@ constexpr TOracleForm OracleForms[] = {{"dd-mm-yyyy", "dd-mm-yyyy"},
                                        {"hh:nn:ss", "hh24:mi:ss"},
                                        {"dd-mm-yyyy hh:nn:ss", "dd-mm-yyyy hh24:mi:ss"}};
 
-// The separators of the masks are meant as they stand.
-const TFormatSettings& IsoSettings() {
-    static const TFormatSettings settings;
-    return settings;
-}
-
 // The date of TO_DATE('05-03-2001', 'dd-mm-yyyy'), with single or double quotes.
-std::optional<TDateTime> ParseOracleLiteral(std::string_view text) {
+std::optional<TReadDateTime> ParseOracleLiteral(std::string_view text) {
     constexpr std::string_view head = "to_date(";
     if (!SameText(text.substr(0, head.size()), head) || text.size() < head.size() + 2 || text.back() != ')')
         return std::nullopt;
@@ -39,7 +33,7 @@ std::optional<TDateTime> ParseOracleLiteral(std::string_view text) {
     for (const TOracleForm& form : OracleForms)
         if (mask.size() > 2 && mask.front() == quote && mask.back() == quote &&
             SameText(mask.substr(1, mask.size() - 2), form.OracleMask))
-            return TryParseDateTime(value, form.Mask, IsoSettings());
+            return ParseDateTime(value, form.Mask, IsoFormatSettings());
     return std::nullopt;
 }
 
@@ -93,10 +87,15 @@ void AppendDateValue(std::string& out, const TSQLFormats& formats, TFieldType ty
     const TDateForm& form = DateFormOf(dialect, type);
     if (form.Mask.empty() && AppendIsoValue(out, formats.MaskFor(type), text, FormatSettings()))
         return;
-    const TDateTime value = StrToDateTime(text);
+    AppendDateValue(out, formats, type, StrToDateTime(text), dialect);
+}
+
+void AppendDateValue(std::string& out, const TSQLFormats& formats, TFieldType type, TDateTime value,
+                     const TDialect& dialect) {
+    const TDateForm& form = DateFormOf(dialect, type);
     out += form.Before;
     const std::string date = form.Mask.empty() ? FormatDateTime(formats.MaskFor(type), value)
-                                               : FormatDateTime(form.Mask, value, IsoSettings());
+                                               : FormatDateTime(form.Mask, value, IsoFormatSettings());
     constexpr std::string_view noFraction = ".000";
     const bool whole = form.Mask.ends_with(".zzz") && date.ends_with(noFraction);
     out.append(date, 0, date.size() - (whole ? noFraction.size() : 0));
@@ -110,20 +109,16 @@ std::string DateValueToSQL(const TSQLFormats& formats, TFieldType type, std::str
     return date;
 }
 
-std::optional<std::string> TryDateValueFromSQL(const TSQLFormats& formats, TFieldType type,
-                                               std::string_view text) {
-    std::optional<TDateTime> value = ParseOracleLiteral(text);
-    if (!value)
-        value = TryParseDateTime(text, formats.MaskFor(type));
-    if (!value)
-        return std::nullopt;
-    return type == ftTime ? TimeToStr(*value) : DateTimeToStr(*value);
+std::optional<TReadDateTime> ReadSQLDate(const TSQLFormats& formats, TFieldType type, std::string_view text) {
+    const std::optional<TReadDateTime> read = ParseOracleLiteral(text);
+    return read ? read : ParseDateTime(text, formats.MaskFor(type));
 }
 
 std::string DateValueFromSQL(const TSQLFormats& formats, TFieldType type, std::string_view text) {
-    if (std::optional<std::string> value = TryDateValueFromSQL(formats, type, text))
-        return *std::move(value);
-    throw EConvertError("\"" + std::string(text) + "\" is not a valid date and time");
+    const std::optional<TReadDateTime> read = ReadSQLDate(formats, type, text);
+    if (!read)
+        throw EConvertError("\"" + std::string(text) + "\" is not a valid date and time");
+    return type == ftTime ? TimeToStr(read->Value) : DateTimeToStr(read->Value);
 }
 
 } // namespace lumora

@@ -197,7 +197,8 @@ std::string TVQuery::ExtractValue(const TFilterCond& condition, int value) const
     CheckIfDBStructAssigned();
     std::string text;
     const TDialect& dialect = EffectiveDialect(dialect_, sqlSyntax_, strict_);
-    TValueWriter(*model_, dialect, strict_).Append(text, TValueWriter::ValueOf(condition, value), false);
+    const TValueWriter writer(*model_, dialect, strict_);
+    writer.Append(text, writer.ValueOf(condition, value), false);
     return text;
 }
 

@@ -2,6 +2,7 @@
 
 #include "lumora/model/structure.h"
 #include "lumora/query/errors.h"
+#include "lumora/query/moment_comparison.h"
 #include "lumora/query/strict_checks.h"
 #include "lumora/support/string_helpers.h"
 
@@ -239,7 +240,8 @@ TPredicate* TQueryBuilder::MakeLeaf(TFilterCond& condition) {
     leaf->Tables = &tables;
     // A strict query holds an "or" of the template together, whatever stands around it.
     leaf->Parenthesized = bracketConditions_ || (strict_ && pattern->HasOuterOr());
-    FillTemplate(*leaf, condition);
+    if (!FillMomentComparison(*leaf, condition))
+        FillTemplate(*leaf, condition);
     if (hostWantsText_)
         LetHostChange(*leaf, condition);
     return leaf;
@@ -263,6 +265,29 @@ void TQueryBuilder::CheckRecognized(const TSimpleCond& condition) const {
         throw EVQueryPanelError(qpeUnrecognizedOperator, {"row " + condition.GetRowID()});
 }
 
+// False when the template will do. Values that are days, or moments that the column keeps more exactly, are
+// stretches of time.
+bool TQueryBuilder::FillMomentComparison(TPredicate& leaf, TFilterCond& condition) {
+    if (!strict_ || condition.GetRowType() != frtSimpleCondition || !IsDateOrTime(condition.GetValueType(1)))
+        return false;
+    const auto& simple = static_cast<TSimpleCond&>(condition);
+    const TMomentComparison comparison(simple, structure_, dialect_);
+    if (!comparison.IsNeeded())
+        return false;
+    const std::size_t start = statement_.Text.size();
+    std::vector<TMomentComparison::TWrittenValue> written;
+    comparison.Append(statement_.Text, simple.GetField()->GetSQLExpr(quoting_), written);
+    leaf.Text = statement_.SpanFrom(start);
+    for (const TMomentComparison::TWrittenValue& part : written) {
+        TLeafValue* const value = statement_.Nodes.New<TLeafValue>();
+        value->Text = {part.Start, part.End - part.Start};
+        value->Type = condition.GetValueType(part.Number);
+        value->Number = part.Number;
+        leaf.Values.Add(value);
+    }
+    return true;
+}
+
 void TQueryBuilder::FillTemplate(TPredicate& leaf, TFilterCond& condition) {
     TPlanRequest request;
     request.Strict = exact_;
@@ -277,7 +302,7 @@ void TQueryBuilder::FillTemplate(TPredicate& leaf, TFilterCond& condition) {
         const std::string& text = condition.GetTemplate()->GetText();
         if (strict_ && !isParam && kind != vkScalar && !StandsAlone(text, value))
             RaiseInvalidValue(text, condition.GetCaptionText());
-        request.SetEntry(value, isParam ? veParameter : values_.EntryOf(kind, condition.GetValueType(value)));
+        request.SetEntry(value, isParam ? veParameter : values_.EntryOf(condition, value));
     }
     TTemplatePlan spare;
     const TTemplatePlan& plan = condition.GetTemplate()->Plan(request, spare);
@@ -309,7 +334,7 @@ void TQueryBuilder::AppendPieces(std::string& out, const std::vector<TTemplatePi
             out += result_.GetResultTables().GetItem(0).Table->GetName();
             break;
         case tpValue: {
-            const TValueWriter::TValue value = TValueWriter::ValueOf(condition, piece.Value);
+            const TValueWriter::TValue value = values_.ValueOf(condition, piece.Value);
             if (piece.InLiteral && values_.NeedsOwnLiteral(value)) {
                 TakeQuotes(out, i + 1 < pieces.size() ? &pieces[i + 1] : nullptr, value);
                 start = out.size();

@@ -39,6 +39,7 @@ private:
     TPredicate* MakeLeaf(TFilterCond& condition);
     void LetHostChange(TPredicate& leaf, TFilterCond& condition);
     void FillTemplate(TPredicate& leaf, TFilterCond& condition);
+    bool FillMomentComparison(TPredicate& leaf, TFilterCond& condition);
     void AppendPieces(std::string& out, const std::vector<TTemplatePiece>& pieces, TFilterCond& condition,
                       TPredicate* leaf);
     void AddLeafValue(TPredicate& leaf, std::size_t start, TFieldType type, const TTemplatePiece& piece);

@@ -62,6 +62,16 @@ bool IsCheckedType(TFieldType type) {
     return IsNumber(type) || type == ftBoolean || IsDateOrTime(type);
 }
 
+namespace {
+
+// A time of day alone is no date, and nothing keeps parts of a millisecond.
+bool IsValidDate(TFieldType type, std::string_view text) {
+    const std::optional<TReadDateTime> read = ReadDateTime(text);
+    return read && read->Precision != dpFiner && (type == ftTime || (read->HasDate && !TryStrToTime(text)));
+}
+
+} // namespace
+
 bool IsValidValue(TFieldType type, std::string_view text) {
     text = Trim(text);
     switch (type) {
@@ -72,10 +82,9 @@ bool IsValidValue(TFieldType type, std::string_view text) {
     case ftBoolean:
         return text == "0" || text == "1" || SameText(text, "true") || SameText(text, "false");
     case ftTime:
-        return TryStrToDateTime(text).has_value();
     case ftDate:
-    case ftDateTime: // a time of day alone is no date
-        return TryStrToDateTime(text).has_value() && !TryStrToTime(text);
+    case ftDateTime:
+        return IsValidDate(type, text);
     default:
         return IsInteger(text);
     }

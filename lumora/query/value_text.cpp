@@ -5,6 +5,7 @@
 #include "lumora/platform/formats.h"
 #include "lumora/query/date_values.h"
 #include "lumora/query/filter_rows.h"
+#include "lumora/query/moment_column.h"
 #include "lumora/query/strict_checks.h"
 #include "lumora/support/string_helpers.h"
 
@@ -91,10 +92,21 @@ void CheckValue(const TFilterCond& condition, TFieldType type, std::string_view 
         RaiseInvalidValue(text, condition.GetCaptionText());
 }
 
+// Whether nothing of a date or time, read from the user's text, was lost on its way into the statement.
 bool MeansTheSame(const TSQLFormats& formats, TFieldType type, std::string_view text, std::string_view sql) {
-    const TDateTime value = StrToDateTime(text);
-    return TryDateValueFromSQL(formats, type, sql) ==
-           (type == ftTime ? TimeToStr(value) : DateTimeToStr(value));
+    const std::optional<TReadDateTime> given = ReadDateTime(text), written = ReadSQLDate(formats, type, sql);
+    if (!given || !written || given->Precision == dpFiner)
+        return false;
+    const std::int64_t difference = ToMilliseconds(given->Value) - ToMilliseconds(written->Value);
+    return type == ftTime ? difference % MillisecondsADay == 0 : difference == 0;
+}
+
+// How the column keeps the values that a condition compares it with.
+TDateStorage StorageOf(const TFilterCond& condition, TFieldType type) {
+    if (condition.GetRowType() != frtSimpleCondition || (type != ftDate && type != ftDateTime))
+        return dsAsType;
+    const TDSField* const field = static_cast<const TSimpleCond&>(condition).GetField();
+    return field ? field->Storage : dsAsType;
 }
 
 } // namespace
@@ -103,23 +115,27 @@ bool TValueWriter::IsQuoted(TFieldType type) const {
     return structure_.GetQuotedTypes().Contains(type) || (strict_ && !IsCheckedType(type));
 }
 
-bool TValueWriter::HasLiteral(TFieldType type) const {
+bool TValueWriter::HasLiteral(TFieldType type, TDateStorage storage) const {
+    if (storage != dsAsType)
+        return IsNumberStorage(storage);
     return type == ftBoolean ? !dialect_.True.empty()
                              : IsDateOrTime(type) && DateFormOf(dialect_, type).IsLiteral;
 }
 
 // Quotes of the template around a list or a sub-query would end where a strict query has quotes inside.
-TValueEntry TValueWriter::EntryOf(TValueKind kind, TFieldType type) const {
-    if (strict_ && kind != vkScalar)
+TValueEntry TValueWriter::EntryOf(const TFilterCond& condition, int value) const {
+    const TValue entry = ValueOf(condition, value);
+    if (strict_ && entry.Kind != vkScalar)
         return veStretch;
-    if (kind == vkSubQuery)
+    if (entry.Kind == vkSubQuery)
         return veBare;
-    return IsQuoted(type) && !HasLiteral(type) ? veBare : veStretch;
+    return IsQuoted(entry.Type) && !HasLiteral(entry.Type, entry.Storage) ? veBare : veStretch;
 }
 
-TValueWriter::TValue TValueWriter::ValueOf(const TFilterCond& condition, int value) {
-    return {condition, condition.GetValue(value), condition.GetValueKind(value),
-            condition.GetValueType(value)};
+TValueWriter::TValue TValueWriter::ValueOf(const TFilterCond& condition, int value) const {
+    const TFieldType type = condition.GetValueType(value);
+    return {condition, condition.GetValue(value), condition.GetValueKind(value), type,
+            strict_ ? StorageOf(condition, type) : dsAsType};
 }
 
 bool TValueWriter::NeedsOwnLiteral(const TValue& value) const {
@@ -134,71 +150,84 @@ void TValueWriter::Append(std::string& out, const TValue& value, bool quotes) co
         out += value.Text.empty() ? EmptyValue(value.Type) : value.Text;
         break;
     case vkList:
-        AppendList(out, value.Condition, value.Type, value.Text);
+        AppendList(out, value);
         break;
     case vkScalar:
-        AppendItem(out, value.Condition, value.Type, value.Text, quotes && IsQuoted(value.Type));
+        AppendItem(out, value, value.Text, quotes && IsQuoted(value.Type));
         break;
     }
 }
 
 // One value, without quotes or between its own. A quote in it is doubled.
-void TValueWriter::AppendItem(std::string& out, const TFilterCond& condition, TFieldType type,
-                              std::string_view text, bool quotes) const {
-    if (strict_ && IsCheckedType(type)) {
+void TValueWriter::AppendItem(std::string& out, const TValue& value, std::string_view text,
+                              bool quotes) const {
+    if (strict_ && IsCheckedType(value.Type)) {
         text = Trim(text);
-        CheckValue(condition, type, text);
+        CheckValue(value.Condition, value.Type, text);
     }
     if (text.empty())
-        text = EmptyValue(type);
-    else if (IsDateOrTime(type))
-        return AppendDate(out, condition, type, text, quotes);
-    if (type == ftBoolean && HasLiteral(type) && IsValidValue(type, text))
+        text = EmptyValue(value.Type);
+    else if (IsDateOrTime(value.Type))
+        return AppendDate(out, value, text, quotes);
+    const bool hasLiteral = HasLiteral(value.Type, dsAsType);
+    if (value.Type == ftBoolean && hasLiteral && IsValidValue(value.Type, text))
         out += text == "1" || SameText(text, "true") ? dialect_.True : dialect_.False;
-    else if (quotes || HasLiteral(type))
+    else if (quotes || hasLiteral)
         AppendTextLiteral(out, dialect_, text);
     else
         AppendDoubled(out, text, '\'');
 }
 
-void TValueWriter::AppendDate(std::string& out, const TFilterCond& condition, TFieldType type,
-                              std::string_view text, bool quotes) const {
-    quotes = quotes && !HasLiteral(type);
-    if (quotes)
-        out += '\'';
+void TValueWriter::AppendDate(std::string& out, const TValue& value, std::string_view text,
+                              bool quotes) const {
+    quotes = quotes && !HasLiteral(value.Type, value.Storage);
+    out += quotes ? "'" : "";
+    const TSQLFormats& formats = structure_.GetSQLFormats();
     const std::size_t start = out.size();
-    AppendDateValue(out, structure_.GetSQLFormats(), type, text, dialect_);
-    if (strict_ && !MeansTheSame(structure_.GetSQLFormats(), type, text, std::string_view(out).substr(start)))
-        RaiseInvalidValue(text, condition.GetCaptionText()); // the format would drop a part of it
-    if (quotes)
-        out += '\'';
+    if (value.Storage != dsAsType) {
+        AppendStoredDate(out, value, text);
+    } else {
+        AppendDateValue(out, formats, value.Type, text, dialect_);
+        if (strict_ && !MeansTheSame(formats, value.Type, text, std::string_view(out).substr(start)))
+            RaiseInvalidValue(text, value.Condition.GetCaptionText()); // the format would drop a part of it
+    }
+    out += quotes ? "'" : "";
+}
+
+void TValueWriter::AppendStoredDate(std::string& out, const TValue& value, std::string_view text) const {
+    const TMomentColumn column(value.Type, value.Storage, structure_.GetSQLFormats(), dialect_,
+                               IsQuoted(value.Type));
+    const std::optional<TReadDateTime> read = ReadDateTime(text);
+    if (!read || !column.CanKeep(*read))
+        RaiseInvalidValue(text, value.Condition.GetCaptionText());
+    column.AppendPoint(out, ToMilliseconds(read->Value));
 }
 
 // The items of a quoted type each in quotes; of another type the list as it stands, unless each item is to be
 // checked.
-void TValueWriter::AppendList(std::string& out, const TFilterCond& condition, TFieldType type,
-                              std::string_view text) const {
-    const bool quoted = IsQuoted(type);
+void TValueWriter::AppendList(std::string& out, const TValue& value) const {
+    const bool quoted = IsQuoted(value.Type);
+    std::string_view text = value.Text;
     if (text.empty() && !strict_)
-        text = EmptyValue(type);
-    if (!quoted && !strict_ && !IsDateOrTime(type)) {
+        text = EmptyValue(value.Type);
+    if (!quoted && !strict_ && !IsDateOrTime(value.Type)) {
         AppendDoubled(out, text, '\'');
         return;
     }
-    const bool isEmptyDate = text == EmptyValue(type);
+    const bool isEmptyDate = text == EmptyValue(value.Type);
     bool first = true;
     ForEachItem(text, [&](std::string_view item) {
         if (!first)
             out += ',';
         first = false;
-        const bool isEmpty = item.empty() && type == ftBoolean && !strict_; // and not False
+        const bool isEmpty = item.empty() && value.Type == ftBoolean && !strict_; // and not False
         if (isEmptyDate || isEmpty)
             out.append(quoted ? "'" : "").append(item).append(quoted ? "'" : "");
         else
-            AppendItem(out, condition, type, item, quoted);
+            AppendItem(out, value, item, quoted);
     });
     if (first && strict_)
-        RaiseInvalidValue(text, condition.GetCaptionText());
+        RaiseInvalidValue(text, value.Condition.GetCaptionText());
 }
 
 } // namespace lumora

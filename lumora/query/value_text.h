@@ -2,6 +2,7 @@
 #pragma once
 
 #include "lumora/model/Lmglobal.h"
+#include "lumora/model/date_storage.h"
 #include "lumora/model/sql_template.h"
 #include "lumora/platform/field_types.h"
 #include "lumora/statement/dialects/dialect.h"
@@ -30,11 +31,12 @@ public:
         std::string_view Text;
         TValueKind Kind;
         TFieldType Type;
+        TDateStorage Storage; // of the column; dsAsType in a plain query
     };
-    static TValue ValueOf(const TFilterCond& condition, int value);
+    TValue ValueOf(const TFilterCond& condition, int value) const;
 
     // How a value that is no parameter enters the condition's template.
-    TValueEntry EntryOf(TValueKind kind, TFieldType type) const;
+    TValueEntry EntryOf(const TFilterCond& condition, int value) const;
     // Whether a value can't stand between quotes of the template, and must bring a literal of its own.
     bool NeedsOwnLiteral(const TValue& value) const;
     // Appends a value. `quotes`: the template has none around it, so a single value of a quoted type brings
@@ -43,14 +45,12 @@ public:
     void Append(std::string& out, const TValue& value, bool quotes) const;
 
 private:
-    // Whether the dialect writes values of the type as literals of its own.
-    bool HasLiteral(TFieldType type) const;
-    void AppendDate(std::string& out, const TFilterCond& condition, TFieldType type, std::string_view text,
-                    bool quotes) const;
-    void AppendItem(std::string& out, const TFilterCond& condition, TFieldType type, std::string_view text,
-                    bool quotes) const;
-    void AppendList(std::string& out, const TFilterCond& condition, TFieldType type,
-                    std::string_view text) const;
+    // Whether values of the type, or of the column, are written as literals of their own.
+    bool HasLiteral(TFieldType type, TDateStorage storage) const;
+    void AppendDate(std::string& out, const TValue& value, std::string_view text, bool quotes) const;
+    void AppendStoredDate(std::string& out, const TValue& value, std::string_view text) const;
+    void AppendItem(std::string& out, const TValue& value, std::string_view text, bool quotes) const;
+    void AppendList(std::string& out, const TValue& value) const;
 
     const TVCustomDBStructure& structure_;
     const TDialect& dialect_;

@@ -216,11 +216,22 @@ void TQueryTextReader::ReadSubQuery(const TSectionLines& lines, TFilterCond& con
     condition.SetSubQueryOptions(IntToSQLOptions(XStrToInt(lines.Value("SubQueryOptions"))));
 }
 
+// A number as the user sees it with all that it says: milliseconds, and the midnight of "36955.0".
+std::string NumberToExactDate(TFieldType type, double number, bool saysTime) {
+    if (type == ftTime)
+        return ExactTimeToStr(number);
+    const bool hasFraction = DecodeTime(number).Millisecond != 0;
+    const bool isDay = !saysTime && !HasTime(number);
+    return ExactDateTimeToStr(number, isDay ? dpDay : hasFraction ? dpMillisecond : dpSecond);
+}
+
 // A date-time number as the user sees it; what is no number stays as it is.
-std::string NumberToDate(TFieldType type, std::string_view text) {
+std::string NumberToDate(TFieldType type, std::string_view text, bool strict) {
     const std::optional<double> number = TryStrToFloat(Trim(text));
     if (!number)
         return std::string(text);
+    if (strict)
+        return NumberToExactDate(type, *number, Trim(text).ends_with(".0"));
     const TFormatSettings& settings = FormatSettings();
     if (type == ftTime)
         return TimeToStr(*number);
@@ -236,9 +247,11 @@ std::string LoadedValue(const TFilterCond& condition, int value, std::string_vie
     const TValueKind kind = condition.GetValueKind(value);
     if (!IsDateOrTime(type) || kind == vkSubQuery || text.empty() || condition.GetValueIsParam(value))
         return std::string(text);
+    const bool strict = condition.GetQuery().GetStrict();
     if (kind == vkScalar)
-        return NumberToDate(type, text);
-    return ConvertItems(text, [type](const std::string& item) { return NumberToDate(type, item); });
+        return NumberToDate(type, text, strict);
+    return ConvertItems(text,
+                        [type, strict](const std::string& item) { return NumberToDate(type, item, strict); });
 }
 
 } // namespace

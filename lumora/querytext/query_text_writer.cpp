@@ -143,8 +143,12 @@ void TQueryTextWriter::Put(std::string_view key, int value) {
     lines_.EndLine();
 }
 
-std::string DateToNumber(const std::string& text) {
-    return FloatToStr(StrToDateTime(text));
+// In a strict query a day is another value than its midnight, whose number says that it has a time.
+std::string DateToNumber(const std::string& text, bool strict) {
+    const std::optional<TReadDateTime> read = ReadDateTime(text);
+    const bool isMidnight =
+        strict && read && read->Precision != dpDay && read->HasDate && !HasTime(read->Value);
+    return FloatToStr(StrToDateTime(text)) + (isMidnight ? ".0" : "");
 }
 
 // A parameter stands under its name; a date or time as its number, each item of a list alike.
@@ -155,9 +159,10 @@ std::string SavedValue(const TFilterCond& condition, int value) {
     const TValueKind kind = condition.GetValueKind(value);
     if (!IsDateOrTime(condition.GetValueType(value)) || kind == vkSubQuery || text.empty())
         return text;
+    const bool strict = condition.GetQuery().GetStrict();
     if (kind == vkScalar)
-        return DateToNumber(text);
-    return ConvertItems(text, DateToNumber);
+        return DateToNumber(text, strict);
+    return ConvertItems(text, [strict](const std::string& item) { return DateToNumber(item, strict); });
 }
 
 } // namespace

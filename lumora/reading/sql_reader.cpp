@@ -10,6 +10,7 @@
 #include "lumora/query/strict_checks.h"
 #include "lumora/query/value_text.h"
 #include "lumora/querytext/query_text.h"
+#include "lumora/reading/moment_literals.h"
 #include "lumora/reading/read_sql.h"
 #include "lumora/reading/sql_joins.h"
 #include "lumora/support/string_helpers.h"
@@ -383,41 +384,35 @@ std::string TSQLReader::ListValue(const TFilterCond& condition, const TSQLCondit
     return list;
 }
 
-// Dates and times as the user writes them. What the generator put for an empty one is empty again.
+// Dates and times as the user writes them. What the generator put for an empty one is empty again. A strict
+// reader refuses what is no value (another column, an expression) and what would come back as another.
 std::string TSQLReader::DisplayValue(const TFilterCond& condition, int value, const TSQLCondition& parsed,
                                      const std::string& text, bool quoted) {
     const TFieldType type = condition.GetValueType(value);
-    std::string display = text;
-    if (IsDateOrTime(type)) {
-        const std::optional<std::string> date = TryDateValueFromSQL(model_.GetSQLFormats(), type, text);
-        display = date ? *date : text == "00/00/00" ? std::string() : text;
-    }
     if (strict_)
-        CheckValue(condition, value, parsed, text, quoted);
-    return display;
+        return CheckedValue(condition, value, parsed, text, quoted);
+    if (!IsDateOrTime(type))
+        return text;
+    const std::optional<TReadDateTime> date = ReadSQLDate(model_.GetSQLFormats(), type, text);
+    if (!date)
+        return text == "00/00/00" ? std::string() : text;
+    return type == ftTime ? TimeToStr(date->Value) : DateTimeToStr(date->Value);
 }
 
-// A value that is none (another column, an expression) and one that would come back as another is refused.
-void TSQLReader::CheckValue(const TFilterCond& condition, int value, const TSQLCondition& parsed,
-                            const std::string& text, bool quoted) const {
+std::string TSQLReader::CheckedValue(const TFilterCond& condition, int value, const TSQLCondition& parsed,
+                                     const std::string& text, bool quoted) const {
     const TFieldType type = condition.GetValueType(value);
-    if (!IsCheckedType(type)) {
-        if (!quoted)
-            Refuse(parsed);
-        return;
-    }
     if (IsDateOrTime(type)) {
-        const std::optional<std::string> date = TryDateValueFromSQL(model_.GetSQLFormats(), type, text);
+        const TDialect& dialect = EffectiveDialect(query_.GetDialect(), query_.GetSQLSyntax(), true);
+        std::optional<std::string> date =
+            ValueOfMomentLiteral(model_, dialect, condition, value, text, quoted);
         if (!date || !IsValidValue(type, *date))
             Refuse(parsed);
-        const std::string again =
-            DateValueToSQL(model_.GetSQLFormats(), type, *date, query_.GetSQLSyntax(), true);
-        if (TryDateValueFromSQL(model_.GetSQLFormats(), type, again) != date)
-            Refuse(parsed);
-        return;
+        return *std::move(date);
     }
-    if (!IsValidValue(type, text))
+    if (IsCheckedType(type) ? !IsValidValue(type, text) : !quoted)
         Refuse(parsed);
+    return text;
 }
 
 // --- Sub-queries.

@@ -51,8 +51,8 @@ private:
     std::string ListValue(const TFilterCond& condition, const TSQLCondition& parsed, std::string_view items);
     std::string DisplayValue(const TFilterCond& condition, int value, const TSQLCondition& parsed,
                              const std::string& text, bool quoted);
-    void CheckValue(const TFilterCond& condition, int value, const TSQLCondition& parsed,
-                    const std::string& text, bool quoted) const;
+    std::string CheckedValue(const TFilterCond& condition, int value, const TSQLCondition& parsed,
+                             const std::string& text, bool quoted) const;
     TFit FindPlainFit(const TSQLCondition& parsed);
     TFit FindStrictFit(const TSQLCondition& parsed);
     TFit FindFit(const TSQLCondition& parsed, bool negated, std::string_view op);

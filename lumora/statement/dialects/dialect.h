@@ -48,7 +48,8 @@ struct TDialect {
     TDateForm Date = {};
     TDateForm Time = {};
     TDateForm DateTime = {};
-    std::string_view True = {}; // truth values; empty: as they are entered, in quotes
+    bool ComparesDatesAsText = false; // there is no type for them
+    std::string_view True = {};       // truth values; empty: as they are entered, in quotes
     std::string_view False = {};
 
     std::string_view Concat = "@1 || @2";

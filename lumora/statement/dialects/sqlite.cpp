@@ -5,6 +5,7 @@ namespace lumora {
 
 constinit const TDialect SQLiteDialect{
     .NameQuotes = "\"\"``[]",
+    .ComparesDatesAsText = true,
     .True = "1",
     .False = "0",
     .CaseBlindLike = "@1 LIKE @2",
