@@ -60,7 +60,7 @@ TEST_F(Fill, WritesAModelThatCanBeUsedAndChangesNothing) {
     EXPECT_EQ(sqlOfBoth(filled.out, model),
               "SELECT DISTINCT customers.name, t_order.\"no\"\n"
               "FROM customers\n"
-              "     INNER JOIN \"Order\" t_order ON (t_order.customer=customers.id)\n");
+              "     RIGHT OUTER JOIN \"Order\" t_order ON (t_order.customer=customers.id)\n");
     EXPECT_EQ(readFile(file), before);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_ / ""), {}), 1) << "no journal stays";
 }

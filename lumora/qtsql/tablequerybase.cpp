@@ -113,6 +113,12 @@ bool TableQueryBase::hasTable() {
     return tableKnown_ = true;
 }
 
+bool TableQueryBase::isMadeForQueries(const std::vector<ColumnInfo>& columns) {
+    return columns.size() == std::size(columnNames) && columns.front().size == maxNameLength &&
+           std::equal(columns.begin(), columns.end(), std::begin(columnNames),
+                      [](const ColumnInfo& column, std::string_view name) { return column.name == name; });
+}
+
 void TableQueryBase::makeTable() {
     if (hasTable())
         return;

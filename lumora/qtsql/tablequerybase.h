@@ -1,6 +1,7 @@
 // A query base that keeps its queries in a table of a database.
 #pragma once
 
+#include "lumora/qtsql/catalogue.h"
 #include "lumora/qtsql/tablename.h"
 #include "lumora/querybase/stored_base.h"
 
@@ -25,6 +26,9 @@ public:
                             TComponent* owner = nullptr);
 
     std::string_view ClassName() const override { return "TableQueryBase"; }
+
+    // Whether the columns are those of a table that this class has made.
+    static bool isMadeForQueries(const std::vector<ColumnInfo>& columns);
 
 protected:
     std::vector<TStoredQuery> ListStored() override;
