@@ -1,10 +1,13 @@
 #include "lumora/qtsql/modelfiller.h"
 
+#include "lumora/qtsql/boundedqueries.h"
+#include "lumora/qtsql/columnsampling.h"
 #include "lumora/qtsql/databasecontents.h"
 #include "lumora/qtsql/databaseerror.h"
 #include "lumora/qtsql/filledcaptions.h"
 #include "lumora/qtsql/filledmodel.h"
 #include "lumora/qtsql/foreignkeylines.h"
+#include "lumora/qtsql/valuelists.h"
 
 namespace lumora {
 
@@ -65,6 +68,15 @@ DatabaseContents read(DatabaseSession& session, const std::string& name) {
     }
 }
 
+void look(DatabaseContents& contents, const DatabaseConnection& connection, const FillSettings& settings) {
+    BoundedQueries queries(connection, settings.lookingTime);
+    lookAtDates(contents, queries);
+    findValueLists(contents, queries);
+    if (queries.isTimeUp())
+        contents.remarks.emplace_back("There was no time to look at all tables: some lists of values may be "
+                                      "missing, and days may be compared otherwise than they are kept");
+}
+
 } // namespace
 
 void offerForeignKeys(TVBDEInfo& info, DatabaseSession& session) {
@@ -81,11 +93,13 @@ void offerForeignKeys(TVBDEInfo& info, DatabaseSession& session) {
 }
 
 std::vector<std::string> fillModel(TVCustomDBStructure& model, TVBDEInfo& info, DatabaseSession& session,
-                                   const FillSettings&) {
+                                   const FillSettings& settings) {
     info.SetSession(session);
     info.ConnectionChanged(); // the tables may have changed since it was last asked
     model.SetDatabaseInfo(&info);
     DatabaseContents contents = read(session, info.GetDatabaseName());
+    if (settings.lookingTime.count() > 0)
+        look(contents, session.open(info.GetDatabaseName()), settings);
     nameColumns(contents);
     model.ReplaceModel([&] { // panels find their fields again in the finished model
         ContentsInfo provider(contents, info);

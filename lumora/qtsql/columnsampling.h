@@ -1,0 +1,14 @@
+// How columns keep days and moments, and what stands in columns without a type, found by looking at rows.
+#pragma once
+
+#include "lumora/qtsql/boundedqueries.h"
+#include "lumora/qtsql/databasecontents.h"
+
+namespace lumora {
+
+// For an engine whose columns hold whatever is put into them: gives columns that hold days their type and
+// storage, and columns without a declared type the type of what is in them. Small tables are looked at
+// whole, of large ones the first and the last rows. What cannot be compared rightly is remarked on.
+void lookAtDates(DatabaseContents& contents, BoundedQueries& queries);
+
+} // namespace lumora
