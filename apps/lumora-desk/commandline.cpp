@@ -5,7 +5,11 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
+#include <algorithm>
+
 namespace lumora::desk {
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -16,6 +20,20 @@ QueryPlace parseQueryPlace(const QString& text) {
     if (text.startsWith(QLatin1StringView("table:")))
         return {QueryPlace::Kind::Table, text.mid(6)};
     return {QueryPlace::Kind::Folder, text};
+}
+
+// Qt takes these for itself once there is a screen.
+QStringList withoutQtOptions(QStringList arguments) {
+    static const QStringList withValue = {"platform", "style", "stylesheet", "geometry", "display"};
+    for (qsizetype i = arguments.size() - 1; i > 0; --i) {
+        const QString name = arguments[i].mid(arguments[i].startsWith("--"_L1) ? 2 : 1);
+        const bool isOption = arguments[i].startsWith(u'-');
+        if (isOption && withValue.contains(name))
+            arguments.remove(i, std::min<qsizetype>(2, arguments.size() - i));
+        else if (isOption && (name == "reverse"_L1 || withValue.contains(name.section(u'=', 0, 0))))
+            arguments.removeAt(i);
+    }
+    return arguments;
 }
 
 } // namespace
@@ -35,7 +53,7 @@ CommandLine parseCommandLine(const QStringList& arguments) {
     const QCommandLineOption version = parser.addVersionOption();
 
     CommandLine line;
-    if (!parser.parse(arguments)) {
+    if (!parser.parse(withoutQtOptions(arguments))) {
         line.error = parser.errorText();
     } else if (parser.isSet(help)) {
         line.output = parser.helpText();

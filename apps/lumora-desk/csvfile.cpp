@@ -31,7 +31,7 @@ void CsvFile::row(const ResultRow& row) {
             buffer_ += ',';
         appendCsvField(buffer_, row[i]);
     }
-    buffer_ += '\n';
+    buffer_ += "\r\n"; // as RFC 4180 says
     if (buffer_.size() > bufferSize)
         flush();
 }

@@ -7,6 +7,7 @@
 #include "lumora/qtsql/databasesession.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
@@ -32,6 +33,7 @@ struct OpenRequest {
 struct OpenedDatabase {
     OpenRequest request;
     std::unique_ptr<TVDBStructure> model; // ready for the engine, without a provider
+    QStringList remarks = {};             // what was left out of the model, and why
 };
 
 // What gives a model its lists of values. Several may live, on different threads, as long as each stays on

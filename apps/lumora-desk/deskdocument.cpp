@@ -230,7 +230,7 @@ void DeskDocument::saveAs(const QString& name) {
     dropUnstored(queries()->GetCurrentQuery());
     markSaved();
     emit queryListChanged();
-    emit currentQueryChanged();
+    emit currentQueryRenamed();
 }
 
 void DeskDocument::revert() {
@@ -253,7 +253,7 @@ void DeskDocument::rename(const QString& name, bool force) {
     }
     markSaved();
     emit queryListChanged();
-    emit currentQueryChanged();
+    emit currentQueryRenamed();
 }
 
 QString DeskDocument::freeName(const QString& name) const {

@@ -86,6 +86,7 @@ signals:
     void opened(); // or closed
     void queryListChanged();
     void currentQueryChanged(); // another one, or read anew
+    void currentQueryRenamed(); // or stored under another name; it says what it said
     void queryChanged();        // its rows, columns, options or description
     void modifiedChanged(bool modified);
 

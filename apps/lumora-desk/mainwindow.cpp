@@ -20,36 +20,21 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QStyle>
 #include <QTimer>
 #include <QToolBar>
+#include <QToolButton>
 
 namespace lumora::desk {
 
-MainWindow::MainWindow(QWidget* parent)
-    : QMainWindow(parent), recent_(settings_), rebuild_(new QTimer(this)), pages_(new QStackedWidget(this)) {
-    makeActions();
-    start_ = new StartPage(this);
-    start_->setSampleOffered(!sampleFolder().isEmpty());
-    pages_->addWidget(start_);
-    pages_->addWidget(makeWorkspace());
-    setCentralWidget(pages_);
-    makeMenus();
-    makeToolBar();
-    databaseLabel_ = new QLabel(this);
-    statusBar()->addPermanentWidget(databaseLabel_);
-    rebuild_->setSingleShot(true);
-    rebuild_->setInterval(0);
-    connectParts();
-    updateRecent();
-    readSettings();
-    updateState();
-}
-
 namespace {
+
+constexpr QSize usualSize(1180, 740);
+constexpr QSize roomForFrame(16, 48); // that a window manager may put around the window
 
 // Names and messages are texts of somebody else's: neither markup nor shortcuts.
 QMessageBox::StandardButton ask(QWidget* parent, QMessageBox::Icon icon, const QString& title,
@@ -67,6 +52,34 @@ void warn(QWidget* parent, const QString& what, const QString& reason) {
 }
 
 } // namespace
+
+MainWindow::MainWindow(QWidget* parent)
+    : QMainWindow(parent), recent_(settings_), rebuild_(new QTimer(this)), pages_(new QStackedWidget(this)) {
+    makeActions();
+    start_ = new StartPage(this);
+    start_->setSampleOffered(!sampleFolder().isEmpty());
+    pages_->addWidget(start_);
+    pages_->addWidget(makeWorkspace());
+    setCentralWidget(pages_);
+    makeMenus();
+    makeToolBar();
+    remarks_ = new QToolButton(this);
+    remarks_->setToolTip(tr("What was left out of the data model, and why"));
+    remarks_->setAutoRaise(true);
+    connect(remarks_, &QToolButton::clicked, this, [this] {
+        ask(this, QMessageBox::Information, tr("Remarks"), remarkText_, QMessageBox::Ok, QMessageBox::Ok);
+    });
+    statusBar()->addPermanentWidget(remarks_);
+    showRemarks({});
+    databaseLabel_ = new QLabel(this);
+    statusBar()->addPermanentWidget(databaseLabel_);
+    rebuild_->setSingleShot(true);
+    rebuild_->setInterval(0);
+    connectParts();
+    updateRecent();
+    readSettings();
+    updateState();
+}
 
 // The parts go before what they show.
 MainWindow::~MainWindow() {
@@ -200,6 +213,7 @@ void MainWindow::connectParts() {
     connect(&query_->conditions(), &QueryPanelWidget::refused, this,
             [this](const QString& reason) { statusBar()->showMessage(reason, 10'000); });
     connect(&document_, &DeskDocument::opened, this, [this] {
+        showRemarks({});
         result_->clear();
         updateState();
     });
@@ -271,12 +285,22 @@ void MainWindow::showOpenDialog(const OpenRequest* request, const QString& probl
 
 void MainWindow::take(OpenedDatabase opened) {
     const OpenRequest request = opened.request;
+    const QStringList remarks = opened.remarks;
     document_.adopt(std::move(opened));
     if (!openingSample_)
         recent_.add(request);
     updateRecent();
     updateState();
+    query_->conditions().setFocus();
     statusBar()->showMessage(tr("%1 is open").arg(document_.title()), 5000);
+    showRemarks(remarks);
+}
+
+// What could not be taken from the database is said quietly, and told whole on a click.
+void MainWindow::showRemarks(const QStringList& remarks) {
+    remarks_->setVisible(!remarks.isEmpty());
+    remarks_->setText(remarks.size() == 1 ? tr("1 remark") : tr("%1 remarks").arg(remarks.size()));
+    remarkText_ = remarks.join(u'\n');
 }
 
 void MainWindow::closeDatabase() {
@@ -289,7 +313,7 @@ void MainWindow::updateRecent() {
     start_->setRecent(requests);
     recentMenu_->clear();
     for (const OpenRequest& request : requests) {
-        QString label = request.database.label();
+        QString label = recentLabel(request);
         QAction* const action = recentMenu_->addAction(label.replace(u'&', QStringLiteral("&&")));
         connect(action, &QAction::triggered, this, [this, request] { open(request); });
     }
@@ -339,7 +363,15 @@ bool MainWindow::attempt(const QString& what, const std::function<void()>& actio
     }
 }
 
-bool MainWindow::attemptSaving(const QString& what, const std::function<void(bool force)>& action) {
+MainWindow::Forcing MainWindow::overwriting(const QString& name) const {
+    return {tr("If you save it anyway, this query is the one that is stored as \"%1\". Another one that is "
+               "stored there now is replaced and lost.")
+                .arg(name),
+            tr("Save &Anyway")};
+}
+
+bool MainWindow::attemptSaving(const QString& what, const Forcing& forcing,
+                               const std::function<void(bool force)>& action) {
     try {
         action(false);
         return true;
@@ -348,10 +380,11 @@ bool MainWindow::attemptSaving(const QString& what, const std::function<void(boo
             warn(this, what, sentence(error));
             return false;
         }
+        const QStringList texts = {what, sentence(error), forcing.consequence};
         QMessageBox box(QMessageBox::Warning, QApplication::applicationDisplayName(),
-                        what + u'\n' + u'\n' + sentence(error), QMessageBox::Cancel, this);
+                        texts.join(QStringLiteral("\n\n")), QMessageBox::Cancel, this);
         box.setTextFormat(Qt::PlainText);
-        const QPushButton* const force = box.addButton(tr("Do it &Anyway"), QMessageBox::DestructiveRole);
+        const QPushButton* const force = box.addButton(forcing.button, QMessageBox::DestructiveRole);
         box.setDefaultButton(QMessageBox::Cancel);
         box.exec();
         return box.clickedButton() == force && attempt(what, [&] { action(true); });
@@ -378,7 +411,8 @@ bool MainWindow::save() {
         return false;
     if (!document_.isStored(document_.currentIndex()))
         return saveAs();
-    return attemptSaving(tr("The query was not saved."), [this](bool force) { document_.save(force); });
+    return attemptSaving(tr("The query was not saved."), overwriting(document_.queryName()),
+                         [this](bool force) { document_.save(force); });
 }
 
 // The first saving asks for a name too.
@@ -392,12 +426,10 @@ bool MainWindow::saveAs() {
     if (dialog.exec() != QDialog::Accepted)
         return false;
     const QString name = dialog.textValue();
-    return attemptSaving(tr("The query was not saved."), [&](bool force) {
-        if (isNew)
-            document_.rename(name, force);
-        else
-            document_.saveAs(name);
-    });
+    if (!isNew) // a copy takes no other query's place
+        return attempt(tr("The query was not saved."), [&] { document_.saveAs(name); });
+    return attemptSaving(tr("The query was not saved."), overwriting(name.trimmed()),
+                         [&](bool force) { document_.rename(name, force); });
 }
 
 void MainWindow::renameQuery(int index, const QString& name) {
@@ -405,7 +437,8 @@ void MainWindow::renameQuery(int index, const QString& name) {
         return;
     if (document_.isModified())
         document_.revert(); // the changes are not wanted
-    attemptSaving(tr("The query was not renamed."), [&](bool force) { document_.rename(name, force); });
+    attemptSaving(tr("The query was not renamed."), overwriting(name),
+                  [&](bool force) { document_.rename(name, force); });
 }
 
 void MainWindow::duplicateQuery() {
@@ -422,7 +455,10 @@ void MainWindow::deleteQuery() {
                             tr("Delete the query \"%1\"? This cannot be undone.").arg(document_.queryName()),
                             QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel);
     if (answer == QMessageBox::Yes)
-        attemptSaving(tr("The query was not deleted."), [&](bool force) { document_.erase(index, force); });
+        attemptSaving(tr("The query was not deleted."),
+                      {tr("If you delete it anyway, what somebody else has saved in it is lost, too."),
+                       tr("Delete &Anyway")},
+                      [&](bool force) { document_.erase(index, force); });
 }
 
 void MainWindow::revertQuery() {
@@ -492,8 +528,8 @@ void MainWindow::updateStatement() {
         return;
     const BuiltStatement statement = document_.build();
     isRunnable_ = statement.problem.isEmpty();
-    statement_->showStatement(
-        statement, QString::fromStdString(QuerySentence(document_.panel().GetScreen())));
+    statement_->showStatement(statement,
+                              QString::fromStdString(QuerySentence(document_.panel().GetScreen())));
     distinct_->setChecked(document_.isDistinct());
     updateState();
 }
@@ -525,7 +561,7 @@ void MainWindow::updateState() {
 
 void MainWindow::readSettings() {
     if (!restoreGeometry(settings_.value("window/geometry").toByteArray()))
-        resize(1180, 740);
+        resize(usualSize.boundedTo(screen()->availableSize() - roomForFrame));
     outer_->restoreState(settings_.value("window/outer").toByteArray());
     inner_->restoreState(settings_.value("window/inner").toByteArray());
     lower_->restoreState(settings_.value("window/lower").toByteArray());

@@ -15,6 +15,7 @@ class QLabel;
 class QSplitter;
 class QStackedWidget;
 class QTimer;
+class QToolButton;
 
 namespace lumora::desk {
 
@@ -60,12 +61,20 @@ private:
                        std::function<void()> triggered);
 
     void take(OpenedDatabase opened);
+    void showRemarks(const QStringList& remarks);
     void showOpenDialog(const OpenRequest* request, const QString& problem);
     void updateRecent();
     bool mayLeaveQuery();
-    // Runs the action; a failure is shown. With `force`, a conflict is asked about and the action done again.
+    // Runs the action; a failure is shown. With `force`, a conflict is asked about and the action done again,
+    // which does to the other query what is said of it.
     bool attempt(const QString& what, const std::function<void()>& action);
-    bool attemptSaving(const QString& what, const std::function<void(bool force)>& action);
+    struct Forcing {
+        QString consequence;
+        QString button;
+    };
+    bool attemptSaving(const QString& what, const Forcing& forcing,
+                       const std::function<void(bool force)>& action);
+    Forcing overwriting(const QString& name) const;
     void selectQuery(int index);
     void renameQuery(int index, const QString& name);
     void duplicateQuery();
@@ -119,6 +128,8 @@ private:
     QueryPane* query_ = nullptr;
     StatementPane* statement_ = nullptr;
     ResultPane* result_ = nullptr;
+    QToolButton* remarks_ = nullptr;
+    QString remarkText_; // what was left out of the data model
     QLabel* databaseLabel_ = nullptr;
 };
 

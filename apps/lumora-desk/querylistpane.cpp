@@ -64,6 +64,7 @@ QueryListPane::QueryListPane(DeskDocument& document, const QList<QAction*>& acti
         showCurrent();
         showDescription();
     });
+    connect(&document, &DeskDocument::currentQueryRenamed, this, &QueryListPane::showCurrent);
     connect(&document, &DeskDocument::opened, this, &QueryListPane::showDescription);
     connect(description_, &QPlainTextEdit::textChanged, this,
             [this] { document_.setDescription(description_->toPlainText()); });

@@ -34,6 +34,7 @@ QueryPane::QueryPane(DeskDocument& document, QWidget* parent)
     columns_->setPanel(&document.panel());
     connect(&document, &DeskDocument::opened, columns_, &ResultColumnsWidget::refresh);
     connect(&document, &DeskDocument::currentQueryChanged, columns_, &ResultColumnsWidget::refresh);
+    connect(&document, &DeskDocument::currentQueryRenamed, columns_, &ResultColumnsWidget::refresh);
 }
 
 QueryPane::~QueryPane() {

@@ -1,17 +1,51 @@
 #include "apps/lumora-desk/recentdatabases.h"
 
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+
 namespace lumora::desk {
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
+// Where it is, wherever the program is started next, and however it was written.
+QString settledPath(const QString& path) {
+    if (path.startsWith(u':') || path.startsWith("file:"_L1))
+        return path; // no path
+    const QFileInfo file(path);
+    const QString canonical = file.canonicalFilePath(); // of what is there
+    return canonical.isEmpty() ? QDir::cleanPath(file.absoluteFilePath()) : canonical;
+}
+
+int usualPort(const QString& driver) {
+    return driver == "QPSQL"_L1 ? 5432 : driver == "QMYSQL"_L1 || driver == "QMARIADB"_L1 ? 3306 : -1;
+}
+
+OpenRequest settled(OpenRequest request) {
+    if (request.database.driver == "QSQLITE"_L1)
+        request.database.databaseName = settledPath(request.database.databaseName);
+    if (!request.modelFile.isEmpty())
+        request.modelFile = settledPath(request.modelFile);
+    if (request.queries.kind == QueryPlace::Kind::Folder && !request.queries.name.isEmpty())
+        request.queries.name = settledPath(request.queries.name);
+    return request;
+}
+
 bool isSame(const OpenRequest& a, const OpenRequest& b) {
-    const DatabaseParameters one = withoutPassword(a.database);
-    const DatabaseParameters other = withoutPassword(b.database);
+    const OpenRequest first = settled(a);
+    const OpenRequest second = settled(b);
+    const DatabaseParameters one = withoutPassword(first.database);
+    const DatabaseParameters other = withoutPassword(second.database);
+    const auto port = [](const DatabaseParameters& database) {
+        return database.port < 0 ? usualPort(database.driver) : database.port;
+    };
     return one.driver == other.driver && one.databaseName == other.databaseName &&
-           one.hostName == other.hostName && one.port == other.port && one.userName == other.userName &&
-           one.connectOptions == other.connectOptions && a.modelFile == b.modelFile;
+           one.hostName.compare(other.hostName, Qt::CaseInsensitive) == 0 && port(one) == port(other) &&
+           one.userName == other.userName && one.connectOptions == other.connectOptions &&
+           first.modelFile == second.modelFile;
 }
 
 OpenRequest readRequest(const QSettings& settings) {
@@ -87,13 +121,22 @@ DatabaseParameters withoutPassword(const DatabaseParameters& database) {
     return safe;
 }
 
+QString recentLabel(const OpenRequest& request) {
+    const QString label = request.database.label();
+    return request.modelFile.isEmpty()
+               ? label
+               : QStringLiteral("%1 (%2)").arg(label, QFileInfo(request.modelFile).fileName());
+}
+
 QList<OpenRequest> RecentDatabases::list() const {
     QList<OpenRequest> requests;
     const int count = settings_.beginReadArray("recentDatabases");
     for (int i = 0; i < count && requests.size() < most; ++i) {
         settings_.setArrayIndex(i);
-        OpenRequest request = readRequest(settings_);
-        if (!request.database.driver.isEmpty())
+        const OpenRequest request = readRequest(settings_);
+        const bool isKnown = std::any_of(requests.cbegin(), requests.cend(),
+                                         [&](const OpenRequest& other) { return isSame(other, request); });
+        if (!request.database.driver.isEmpty() && !isKnown)
             requests.append(request);
     }
     settings_.endArray();
@@ -103,7 +146,7 @@ QList<OpenRequest> RecentDatabases::list() const {
 void RecentDatabases::add(const OpenRequest& request) {
     QList<OpenRequest> requests = list();
     requests.removeIf([&](const OpenRequest& other) { return isSame(other, request); });
-    requests.prepend(request);
+    requests.prepend(settled(request));
     write(requests.mid(0, most));
 }
 

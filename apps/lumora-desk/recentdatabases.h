@@ -16,7 +16,8 @@ public:
     explicit RecentDatabases(QSettings& settings) : settings_(settings) {}
 
     QList<OpenRequest> list() const;
-    // To the front. The same database with another model is another entry.
+    // To the front. A database stands there once, however its path or address was written; with another model
+    // it is another entry.
     void add(const OpenRequest& request);
     void remove(const OpenRequest& request);
     void clear() { write({}); }
@@ -26,6 +27,9 @@ private:
 
     QSettings& settings_;
 };
+
+// The database, and the model's file when it has one.
+QString recentLabel(const OpenRequest& request);
 
 // Without what must not be written down: the password, and connect options that look like one.
 DatabaseParameters withoutPassword(const DatabaseParameters& database);

@@ -1,6 +1,9 @@
 #include "apps/lumora-desk/startpage.h"
 
+#include "apps/lumora-desk/recentdatabases.h"
+
 #include <QCommandLinkButton>
+#include <QFileInfo>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
@@ -68,10 +71,12 @@ void StartPage::setRecent(const QList<OpenRequest>& recent) {
     recentTitle_->setVisible(!recent.isEmpty());
     for (const OpenRequest& request : recent.mid(0, 5)) {
         QString name = displayName(request.database);
+        if (!request.modelFile.isEmpty())
+            name = tr("%1 (%2)").arg(name, QFileInfo(request.modelFile).fileName());
         auto* const button = new QPushButton(name.replace(u'&', QStringLiteral("&&")), this);
         button->setFlat(true);
         button->setStyleSheet(QStringLiteral("text-align: left; padding: 3px;"));
-        button->setToolTip(request.database.label());
+        button->setToolTip(recentLabel(request));
         button->setCursor(Qt::PointingHandCursor);
         connect(button, &QPushButton::clicked, this, [this, request] { emit recentWanted(request); });
         recent_->addWidget(button);

@@ -15,16 +15,30 @@ int arrowWidth(const QStyleOptionViewItem& option) {
     return option.fontMetrics.height();
 }
 
+bool isChoice(const QModelIndex& index) {
+    return index.flags().testFlag(Qt::ItemIsEditable);
+}
+
 } // namespace
+
+// The text ends before the arrow; both ends of a formula tell something.
+void ChoiceDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
+    QStyledItemDelegate::initStyleOption(option, index);
+    if (option->rect.width() <= 0)
+        return; // only the size is asked for
+    const int room = option->rect.width() - 8 - (isChoice(index) ? arrowWidth(*option) : 0);
+    option->text = option->fontMetrics.elidedText(option->text, Qt::ElideMiddle, std::max(0, room));
+}
 
 void ChoiceDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                            const QModelIndex& index) const {
     QStyledItemDelegate::paint(painter, option, index);
-    if (!(index.flags() & Qt::ItemIsEditable))
+    if (!isChoice(index))
         return;
     QStyleOption arrow = option;
     const int side = arrowWidth(option) * 2 / 3;
-    arrow.rect = QRect(option.rect.right() - side - 3, option.rect.center().y() - side / 2, side, side);
+    const QRect end(option.rect.right() - side - 3, option.rect.center().y() - side / 2, side, side);
+    arrow.rect = QStyle::visualRect(option.direction, option.rect, end);
     const QStyle& style = option.widget ? *option.widget->style() : *QApplication::style();
     style.drawPrimitive(QStyle::PE_IndicatorArrowDown, &arrow, painter, option.widget);
 }

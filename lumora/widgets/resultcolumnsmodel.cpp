@@ -193,7 +193,7 @@ int ResultColumnsModel::columnCount(const QModelIndex& parent) const {
 }
 
 QString ResultColumnsModel::formulaText(int row) const {
-    return QString::fromStdString(field(row).GetExpression());
+    return QString::fromStdString(field(row).GetExpression()).remove(u'{').remove(u'}');
 }
 
 QVariant ResultColumnsModel::data(const QModelIndex& index, int role) const {
@@ -208,6 +208,8 @@ QVariant ResultColumnsModel::data(const QModelIndex& index, int role) const {
                                   : QString();
         return table.isEmpty() ? formulaText(row) : tr("%1 of %2").arg(formulaText(row), table);
     }
+    if (role == Qt::AccessibleDescriptionRole && index.column() == Shown)
+        return formulaText(row);
     const bool display = role == Qt::DisplayRole;
     if (!display && role != Qt::EditRole && role != RawRole)
         return {};

@@ -14,7 +14,9 @@
 #include <QStackedWidget>
 #include <QStyle>
 #include <QTableView>
+#include <QTextDocument>
 #include <QToolButton>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 namespace lumora {
@@ -55,8 +57,7 @@ ResultColumnsWidget::ResultColumnsWidget(QWidget* parent)
       chooser_(new FieldChooser(this)) {
     view_->setModel(model_);
     view_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    view_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
-                           QAbstractItemView::SelectedClicked);
+    view_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
     view_->setItemDelegateForColumn(
         ResultColumnsModel::Shown,
         new ChoiceDelegate(
@@ -67,13 +68,14 @@ ResultColumnsWidget::ResultColumnsWidget(QWidget* parent)
     view_->verticalHeader()->hide();
     view_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 10);
     view_->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    view_->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    view_->horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     view_->horizontalHeader()->setSectionResizeMode(ResultColumnsModel::Caption, QHeaderView::Stretch);
     view_->horizontalHeader()->setHighlightSections(false);
     view_->setShowGrid(false);
     view_->setTabKeyNavigation(false);
     view_->setAccessibleName(tr("Columns that are shown"));
     view_->installEventFilter(this);
+    view_->viewport()->installEventFilter(this);
 
     stack_->addWidget(makeEmptyPage());
     stack_->addWidget(view_);
@@ -164,6 +166,7 @@ void ResultColumnsWidget::updateState() {
     const int rows = model_->rowCount();
     const int row = currentRow();
     stack_->setCurrentIndex(rows == 0 ? 0 : 1);
+    fitColumns();
     add_->setEnabled(isReady);
     remove_->setEnabled(row >= 0);
     up_->setEnabled(row > 0);
@@ -174,6 +177,22 @@ void ResultColumnsWidget::updateState() {
     if (table)
         suggest_->setText(
             tr("Show the main fields of %1").arg(QString::fromStdString(table->GetDisplayName())));
+}
+
+// Names keep two fifths of the width at least; what a column shows and how it is sorted share the rest.
+void ResultColumnsWidget::fitColumns() {
+    const QAbstractItemView& cells = *view_;
+    const int width = cells.viewport()->width();
+    const auto wanted = [&](ResultColumnsModel::Column column) {
+        return std::max(cells.sizeHintForColumn(column), view_->horizontalHeader()->sectionSizeHint(column));
+    };
+    const int shown = wanted(ResultColumnsModel::Shown);
+    const int sorting = wanted(ResultColumnsModel::Sorting);
+    const int name = std::min(wanted(ResultColumnsModel::Caption), width * 2 / 5);
+    const int room = std::max(0, width - name);
+    const int sortingRoom = std::min(sorting, std::max(room / 2, room - shown));
+    view_->setColumnWidth(ResultColumnsModel::Sorting, sortingRoom);
+    view_->setColumnWidth(ResultColumnsModel::Shown, std::min(shown, room - sortingRoom));
 }
 
 // --- What people do.
@@ -226,12 +245,19 @@ void ResultColumnsWidget::changeSortRank(int step) {
     model_->setSortRank(row, model_->sortRank(row) + step);
 }
 
+// A formula is not edited here, and shown whole instead.
+void ResultColumnsWidget::editCurrent() {
+    const QModelIndex index = view_->currentIndex();
+    if (index.flags() & Qt::ItemIsEditable)
+        view_->edit(index);
+    else if (index.isValid())
+        QToolTip::showText(view_->viewport()->mapToGlobal(view_->visualRect(index).bottomLeft()),
+                           Qt::convertFromPlainText(index.data(Qt::ToolTipRole).toString()), view_);
+}
+
 bool ResultColumnsWidget::handleKey(int key, Qt::KeyboardModifiers modifiers) {
     const bool alt = modifiers.testFlag(Qt::AltModifier);
     switch (key) {
-    case Qt::Key_Insert:
-        chooseFields();
-        return true;
     case Qt::Key_Delete:
         removeSelected();
         return true;
@@ -247,19 +273,31 @@ bool ResultColumnsWidget::handleKey(int key, Qt::KeyboardModifiers modifiers) {
         return alt;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        if (view_->currentIndex().isValid())
-            view_->edit(view_->currentIndex());
+    case Qt::Key_F2:
+        editCurrent();
         return true;
     default:
         return false;
     }
 }
 
+// Whatever has the keyboard here: a query without columns has no table.
+void ResultColumnsWidget::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Insert)
+        chooseFields();
+    else
+        QWidget::keyPressEvent(event);
+}
+
 bool ResultColumnsWidget::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == view_->viewport() && event->type() == QEvent::Resize)
+        fitColumns();
     if (watched == view_ && event->type() == QEvent::KeyPress) {
         const auto& key = static_cast<QKeyEvent&>(*event);
         if (handleKey(key.key(), key.modifiers()))
             return true;
+        if (!key.text().trimmed().isEmpty() && view_->currentIndex().isValid()) // names are searched
+            view_->setCurrentIndex(view_->currentIndex().siblingAtColumn(ResultColumnsModel::Caption));
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -42,6 +42,7 @@ public slots:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     bool handleKey(int key, Qt::KeyboardModifiers modifiers);
@@ -51,6 +52,8 @@ private:
     int currentRow() const;
     TDSTable* suggestedTable() const;
     void updateState();
+    void fitColumns();
+    void editCurrent();
     QWidget* makeEmptyPage();
     QWidget* makeButtons();
 

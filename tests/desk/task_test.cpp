@@ -170,8 +170,8 @@ TEST_F(Exports, RowsAreWrittenSoThatSpreadsheetsReadThem) {
     ASSERT_TRUE(wait());
     ASSERT_EQ(failed.size(), 0) << failed.value(0).value(0).toString().toStdString();
     EXPECT_EQ(finished[0][0].toInt(), 2);
-    EXPECT_EQ(readFile(file), "\xEF\xBB\xBFName,\"Quoted, \"\"so\"\"\",Size\n"
-                              "Zoë,\"a \"\"b\"\"\nc\",12.50\n,\"\",1e+21\n");
+    EXPECT_EQ(readFile(file), "\xEF\xBB\xBFName,\"Quoted, \"\"so\"\"\",Size\r\n"
+                              "Zoë,\"a \"\"b\"\"\nc\",12.50\r\n,\"\",1e+21\r\n");
 }
 
 TEST_F(Exports, AStatementGoesToTheFileWithoutBeingKept) {
@@ -184,7 +184,7 @@ TEST_F(Exports, AStatementGoesToTheFileWithoutBeingKept) {
     EXPECT_EQ(finished[0][0].toInt(), 300'000);
     const std::string text = readFile(file);
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 300'001);
-    EXPECT_EQ(text.substr(text.size() - 8), "\n300000\n");
+    EXPECT_EQ(text.substr(text.size() - 9), "\n300000\r\n");
 }
 
 TEST_F(Exports, WhatFailsOrIsCancelledLeavesTheOldFile) {

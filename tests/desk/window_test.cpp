@@ -109,6 +109,8 @@ protected:
 
 TEST_F(Windows, AColumnIsAddedTheQueryRunSavedAndOpenedAgain) {
     ASSERT_TRUE(window.document().isOpen());
+    EXPECT_EQ(window.focusWidget(), &window.query().conditions());
+    EXPECT_TRUE(window.screen()->availableGeometry().contains(QRect(QPoint(), window.size())));
     addCondition(window.document(), "City", "Oslo");
     settle();
     EXPECT_TRUE(window.statement().sql().contains("Oslo"));
@@ -130,6 +132,8 @@ TEST_F(Windows, AColumnIsAddedTheQueryRunSavedAndOpenedAgain) {
         QTest::keySequence(&window, QKeySequence::Save);
     }
     EXPECT_FALSE(window.document().isModified());
+    EXPECT_EQ(rows(), 2) << "saving for the first time leaves the rows";
+    EXPECT_TRUE(window.windowTitle().startsWith("In Oslo"));
 
     MainWindow second;
     second.open(request());
@@ -138,7 +142,7 @@ TEST_F(Windows, AColumnIsAddedTheQueryRunSavedAndOpenedAgain) {
     EXPECT_EQ(second.document().queryName(), "In Oslo");
     EXPECT_EQ(second.statement().sql(), window.statement().sql());
     EXPECT_EQ(second.statement().words(), window.statement().words());
-    EXPECT_TRUE(second.statement().words().startsWith("Show Name, City and Since."));
+    EXPECT_TRUE(second.statement().words().startsWith("Show Name, City and Since, each different row once."));
 }
 
 TEST_F(Windows, AQueryThatIsNotFinishedSaysSoWhereItsSqlWouldBe) {
@@ -394,7 +398,10 @@ TEST_F(Windows, RevertBringsBackWhatWasSaved) {
     other.save();
     addCondition(window.document(), "Name", "Ann");
     {
-        const WhenDialogOpens<QMessageBox> no([&](QMessageBox& box) { press(QMessageBox::Cancel, box); });
+        const WhenDialogOpens<QMessageBox> no([&](QMessageBox& box) {
+            EXPECT_TRUE(box.text().contains("stored as \"One\"")) << box.text().toStdString();
+            press(QMessageBox::Cancel, box);
+        });
         choose("Save");
     }
     EXPECT_NE(readFile(queryFolder + "/One.qry").find("Eve"), std::string::npos);
@@ -427,7 +434,7 @@ TEST_F(Windows, RowsAreExportedAsTheyAreShownAndSaidSo) {
         settle();
     };
     exportTo(folder / "rows.csv");
-    EXPECT_EQ(readFile(folder / "rows.csv"), "\xEF\xBB\xBFName\nAnn\nBob\nEve\n");
+    EXPECT_EQ(readFile(folder / "rows.csv"), "\xEF\xBB\xBFName\r\nAnn\r\nBob\r\nEve\r\n");
     EXPECT_TRUE(infoText().endsWith("3 rows exported")) << infoText().toStdString();
     addCondition(window.document(), "City", "Oslo"); // not run yet
     settle();

@@ -143,7 +143,7 @@ TEST_F(ResultColumns, TheKeyboardDoesAllThatTheMouseDoes) {
     QTest::keyClick(&view, Qt::Key_Delete);
     QTest::keyClick(&view, Qt::Key_Delete);
     EXPECT_EQ(columns().rowCount(), 0);
-    QTest::keyClick(&view, Qt::Key_Insert);
+    QTest::keyClick(widget.findChild<QPushButton*>(), Qt::Key_Insert); // the table is not there
     auto& chooser = *widget.findChild<FieldChooser*>();
     ASSERT_TRUE(chooser.isVisible());
     QTest::keyClicks(&chooser.searchLine(), "SINCE");
@@ -154,6 +154,36 @@ TEST_F(ResultColumns, TheKeyboardDoesAllThatTheMouseDoes) {
     QTest::keyClick(&chooser.searchLine(), Qt::Key_Return);
     EXPECT_EQ(columns().rowCount(), 1);
     chooser.close();
+}
+
+TEST_F(ResultColumns, NamesKeepRoomAndAreFoundByTyping) {
+    for (const char* const name : {"customers.company", "customers.since", "orders.amount"})
+        columns().addField(field(name));
+    shop.Panel.GetQResult().GetResultFields().Add(
+        "case when sum(@1) > 1000 then round(sum(@1) / 1000, 2) else round(sum(@1), 4) end",
+        {&field("orders.amount")}, "Worth");
+    widget.refresh();
+    widget.show();
+    QTableView& view = widget.view();
+    for (const int width : {180, 320, 700}) {
+        widget.resize(width, 300);
+        QCoreApplication::processEvents();
+        const int name = view.columnWidth(Model::Caption);
+        EXPECT_GE(name,
+                  std::min(view.viewport()->width() * 2 / 5, view.fontMetrics().horizontalAdvance("since")))
+            << width;
+        EXPECT_LE(name + view.columnWidth(Model::Shown) + view.columnWidth(Model::Sorting),
+                  view.viewport()->width());
+    }
+    EXPECT_TRUE(
+        columns().index(3, Model::Shown).data(Qt::ToolTipRole).toString().contains("round(sum(amount), 4)"))
+        << "whole, though it is cut in the cell";
+    view.setCurrentIndex(columns().index(0, Model::Sorting));
+    QTest::keyClicks(&view, "am");
+    EXPECT_EQ(view.currentIndex().row(), 2);
+    EXPECT_EQ(view.findChild<QLineEdit*>(), nullptr) << "no name is edited";
+    QTest::keyClick(&view, Qt::Key_F2);
+    EXPECT_NE(view.findChild<QLineEdit*>(), nullptr);
 }
 
 TEST_F(ResultColumns, SortingAndPlacesStayWithinTheirBounds) {
