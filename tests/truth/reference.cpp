@@ -225,7 +225,7 @@ private:
                 if (value.kind == vkSubQuery)
                     cells = subQueryCells(text);
                 else
-                    cells.push_back(meaningOf(value.type, text, panel_.GetStrict()).value());
+                    cells.push_back(meaningIn(condition, value.type, text));
         }
         if (condition.GetRowType() == frtSimpleCondition)
             return simpleTest(static_cast<const TSimpleCond&>(condition), values);
@@ -235,6 +235,14 @@ private:
         return [columns = columnReads(predicate.columns), values, &predicate, &orders](const JoinedRow& row) {
             return predicate.holds(readAll(columns, row), values, orders);
         };
+    }
+
+    // A day that a column of moments is compared with is the whole of it.
+    Cell meaningIn(const TFilterCond& condition, TFieldType type, const std::string& text) const {
+        const Cell meaning = meaningOf(type, text, panel_.GetStrict()).value();
+        const bool isWholeDay = panel_.GetStrict() && condition.GetRowType() == frtSimpleCondition &&
+                                type == ftDateTime && text.find(':') == std::string::npos;
+        return isWholeDay ? truth::text(meaning).substr(0, 10) : meaning;
     }
 
     Test simpleTest(const TSimpleCond& condition, const std::vector<Cells>& values) const {

@@ -25,9 +25,22 @@ std::string show(const Cells& cells) {
     return row;
 }
 
+namespace {
+
+// "2024-07-01", and the same with a time behind it when `size` is 19.
+bool isMoment(const Cell& cell, std::size_t size) {
+    return std::holds_alternative<std::string>(cell) && text(cell).size() == size && text(cell)[4] == '-' && text(cell)[7] == '-' &&
+           (size == 10 || text(cell)[13] == ':');
+}
+
+} // namespace
+
+// A moment compares with a day as its own day does.
 Truth compare(const Cell& left, std::string_view sign, const Cell& right) {
     if (isNull(left) || isNull(right))
         return Truth::unknown;
+    if (isMoment(left, 19) && isMoment(right, 10))
+        return compare(text(left).substr(0, 10), sign, right);
     return truthOf((left < right && sign.find('<') != sign.npos) ||
                    (left > right && sign.find('>') != sign.npos) ||
                    (left == right && sign.find('=') != sign.npos));
