@@ -463,7 +463,8 @@ Statement DeskDocument::statement(const std::vector<ParameterValue>& values) {
         parameters.bind(sql, given, model()->GetSQLFormats(), engineOf(statement.database.driver));
     const TRFieldList& fields = copy->GetQResult().GetResultFields();
     for (int i = 0; i < fields.Count() && !fields.JustSorting; ++i)
-        statement.captions.append(QString::fromStdString(ColumnHeading(*fields.GetRField(i))));
+        if (!fields.GetRField(i)->GetHidden())
+            statement.captions.append(QString::fromStdString(ColumnHeading(*fields.GetRField(i))));
     return statement;
 }
 

@@ -73,8 +73,11 @@ void QuerySession::prepare(const QueryOptions& options) {
 void QuerySession::readQuery(const std::string& queryFile, const QueryOptions& options) {
     prepare(options);
     ReadQueryText(query_, readLines(queryFile), options.saveTitles ? &titles_ : nullptr);
-    if (options.sqlOptions) // again, for the text may hold others
+    // Again, for the text may hold others.
+    if (options.sqlOptions)
         query_.SetSQLOptions(*options.sqlOptions);
+    if (!options.mainTable.empty())
+        query_.SetMainTableName(options.mainTable);
 }
 
 void QuerySession::readSQL(const std::string& sqlFile, const QueryOptions& options) {

@@ -46,6 +46,14 @@ TMessageId MessageOf(TQueryPanelErrorCode code) {
         return msgChangedMeanwhile;
     case qpeNoPath:
         return msgNoPathBetween;
+    case qpeAmbiguousField:
+        return msgAmbiguousField;
+    case qpeNoFreeAlias:
+        return msgNoFreeAlias;
+    case qpeNoShownTable:
+        return msgNoShownTable;
+    case qpeHiddenDistinct:
+        return msgHiddenDistinct;
     }
     return msgQueryWasNotBuilt;
 }
@@ -57,9 +65,11 @@ EVQueryPanelError::EVQueryPanelError(TQueryPanelErrorCode code,
     : EVLumoraError(code, Message(MessageOf(code)), arguments) {}
 
 EVQueryPanelError::EVQueryPanelError(TQueryPanelErrorCode code,
-                                     std::initializer_list<std::string_view> arguments, int line)
-    : EVLumoraError(code,
-                    FormatText(Message(MessageOf(code)), arguments) + "\r\nLine:" + std::to_string(line)) {}
+                                     std::initializer_list<std::string_view> arguments,
+                                     const TTextPlace& place)
+    : EVLumoraError(code, FormatText(Message(MessageOf(code)), arguments) +
+                              "\r\nLine:" + std::to_string(place.Line)),
+      Place(place) {}
 
 std::size_t CheckedIndex(int index, std::size_t count) {
     if (index < 0 || static_cast<std::size_t>(index) >= count)

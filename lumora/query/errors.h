@@ -2,6 +2,7 @@
 #pragma once
 
 #include "lumora/model/Lmglobal.h"
+#include "lumora/support/text_place.h"
 
 #include <initializer_list>
 #include <string_view>
@@ -28,7 +29,11 @@ enum TQueryPanelErrorCode : int {
     qpeCantSortByTotal = 17,
     qpeEmptyLink = 18,
     qpeChangedMeanwhile = 19,
-    qpeNoPath = 20
+    qpeNoPath = 20,
+    qpeAmbiguousField = 21,
+    qpeNoFreeAlias = 22,
+    qpeNoShownTable = 23,
+    qpeHiddenDistinct = 24
 };
 
 class EVQueryPanelError : public EVLumoraError {
@@ -36,7 +41,10 @@ public:
     explicit EVQueryPanelError(TQueryPanelErrorCode code,
                                std::initializer_list<std::string_view> arguments = {});
     // With a line break, "Line:" and the line of the statement at the end of the message.
-    EVQueryPanelError(TQueryPanelErrorCode code, std::initializer_list<std::string_view> arguments, int line);
+    EVQueryPanelError(TQueryPanelErrorCode code, std::initializer_list<std::string_view> arguments,
+                      const TTextPlace& place);
+
+    const TTextPlace Place; // in the statement that was read; line 0: there is none
 };
 
 // The index as a place in a list; EVQueryPanelError "Invalid index" when the list has no such place.

@@ -87,7 +87,30 @@ void TVQuery::CheckIfDBStructAssigned() const {
         throw EVQueryPanelError(qpeNoDBStruct);
 }
 
+TDSTable* TVQuery::GetMainTable() const {
+    TDSTable* const own =
+        model_ && !ownMainTable_.empty() ? model_->TableByName(tnAlias, ownMainTable_) : nullptr;
+    return own ? own : mainTable_;
+}
+
+const std::string& TVQuery::GetMainTableName() const {
+    return ownMainTable_.empty() || !GetMainTable() ? mainTableName_ : GetMainTable()->GetName();
+}
+
+void TVQuery::SetOwnMainTable(const std::string& alias) {
+    if (alias == ownMainTable_)
+        return;
+    ownMainTable_ = alias;
+    QueryChanged();
+}
+
+void TVQuery::SetShownTables(TShownTableList tables) {
+    shownTables_ = std::move(tables);
+    QueryChanged();
+}
+
 void TVQuery::SetMainTableName(const std::string& name) {
+    ownMainTable_.clear();
     mainTableName_ = name;
     if (model_)
         mainTable_ = model_->TableByName(tnName, name);
@@ -137,6 +160,8 @@ void TVQuery::ClearRows() {
 
 // Whoever hears that there are no parameters any more finds no rows either.
 void TVQuery::ClearAll() {
+    ownMainTable_.clear();
+    shownTables_.clear();
     if (GetEmpty())
         result_->GetResultFields().Clear();
     else
@@ -189,8 +214,10 @@ void TVQuery::BuildQuery(bool withConditions) {
     CheckIfDBStructAssigned();
     const TQueryStateGuard guard(*this, stBuilding);
     RefreshMainTable();
+    if (!ownMainTable_.empty() && !model_->TableByName(tnAlias, ownMainTable_))
+        throw EVQueryPanelError(qpeNoShownTable, {ownMainTable_});
     builtConditions_ = withConditions;
-    TQueryBuilder(*this, *model_).Build(mainTable_, withConditions ? root_.get() : nullptr);
+    TQueryBuilder(*this, *model_).Build(GetMainTable(), withConditions ? root_.get() : nullptr);
 }
 
 std::string TVQuery::ExtractValue(const TFilterCond& condition, int value) const {

@@ -12,6 +12,7 @@
 #include "lumora/model/model_listener.h"
 #include "lumora/platform/string_list.h"
 #include "lumora/query/row_ref.h"
+#include "lumora/query/shown_tables.h"
 #include "lumora/query/sql_options.h"
 
 #include <memory>
@@ -56,11 +57,21 @@ public:
     void ModelKnown();
     // EVQueryPanelError "DBStructure is not specified" without a model.
     void CheckIfDBStructAssigned() const;
-    const std::string& GetMainTableName() const { return mainTableName_; }
+    // The query's own; else the one that the host names; else the model's default.
+    const std::string& GetMainTableName() const;
+    TDSTable* GetMainTable() const;
+    // The host's. It takes the place of the query's own.
     void SetMainTableName(const std::string& name);
-    TDSTable* GetMainTable() const { return mainTable_; }
     // Finds the table of that name; without a name takes the model's default.
     void RefreshMainTable();
+    // The query's own, by alias, which its text keeps; empty: it has none. One that the model does not have
+    // is refused by building.
+    const std::string& GetOwnMainTable() const { return ownMainTable_; }
+    void SetOwnMainTable(const std::string& alias);
+    // Tables that stand in the statement behind the main table, in this order, whether or not anything else
+    // needs them: each record is one combination of their rows.
+    const TShownTableList& GetShownTables() const { return shownTables_; }
+    void SetShownTables(TShownTableList tables);
 
     // --- What it says.
     TFilterBracket* GetRootBracket() const { return root_.get(); } // none without a model
@@ -198,6 +209,8 @@ private:
     const TVCustomDBStructure* model_ = nullptr;
     std::string mainTableName_;
     TDSTable* mainTable_ = nullptr;
+    std::string ownMainTable_;
+    TShownTableList shownTables_;
     TRowRefs rowRefs_;
     TQueryListener* listener_;
     std::unique_ptr<TQueryResult> result_;

@@ -42,6 +42,7 @@ void TQueryBuilder::Build(TDSTable* mainTable, const TFilterBracket* root) {
 void TQueryBuilder::Collect(TDSTable* mainTable, const TFilterBracket* root) {
     if (mainTable)
         AddTable(mainTable);
+    AddShownTables();
     AddResultFields();
     if (root && root->GetEnabled())
         statement_.Select.Where = MakeBracket(*root);
@@ -56,6 +57,27 @@ void TQueryBuilder::Collect(TDSTable* mainTable, const TFilterBracket* root) {
 bool TQueryBuilder::HasTable(TDSTable* table) const {
     const TRTableList& tables = result_.GetResultTables();
     return strict_ ? tables.IndexOf(table) >= 0 : tables.Find(table->GetName()) != nullptr;
+}
+
+// One whose table or link the model has no more is refused: without it the statement would give other rows.
+void TQueryBuilder::AddShownTables() {
+    for (const TShownTable& shown : panel_.GetShownTables()) {
+        TDSTable* const table = structure_.TableByName(tnAlias, shown.Alias);
+        TDSLink* const link = shown.Partner.empty() ? nullptr : FindLinkOf(shown, structure_);
+        if (!table || (!link && !shown.Partner.empty()))
+            throw EVQueryPanelError(qpeNoShownTable, {shown.Alias});
+        if (!link) {
+            AddTable(table);
+        } else if (!HasTable(table)) {
+            // Where joins stand in WHERE, only the link itself can say that it is an outer one.
+            const bool canSay = panel_.GetSQLSyntax() == ssSQL2 || shown.Kind == jkInner ||
+                                (panel_.GetSQLSyntax() == ssOracle && shown.Kind == JoinKindOf(*link, table));
+            if (!canSay)
+                throw EVQueryPanelError(qpeOtherJoin, {shown.Alias});
+            CheckLink(*link);
+            result_.GetResultTables().Append(table, link, shown.Kind);
+        }
+    }
 }
 
 void TQueryBuilder::AddTable(TDSTable* table) {
@@ -121,7 +143,7 @@ void TQueryBuilder::AddResultFields() {
         TResultField& field = *fields.GetRField(i);
         if (strict_)
             CheckResultField(field);
-        aggregates = aggregates || field.GetAgregate();
+        aggregates = aggregates || field.GetAgregate() || field.GetGrouping() == cgKey;
         for (const TDSField* const entry : field.GetFields())
             AddTables(entry->GetTables());
         if (field.GetSorting() != stNoSort)
@@ -156,6 +178,9 @@ void TQueryBuilder::CheckResultField(const TResultField& field) const {
             throw EVQueryPanelError(qpeUnrecognizedField, {field.GetCaption()});
     CheckExpression(field.GetSQLExpr(), field.GetCaption(), dialect_);
     CheckSorting(field);
+    if (field.GetHidden() && field.GetSorting() != stNoSort &&
+        panel_.GetSQLOptions().Contains(soSelectDistinct))
+        throw EVQueryPanelError(qpeHiddenDistinct, {field.GetCaption()});
 }
 
 // Records that are shown whole can't be sorted by a total: it would group them. Those that are told apart can
@@ -177,7 +202,7 @@ void TQueryBuilder::CheckSorting(const TResultField& field) const {
 void TQueryBuilder::AppendSortItem(std::string& out, const TResultField& field, bool constant) const {
     const bool justSorting = result_.GetResultFields().JustSorting;
     const bool fieldless = field.GetFields().empty();
-    const bool byName = justSorting || (panel_.GetSQLOptions().Contains(soSortByNames) &&
+    const bool byName = justSorting || field.GetHidden() || (panel_.GetSQLOptions().Contains(soSortByNames) &&
                                         !(strict_ && fieldless) && !constant);
     if (!byName)
         out += std::to_string(field.GetNumber());
@@ -190,21 +215,27 @@ void TQueryBuilder::AppendSortItem(std::string& out, const TResultField& field, 
 
 void TQueryBuilder::AddGroupBy() {
     TRFieldList& fields = result_.GetResultFields();
-    TNodeList<TGroupItem>& items = statement_.Select.GroupBy;
     for (int i = 0; i < fields.Count(); ++i) {
         const TResultField& field = *fields.GetRField(i);
-        if (field.GetAgregate())
+        if (field.GetAgregate() || field.GetGrouping() == cgAny)
             continue;
-        for (const TDSField* const entry : field.GetFields()) {
-            const std::string text = entry->GetGroupByFields(quoting_);
-            if (text.empty())
-                continue;
-            statement_.Text += items.Empty() ? "" : ", ";
-            TGroupItem* const item = statement_.Nodes.New<TGroupItem>();
-            item->Text = statement_.Append(text);
-            items.Add(item);
+        if (field.GetGrouping() == cgKey) {
+            AddGroupItem(field.GetSQLExpr());
+            continue;
         }
+        for (const TDSField* const entry : field.GetFields())
+            AddGroupItem(entry->GetGroupByFields(quoting_));
     }
+}
+
+void TQueryBuilder::AddGroupItem(std::string_view text) {
+    if (text.empty())
+        return;
+    TNodeList<TGroupItem>& items = statement_.Select.GroupBy;
+    statement_.Text += items.Empty() ? "" : ", ";
+    TGroupItem* const item = statement_.Nodes.New<TGroupItem>();
+    item->Text = statement_.Append(text);
+    items.Add(item);
 }
 
 // --- Conditions.

@@ -23,6 +23,7 @@ public:
 
 private:
     void Collect(TDSTable* mainTable, const TFilterBracket* root);
+    void AddShownTables();
     void AddTable(TDSTable* table);
     void AddTables(const TDSTableList& tables);
     bool HasTable(TDSTable* table) const;
@@ -35,6 +36,7 @@ private:
     void AddSortItems(std::vector<const TResultField*>& sorted);
     void AppendSortItem(std::string& out, const TResultField& field, bool constant) const;
     void AddGroupBy();
+    void AddGroupItem(std::string_view text);
     TPredicate* MakeBracket(const TFilterBracket& bracket);
     TPredicate* MakeLeaf(TFilterCond& condition);
     void LetHostChange(TPredicate& leaf, TFilterCond& condition);

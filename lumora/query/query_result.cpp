@@ -24,7 +24,8 @@ std::span<const TPropertyInfo> TQueryResult::PublishedProperties() const {
 void TQueryResult::GetResFieldCaptions(TStringList& captions) const {
     captions.Clear();
     for (int i = 0; i < resultFields_.Count(); ++i)
-        captions.Add(resultFields_.GetRField(i)->GetCaption());
+        if (!resultFields_.GetRField(i)->GetHidden())
+            captions.Add(resultFields_.GetRField(i)->GetCaption());
 }
 
 void TQueryResult::SetSQLOptions(TSQLOptions options) {
@@ -137,9 +138,12 @@ void TQueryResult::AddColumns() {
     TSelect& select = statement_.Select;
     select.Distinct = sqlOptions_.Contains(soSelectDistinct);
     for (int i = 0; i < resultFields_.Count() && !resultFields_.JustSorting; ++i) {
+        const TResultField& field = *resultFields_.GetRField(i);
+        if (field.GetHidden())
+            continue;
         TSelectColumn* const column = statement_.Nodes.New<TSelectColumn>();
         const std::size_t start = statement_.Text.size();
-        resultFields_.GetRField(i)->AppendSelectExpr(statement_.Text);
+        field.AppendSelectExpr(statement_.Text);
         column->Text = statement_.SpanFrom(start);
         select.Columns.Add(column);
     }
@@ -153,6 +157,7 @@ void TQueryResult::AddTables() {
         TJoinedTable* const joined = statement_.Nodes.New<TJoinedTable>();
         joined->Table = item.Table;
         joined->Link = item.Link;
+        joined->Kind = item.Kind;
         statement_.Select.Tables.Add(joined);
     }
     usesSQL1Joins_ = Printer().JoinsInWhere();
@@ -202,7 +207,7 @@ bool TQueryResult::AddSQL1Joins(TStringList& lines) const {
     for (int i = 1; i < resultTables_.Count(); ++i) {
         if (i > 1)
             lines.AppendToLast(" AND");
-        printer.AppendLink(lines.Tail(), *resultTables_.GetItem(i).Link);
+        printer.AppendLink(lines.Tail(), *resultTables_.GetItem(i).Link, resultTables_.GetItem(i).Kind);
         lines.EndLine();
     }
     return resultTables_.Count() > 1;

@@ -327,6 +327,20 @@ void TResultField::SetSorting(TSortingType sorting) {
     Changed();
 }
 
+void TResultField::SetHidden(bool hidden) {
+    if (hidden == hidden_)
+        return;
+    hidden_ = hidden;
+    Changed();
+}
+
+void TResultField::SetGrouping(TColumnGrouping grouping) {
+    if (grouping == grouping_)
+        return;
+    grouping_ = grouping;
+    Changed();
+}
+
 void TResultField::SetSortOrder(int order) {
     if (order == sortOrder_)
         return;
@@ -344,6 +358,8 @@ void TResultField::Assign(const TResultField& source) {
     alias_ = source.alias_;
     sorting_ = source.sorting_;
     sortOrder_ = source.sortOrder_;
+    hidden_ = source.hidden_;
+    grouping_ = source.grouping_;
     ++owner_.version_;
     if (panel)
         panel->EndUpdate();
@@ -491,8 +507,18 @@ std::string TRFieldList::GetUniqCaption(const std::string& caption) const {
 }
 
 void TRFieldList::GenerateNumbers() {
-    for (int i = 0; i < Count(); ++i)
-        GetRField(i)->SetNumber(i + 1);
+    int number = 0;
+    for (const auto& field : fields_)
+        field->SetNumber(field->GetHidden() ? 0 : ++number);
+}
+
+bool TRFieldList::HasHidden() const {
+    return std::any_of(fields_.begin(), fields_.end(), [](const auto& field) { return field->GetHidden(); });
+}
+
+bool TRFieldList::HasGrouping() const {
+    return std::any_of(fields_.begin(), fields_.end(),
+                       [](const auto& field) { return field->GetGrouping() != cgAsNeeded; });
 }
 
 void TRFieldList::RegenerateAliases() {

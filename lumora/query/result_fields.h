@@ -20,6 +20,13 @@ class TSectionLines;
 class TStringList;
 using TDSFieldList = std::vector<TDSField*>;
 
+// What a column is where records are grouped.
+enum TColumnGrouping : std::uint8_t {
+    cgAsNeeded, // its fields are grouped by when another column is a total
+    cgKey,      // it is grouped by as it stands, total or none
+    cgAny       // not grouped by: it shows any one record of the group
+};
+
 // A formula over data model fields, "@1" standing for the first of them. Owned by its list. Its changes tell
 // the panel, once each. A bad index raises EVQueryPanelError here and in the list.
 class TResultField {
@@ -51,7 +58,13 @@ public:
     void SetSorting(TSortingType sorting);
     int GetSortOrder() const { return sortOrder_; }
     void SetSortOrder(int order);
-    int GetNumber() const { return number_; } // the position from 1, as GenerateNumbers found it
+    // A hidden column only sorts or groups.
+    bool GetHidden() const { return hidden_; }
+    void SetHidden(bool hidden);
+    TColumnGrouping GetGrouping() const { return grouping_; }
+    void SetGrouping(TColumnGrouping grouping);
+    // The position from 1 among those that are shown, as GenerateNumbers found it.
+    int GetNumber() const { return number_; }
     void SetNumber(int number) { number_ = number; }
 
     // The formula with the fields' SQL expressions, or with their captions in braces.
@@ -103,8 +116,14 @@ private:
     TSortingType sorting_ = stNoSort;
     int sortOrder_ = 0; // 0: none was given yet
     int number_ = 0;
+    bool hidden_ = false;
+    TColumnGrouping grouping_ = cgAsNeeded;
     void* oleObject_ = nullptr;
 };
+
+// What a text with such columns needs of its reader.
+inline constexpr std::string_view NeedHidden = "HiddenColumns";
+inline constexpr std::string_view NeedGrouping = "Grouping";
 
 class TRFieldList {
 public:
@@ -144,6 +163,8 @@ public:
     void GenerateNumbers();
     void RegenerateAliases();
     int GetSortCount() const;
+    bool HasHidden() const;
+    bool HasGrouping() const; // other than as needed
     int NextSortOrder() const;
     void Assign(const TRFieldList& source);
 

@@ -36,6 +36,10 @@ void TRFieldList::SaveToStrings(TStringList& lines) const {
         Put(lines, "Caption", field.GetCaption());
         lines.AddPair("Sorting", std::to_string(field.GetSorting()));
         lines.AddPair("SortOrder", std::to_string(field.GetSortOrder()));
+        if (field.GetHidden())
+            lines.Add("Hidden=1");
+        if (field.GetGrouping() != cgAsNeeded)
+            lines.AddPair("Grouping", std::to_string(field.GetGrouping()));
     }
 }
 
@@ -63,6 +67,9 @@ void TRFieldList::LoadField(const TSectionLines& lines) {
     field.sorting_ =
         static_cast<TSortingType>(std::clamp(XStrToInt(lines.Value("Sorting")), 0, int{stDescending}));
     field.sortOrder_ = XStrToInt(lines.Value("SortOrder"));
+    field.hidden_ = XStrToBool(lines.Value("Hidden"));
+    field.grouping_ =
+        static_cast<TColumnGrouping>(std::clamp(XStrToInt(lines.Value("Grouping")), 0, int{cgAny}));
     if (!structure_)
         return;
     const auto known = [this](TDSField* entry) { return entry ? entry : structure_->GetUnrecognizedField(); };

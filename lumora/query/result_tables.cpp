@@ -19,13 +19,18 @@ void TRTableList::Delete(int index) {
 int TRTableList::Add(TDSTable* table, TDSLink* link) {
     int position = Count();
     if (link) {
-        const TDSTable* const partner = link->Table1 == table ? link->Table2 : link->Table1;
-        position = IndexOf(partner) + 1;
+        position = IndexOf(link->Neighbour(table)) + 1;
         if (position == 0)
             throw EVQueryPanelError(qpeWrongLink);
     }
-    items_.insert(items_.begin() + position, {table, link});
+    items_.insert(items_.begin() + position, {table, link, link ? JoinKindOf(*link, table) : jkInner});
     return position;
+}
+
+void TRTableList::Append(TDSTable* table, TDSLink* link, TJoinKind kind) {
+    if (IndexOf(link->Neighbour(table)) < 0)
+        throw EVQueryPanelError(qpeWrongLink);
+    items_.push_back({table, link, kind});
 }
 
 const TResultTable* TRTableList::Find(std::string_view name) const {

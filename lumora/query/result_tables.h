@@ -1,6 +1,8 @@
 // The tables that take part in a query, in join order.
 #pragma once
 
+#include "lumora/statement/select.h"
+
 #include <string_view>
 #include <vector>
 
@@ -12,6 +14,7 @@ class TDSTable;
 struct TResultTable {
     TDSTable* Table = nullptr;
     TDSLink* Link = nullptr; // joins the table to one before it; none for the table that starts the chain
+    TJoinKind Kind = jkInner;
 };
 
 class TRTableList {
@@ -22,6 +25,8 @@ public:
     // Appends a table without a link; one with a link goes right behind the table that the link joins it to.
     // EVQueryPanelError when that one is not in the list. Returns the position.
     int Add(TDSTable* table, TDSLink* link);
+    // Behind all others, joined in another way than the link says. The same error.
+    void Append(TDSTable* table, TDSLink* link, TJoinKind kind);
     // The first table of that name, letter case ignored.
     const TResultTable* Find(std::string_view name) const;
     int IndexOf(const TDSTable* table) const;

@@ -8,6 +8,7 @@
 #include "lumora/query/query_state.h"
 #include "lumora/querytext/list_items.h"
 #include "lumora/querytext/query_text.h"
+#include "lumora/support/needs.h"
 #include "lumora/support/section_reader.h"
 #include "lumora/support/string_helpers.h"
 #include "lumora/titles/titles.h"
@@ -85,10 +86,13 @@ void TQueryTextReader::Read() {
 
 void TQueryTextReader::ReadMain() {
     const TSectionLines main = sections_.Read("Main", position_);
+    CheckNeeds(main.Value("Needs"), {NeedMainTable, NeedTables, NeedHidden, NeedGrouping});
     query_.SetQueryName(std::string(main.Value("QueryName")));
     query_.SetVersion(XStrToFloat(main.Value("Version"), 1.1));
     if (const std::string_view options = Trim(main.Value("Options")); !options.empty())
         query_.SetSQLOptions(IntToSQLOptions(XStrToInt(options)));
+    query_.SetOwnMainTable(std::string(main.Value("MainTable")));
+    query_.SetShownTables(ShownTablesFromText(main.Value("Tables")));
 }
 
 // The sections "Row...", by the section of the bracket that holds the row.

@@ -29,7 +29,14 @@ public:
     void Write();
 
 private:
+    struct TNeed {
+        std::string_view Name;
+        bool IsUsed;
+    };
+
     void WriteMain();
+    void WritePowers();
+    std::string MainTableToKeep() const;
     void WriteVerbatim(std::string_view section, const TStringList& text);
     void WriteRow(const TFilterRow& row);
     void WriteBracket(const TFilterBracket& bracket);
@@ -67,7 +74,39 @@ void TQueryTextWriter::WriteMain() {
         Put("Options", SQLOptionsToInt(query_.GetSQLOptions()));
     else
         Put("Options", "");
+    WritePowers();
     lines_.Add("");
+}
+
+// What only newer readers know. Each is named among the needs, so that others refuse the text.
+void TQueryTextWriter::WritePowers() {
+    const std::string mainTable = MainTableToKeep();
+    const TRFieldList& columns = query_.GetQResult().GetResultFields();
+    const TNeed needs[] = {{NeedMainTable, !mainTable.empty()},
+                           {NeedTables, !query_.GetShownTables().empty()},
+                           {NeedHidden, columns.HasHidden()},
+                           {NeedGrouping, columns.HasGrouping()}};
+    std::string names;
+    for (const TNeed& need : needs)
+        if (need.IsUsed)
+            names.append(names.empty() ? "" : ",").append(need.Name);
+    if (names.empty())
+        return;
+    Put("Needs", names);
+    if (!mainTable.empty())
+        Put("MainTable", mainTable);
+    if (!query_.GetShownTables().empty())
+        Put("Tables", ShownTablesToText(query_.GetShownTables()));
+}
+
+// The query's own, and in a strict query whatever else it begins with, unless the model says the same.
+std::string TQueryTextWriter::MainTableToKeep() const {
+    const TDSTable* const table = query_.GetMainTable();
+    if (!query_.GetOwnMainTable().empty() && !table)
+        return query_.GetOwnMainTable();
+    const bool isKept = table && table != query_.GetDbStruct()->GetDefaultMainTable() &&
+                        (query_.GetStrict() || !query_.GetOwnMainTable().empty());
+    return isKept ? table->GetAlias() : std::string();
 }
 
 void TQueryTextWriter::WriteVerbatim(std::string_view section, const TStringList& text) {

@@ -138,15 +138,15 @@ TSQLJoins::TSQLJoins(TVQuery& query, const TVParserResult& statement)
 }
 
 void TSQLJoins::RefuseJoin(const TJoined& joined) const {
-    throw EVQueryPanelError(qpeOtherJoin, {joined.Table->GetAlias()}, joined.Line);
+    throw EVQueryPanelError(qpeOtherJoin, {joined.Table->GetAlias()}, joined.Place);
 }
 
 void TSQLJoins::FindTables() {
     for (const TSQLTable& parsed : statement_.Tables) {
         TDSTable* const table = TableByAlias(model_, parsed.Alias);
         if (!table || !IsNameOf(*table, parsed.TableName))
-            throw EVQueryPanelError(qpeNoTable, {parsed.TableName}, parsed.Line);
-        tables_.push_back({table, nullptr, swInner, parsed.Line});
+            throw EVQueryPanelError(qpeNoTable, {parsed.TableName}, parsed.Place);
+        tables_.push_back({table, nullptr, swInner, parsed.Place});
         if (Find(table) != &tables_.back())
             RefuseJoin(tables_.back());
     }
@@ -165,7 +165,7 @@ void TSQLJoins::ReadJoinClauses() {
     for (const TSQLJoin& join : statement_.Joins) {
         TJoined& joined = tables_[static_cast<std::size_t>(join.Table)];
         joined.Kind = join.Kind;
-        joined.Line = join.Line;
+        joined.Place = join.Place;
         std::vector<std::string> keys;
         if (!CollectComparisons(*join.Condition, keys))
             RefuseJoin(joined);
@@ -341,8 +341,8 @@ void TSQLJoins::CheckGroupBy() const {
     }
     if (wanted != made)
         throw EVQueryPanelError(qpeCantBeKept, {"GROUP BY"},
-                                statement_.GroupBy.empty() ? tables_.front().Line
-                                                           : statement_.GroupBy.front().Line);
+                                statement_.GroupBy.empty() ? tables_.front().Place
+                                                           : statement_.GroupBy.front().Place);
 }
 
 } // namespace lumora

@@ -32,7 +32,7 @@ private:
         TDSTable* Table = nullptr;
         TDSLink* Link = nullptr;
         TSQLWord Kind = swInner; // as JOIN says it, seen from the joined table
-        int Line = 0;
+        TTextPlace Place;
     };
 
     void FindTables();

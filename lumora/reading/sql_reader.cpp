@@ -47,7 +47,7 @@ void TSQLReader::ReadFields(const TVParserResult& statement) {
             fields.AddBySQLExpr(std::string(parsed.Alias), parsed.SQLExpr,
                                 static_cast<TSortingType>(parsed.Sorting), parsed.SortOrder);
         if (strict_ && field->GetFields().front() == model_.GetUnrecognizedField())
-            throw EVQueryPanelError(qpeUnrecognizedField, {parsed.SQLExpr}, parsed.Line);
+            throw EVQueryPanelError(qpeUnrecognizedField, {parsed.SQLExpr}, parsed.Place);
         if (parsed.Alias.empty()) {
             field->SetCaption(field->GenerateCaption());
             field->SetAlias("");
@@ -77,7 +77,7 @@ void TSQLReader::ReadNode(TFilterBracket& bracket, const TSQLConditionNode& node
 // --- Conditions.
 
 void TSQLReader::Refuse(const TSQLCondition& parsed) const {
-    throw EVQueryPanelError(qpeCantBeKept, {parsed.GetSQLExpr()}, parsed.Line);
+    throw EVQueryPanelError(qpeCantBeKept, {parsed.GetSQLExpr()}, parsed.Place);
 }
 
 void TSQLReader::ReadCondition(TFilterBracket& bracket, const TSQLCondition& parsed) {
@@ -104,7 +104,7 @@ TSQLReader::TFit TSQLReader::FindStrictFit(const TSQLCondition& parsed) {
     if (!field) {
         TFit fit = FindFitAroundField(parsed);
         if (!fit.Field)
-            throw EVQueryPanelError(qpeUnrecognizedField, {parsed.Left}, parsed.Line);
+            throw EVQueryPanelError(qpeUnrecognizedField, {parsed.Left}, parsed.Place);
         fit.Opposite = parsed.Negated;
         return fit;
     }
@@ -120,7 +120,7 @@ TSQLReader::TFit TSQLReader::FindStrictFit(const TSQLCondition& parsed) {
         fit.Opposite = !parsed.Negated;
     }
     if (!fit.Operator)
-        throw EVQueryPanelError(qpeUnrecognizedOperator, {parsed.GetSQLExpr()}, parsed.Line);
+        throw EVQueryPanelError(qpeUnrecognizedOperator, {parsed.GetSQLExpr()}, parsed.Place);
     fit.Field = field;
     return fit;
 }

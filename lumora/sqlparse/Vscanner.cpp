@@ -34,6 +34,18 @@ const TToken& TVScanner::NextOther() {
     return token_;
 }
 
+void TVScanner::TakeQuotedName() {
+    if (!token_.IsSymbol('`') && !token_.IsSymbol('['))
+        return;
+    const char* const close = std::find(at_, end_, token_.IsSymbol('[') ? ']' : '`');
+    if (close == end_)
+        return;
+    line_ += static_cast<int>(std::count(at_, close, '\n'));
+    at_ = close + 1;
+    token_.Kind = tkQuotedIdentifier;
+    token_.Text = {token_.Text.data(), static_cast<std::size_t>(at_ - token_.Text.data())};
+}
+
 // False when the comment is not closed.
 bool TVScanner::SkipComment() {
     if (*at_ == '-') {

@@ -95,6 +95,8 @@ public:
 
     const TToken& Token() const { return token_; }
     bool AtEnd() const { return token_.Kind == tkEnd; }
+    // Where the present token is "`" or "[", and what it opens is closed: makes it a quoted name.
+    void TakeQuotedName();
     // Names, plain symbols and whole numbers, which most tokens are, are read here; the rest is not worth the
     // room.
     const TToken& Next() {

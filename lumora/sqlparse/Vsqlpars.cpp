@@ -19,7 +19,7 @@ void TVSQLParser::SetSQLText(std::string_view text) {
 
 void TVSQLParser::Parse() {
     result_.Clear();
-    tokens_.Read(result_.source_);
+    tokens_.Read(result_.source_, strict_);
     at_ = tokens_.begin();
     ProcessSelect();
     ProcessFrom();
@@ -34,19 +34,40 @@ void TVSQLParser::Parse() {
 }
 
 void TVSQLParser::Fail(TMessageId message) const {
-    throw ESQLParserError(message, Token().Line);
+    throw ESQLParserError(message, PlaceOf(Token()));
 }
-void TVSQLParser::FailWrong() const {
-    Fail(msgWrongSQL);
+
+void TVSQLParser::FailWrong(std::string_view expected) const {
+    if (!strict_)
+        Fail(msgWrongSQL);
+    if (AtEnd())
+        throw ESQLParserError(msgExpectedAtEnd, PlaceOf(Token()), {expected});
+    throw ESQLParserError(msgExpectedBefore, PlaceOf(Token()), {expected, Token().Text()});
 }
 
 void TVSQLParser::Refuse(const TSQLToken& token) const {
-    throw ESQLParserError(msgCantBeKept, token.Line, token.Text());
+    throw ESQLParserError(msgCantBeKept, PlaceOf(token), {token.Text()});
+}
+
+TTextPlace TVSQLParser::PlaceOf(const TSQLToken& token) const {
+    return {token.Line, static_cast<int>(token.Begin - result_.source_.data()),
+            static_cast<int>(token.Length)};
+}
+
+TTextPlace TVSQLParser::PlaceFrom(const TSQLToken* first) const {
+    TTextPlace place = PlaceOf(*first);
+    if (first != at_)
+        place.Length = static_cast<int>(at_[-1].End() - first->Begin);
+    return place;
 }
 
 void TVSQLParser::Must(TSQLWord word) {
-    if (!Accept(word))
-        FailWrong();
+    if (Accept(word))
+        return;
+    std::string expected(SQLWordText(word));
+    for (char& c : expected)
+        c = static_cast<char>(c - 'a' + 'A');
+    FailWrong(expected);
 }
 
 void TVSQLParser::Skip(char symbol) {
@@ -88,15 +109,34 @@ void TVSQLParser::ProcessSelect() {
 }
 
 void TVSQLParser::ResultField() {
-    const int line = Token().Line;
+    const TSQLToken* const first = at_;
     const std::string_view expression = SQLExpression();
     if (expression.empty())
-        FailWrong();
+        FailWrong("a column");
     TSQLResultField& field = result_.ResultFields.Add();
-    field.Line = line;
+    field.Place = PlaceFrom(first);
+    if (strict_ && TakeBareAlias(first, field))
+        return;
     field.SetSQLExpr(expression);
     if (Accept(swAs))
         field.Alias = ProcessIdentifier();
+}
+
+// A name behind what is an expression without it.
+bool TVSQLParser::TakeBareAlias(const TSQLToken* first, TSQLResultField& field) {
+    if (Is(swAs) || at_ - first < 2)
+        return false;
+    const TSQLToken& before = at_[-2];
+    const bool isName =
+        (at_[-1].Kind == tkIdentifier || at_[-1].Kind == tkQuotedIdentifier) && at_[-1].Word == swNone;
+    const bool endsBefore = before.Kind == tkSymbol ? before.Symbol == ')'
+                                                    : before.Word == swNone || before.Word == swEnd;
+    if (!isName || !endsBefore)
+        return false;
+    --at_;
+    field.SetSQLExpr(TextFrom(first));
+    field.Alias = ProcessIdentifier();
+    return true;
 }
 
 std::string_view TVSQLParser::SQLExpression() {
@@ -128,7 +168,7 @@ std::string_view TVSQLParser::SQLExpression() {
 std::string_view TVSQLParser::ProcessIdentifier() {
     const TSQLToken& token = Token();
     if (token.Kind != tkIdentifier && token.Kind != tkQuotedIdentifier)
-        FailWrong();
+        FailWrong("a name");
     ++at_;
     if (token.Kind == tkIdentifier)
         return token.Text();
@@ -148,8 +188,8 @@ void TVSQLParser::ProcessFrom() {
 }
 
 std::string_view TVSQLParser::DottedName() {
-    if (HasRole(trClause | trJoinWord))
-        FailWrong();
+    if (HasRole(trClause | trJoinWord) || (strict_ && (AtEnd() || Is('('))))
+        FailWrong("a table name");
     std::string_view name = ProcessIdentifier();
     while (Accept('.'))
         name = result_.arena_.Join({name, ".", ProcessIdentifier()});
@@ -159,19 +199,25 @@ std::string_view TVSQLParser::DottedName() {
 void TVSQLParser::Table() {
     Skip('(');
     TSQLTable table;
-    table.Line = Token().Line;
+    table.Place = PlaceOf(Token());
     const std::string_view name = DottedName();
     Skip(')');
-    Accept(swAs);
-    const bool noAlias = AtEnd() || Is(',') || HasRole(trClause | trJoinWord) || (strict_ && Is(swWith));
-    if (!noAlias)
+    const bool hasAs = Accept(swAs);
+    const bool ends = AtEnd() || Is(',') || HasRole(trClause | trJoinWord);
+    if (strict_ ? hasAs || StandsAlias() : !ends)
         table.Alias = ProcessIdentifier();
     AddTable(name, table);
     Skip(')');
     JoinedTables();
 }
 
+// Strictly a word of SQL is no alias: it would be lost that it says something.
+bool TVSQLParser::StandsAlias() const {
+    return at_->Kind == tkQuotedIdentifier || (at_->Kind == tkIdentifier && at_->Word == swNone);
+}
+
 void TVSQLParser::AddTable(std::string_view name, TSQLTable& table) {
+    table.HasAlias = !table.Alias.empty();
     table.SetTableName(name);
     result_.Tables.push_back(table);
     if (strict_)
@@ -187,33 +233,43 @@ void TVSQLParser::SkipHints() {
 }
 
 void TVSQLParser::JoinedTables() {
-    while (HasRole(trJoinWord)) {
-        const int line = Token().Line;
+    while (HasRole(trJoinWord) || (strict_ && Is(swCross))) {
+        const TTextPlace place = PlaceOf(Token());
         TSQLWord kind = at_->Word;
         if (kind == swJoin)
             kind = swInner;
         else
             ++at_;
-        if (kind != swInner)
+        if (kind != swInner && kind != swCross)
             Accept(swOuter);
         Must(swJoin);
-        JoinedTable(kind, line);
+        JoinedTable(kind, place);
         Skip(')');
     }
+    if (strict_ && Is(swNatural))
+        Refuse(Token());
 }
 
-void TVSQLParser::JoinedTable(TSQLWord kind, int line) {
+// Strictly an inner join may be without a condition: WHERE or a later join has it, as where tables are listed
+// with commas.
+void TVSQLParser::JoinedTable(TSQLWord kind, const TTextPlace& place) {
     TSQLTable table;
-    table.Line = Token().Line;
+    table.Place = PlaceOf(Token());
     const std::string_view name = DottedName();
-    Accept(swAs);
-    if (!Is(swOn) && !(strict_ && Is(swWith)))
+    const bool hasAs = Accept(swAs);
+    if (strict_ ? hasAs || StandsAlias() : !Is(swOn))
         table.Alias = ProcessIdentifier();
     AddTable(name, table);
+    if (strict_ && Is(swUsing))
+        Refuse(Token());
+    const bool mayDoWithout = strict_ && (kind == swInner || kind == swCross);
+    if (mayDoWithout && !Is(swOn))
+        return;
     Must(swOn);
     TSQLBracket* const condition = BooleanBracket();
     if (strict_)
-        result_.Joins.push_back({static_cast<int>(result_.Tables.size()) - 1, kind, condition, line});
+        result_.Joins.push_back({static_cast<int>(result_.Tables.size()) - 1,
+                                 kind == swCross ? swInner : kind, condition, place});
 }
 
 // --- GROUP BY and ORDER BY.
@@ -227,51 +283,54 @@ void TVSQLParser::ProcessGroupBy() {
             while (!AtEnd() && !Is(',') && !Is(')') && !HasRole(trClause))
                 Advance();
             if (first == at_)
-                FailWrong();
-            result_.GroupBy.push_back({TextFrom(first), first->Line});
+                FailWrong("a column");
+            result_.GroupBy.push_back({TextFrom(first), PlaceFrom(first)});
         } else {
             ProcessIdentifier();
             if (!Accept('.'))
-                FailWrong();
+                FailWrong("a column");
             ProcessIdentifier();
         }
     } while (Accept(','));
 }
 
-// Plainly the first item decides whether all are positions; strictly each speaks for itself.
+// The first item decides whether all are positions. A strict parser leaves it to the reader what they name.
 void TVSQLParser::ProcessOrderBy() {
     Must(swOrder);
     Must(swBy);
+    if (strict_) {
+        do
+            SortItem();
+        while (Accept(','));
+        return;
+    }
     const bool byNumber = at_->Kind == tkNumber;
     TSortedNames names;
     int position = 0;
     do {
-        TSQLResultField& field = (strict_ ? IsPosition() : byNumber) ? FieldByNumber() : FieldByName(names);
+        TSQLResultField& field = byNumber ? FieldByNumber() : FieldByName(names);
         field.SortOrder = ++position;
-        SortingOf(field);
+        // Any word may stand behind an item, and "desc" alone means something.
+        field.Sorting = Is(swDesc) ? 2 : 1;
+        at_ += !AtEnd() && !Is(',') ? 1 : 0;
     } while (Accept(','));
 }
 
-// Plainly any word may stand behind an item, and "desc" alone means something.
-void TVSQLParser::SortingOf(TSQLResultField& field) {
-    field.Sorting = Is(swDesc) ? 2 : 1;
-    if (strict_ ? Is(swAsc) || Is(swDesc) : !AtEnd() && !Is(','))
-        ++at_;
-}
-
-// A whole number that no operator makes part of an expression.
-bool TVSQLParser::IsPosition() const {
-    const TSQLToken& next = Peek();
-    const bool isAlone =
-        next.Kind != tkSymbol || next.Symbol == ',' || next.Symbol == ')' || next.Symbol == ';';
-    return isAlone && at_->Kind == tkNumber && std::to_string(XStrToInt(at_->Text())) == at_->Text();
+void TVSQLParser::SortItem() {
+    const TSQLToken* const first = at_;
+    const std::string_view text = SortedName();
+    const TTextPlace place = PlaceFrom(first);
+    const bool descending = Accept(swDesc);
+    if (!descending)
+        Accept(swAsc);
+    result_.OrderBy.push_back({text, descending, place});
 }
 
 TSQLResultField& TVSQLParser::FieldByNumber() {
     const int number = at_->Kind == tkNumber ? XStrToInt(at_->Text()) : 0;
     const bool isInteger = std::to_string(number) == at_->Text();
     if (!isInteger || number < 1 || number > result_.ResultFields.Count() || result_.SelectAll)
-        FailWrong();
+        FailWrong("a column");
     ++at_;
     return result_.ResultFields.GetItem(number - 1);
 }
@@ -282,16 +341,14 @@ TSQLResultField& TVSQLParser::FieldByName(TSortedNames& names) {
     const std::string_view name = SortedName();
     if (result_.SelectAll) {
         TSQLResultField& field = result_.ResultFields.Add();
-        field.Line = first->Line;
+        field.Place = PlaceFrom(first);
         field.SetSQLExpr(name);
         return field;
     }
-    int index = names.Find(result_.ResultFields, name);
-    if (index < 0 && strict_)
-        index = result_.ResultFields.IndexByAlias(name);
+    const int index = names.Find(result_.ResultFields, name);
     if (index < 0) {
         at_ = first;
-        FailWrong();
+        FailWrong("a column");
     }
     return result_.ResultFields.GetItem(index);
 }
@@ -302,7 +359,7 @@ std::string_view TVSQLParser::SortedName() {
         while (!AtEnd() && !Is(',') && !Is(')') && !Is(swAsc) && !Is(swDesc) && !HasRole(trClause))
             Advance();
         if (first == at_)
-            FailWrong();
+            FailWrong("a column");
     } else {
         ProcessIdentifier();
         if (Accept('.'))

@@ -44,7 +44,8 @@ protected:
 
 private:
     [[noreturn]] void Fail(TMessageId message) const;
-    [[noreturn]] void FailWrong() const;
+    // `expected` is what a strict parser says should stand here.
+    [[noreturn]] void FailWrong(std::string_view expected) const;
     [[noreturn]] void Refuse(const TSQLToken& token) const;
 
     const TSQLToken& Token() const { return *at_; }
@@ -59,6 +60,8 @@ private:
         at_ += found ? 1 : 0;
         return found;
     }
+    TTextPlace PlaceOf(const TSQLToken& token) const;
+    TTextPlace PlaceFrom(const TSQLToken* first) const; // up to the present token
     void Must(TSQLWord word);
     void Skip(char symbol);
     // Moves past the token, or past what it opens.
@@ -70,29 +73,31 @@ private:
     std::string_view ProcessIdentifier();
     std::string_view DottedName();
     void ResultField();
+    bool TakeBareAlias(const TSQLToken* first, TSQLResultField& field);
     std::string_view SQLExpression();
     void Table();
     void AddTable(std::string_view name, TSQLTable& table);
     void SkipHints();
     void JoinedTables();
-    void JoinedTable(TSQLWord kind, int line);
+    void JoinedTable(TSQLWord kind, const TTextPlace& place);
+    bool StandsAlias() const;
     TSQLBracket* BooleanBracket();
     TSQLConditionNode* BooleanExpression();
     TSQLConditionNode* BooleanTerm();
     TSQLConditionNode* BooleanFactor();
     TSQLConditionNode* Condition(bool negated);
     TSQLConditionNode* Negate(TSQLConditionNode* group);
-    TSQLBracket* NewBracket(std::string_view op, TSQLConditionNode* first, int line);
+    TSQLBracket* NewBracket(std::string_view op, TSQLConditionNode* first, const TSQLToken* start);
     void Comparison(TSQLCondition& condition);
     std::string_view OperatorText();
+    std::string_view TakeOperator();
     std::string_view RightValue(TSQLCondition& condition);
     std::string_view SecondValue(TSQLCondition& condition);
     std::string_view ConditionValue(unsigned ends, TSQLCondition& condition);
-    bool IsPosition() const;
     TSQLResultField& FieldByNumber();
     TSQLResultField& FieldByName(TSortedNames& names);
     std::string_view SortedName();
-    void SortingOf(TSQLResultField& field);
+    void SortItem();
     void CheckEnd();
 
     TVParserResult result_;

@@ -11,39 +11,39 @@ void TVSQLParser::ProcessWhere() {
 
 // An expression as a bracket, which a single condition, or a negated group, stands in alone.
 TSQLBracket* TVSQLParser::BooleanBracket() {
-    const int line = Token().Line;
+    const TSQLToken* const start = at_;
     TSQLConditionNode* const node = BooleanExpression();
     if (node->IsBracket() && !static_cast<TSQLBracket*>(node)->Negated)
         return static_cast<TSQLBracket*>(node);
-    return NewBracket("and", node, line);
+    return NewBracket("and", node, start);
 }
 
-TSQLBracket* TVSQLParser::NewBracket(std::string_view op, TSQLConditionNode* first, int line) {
+TSQLBracket* TVSQLParser::NewBracket(std::string_view op, TSQLConditionNode* first, const TSQLToken* start) {
     TSQLBracket* const bracket = result_.arena_.New<TSQLBracket>();
     bracket->Operator = op;
-    bracket->Line = line;
+    bracket->Place = PlaceOf(*start);
     bracket->AddNode(first);
     return bracket;
 }
 
 // Terms separated by "or"; one alone is given as it is, without a bracket around it.
 TSQLConditionNode* TVSQLParser::BooleanExpression() {
-    const int line = Token().Line;
+    const TSQLToken* const start = at_;
     TSQLConditionNode* const first = BooleanTerm();
     if (!Is(swOr))
         return first;
-    TSQLBracket* const bracket = NewBracket("or", first, line);
+    TSQLBracket* const bracket = NewBracket("or", first, start);
     while (Accept(swOr))
         bracket->AddNode(BooleanTerm());
     return bracket;
 }
 
 TSQLConditionNode* TVSQLParser::BooleanTerm() {
-    const int line = Token().Line;
+    const TSQLToken* const start = at_;
     TSQLConditionNode* const first = BooleanFactor();
     if (!Is(swAnd))
         return first;
-    TSQLBracket* const bracket = NewBracket("and", first, line);
+    TSQLBracket* const bracket = NewBracket("and", first, start);
     while (Accept(swAnd))
         bracket->AddNode(BooleanFactor());
     return bracket;
@@ -86,9 +86,11 @@ TSQLConditionNode* TVSQLParser::Condition(bool negated) {
         return node;
     }
     TSQLCondition* const condition = result_.arena_.New<TSQLCondition>();
-    condition->Line = Token().Line;
     condition->Negated = negated;
+    const TSQLToken* const first = at_;
+    condition->Place = PlaceOf(*first);
     Comparison(*condition);
+    condition->Place = PlaceFrom(first);
     return condition;
 }
 
@@ -102,19 +104,35 @@ TSQLConditionNode* TVSQLParser::Negate(TSQLConditionNode* group) {
 void TVSQLParser::Comparison(TSQLCondition& condition) {
     condition.Left = ConditionValue(trEndsValue | trEndsLeft, condition);
     if (condition.Left.empty())
-        FailWrong();
+        FailWrong("a condition");
     if (strict_ && EndsPredicate(Token()))
         return; // a predicate without a comparison
     if (Accept(swNot))
         condition.Negated = !condition.Negated;
     if (AtEnd() || HasRole(trClause))
-        FailWrong();
+        FailWrong("a comparison");
     const bool between = Is(swBetween);
-    condition.Operator = OperatorText();
-    ++at_;
+    condition.Operator = TakeOperator();
     condition.Value = RightValue(condition);
     if (between)
         condition.Value = SecondValue(condition);
+}
+
+// Strictly "==" is "=", and "is distinct from" is one operator.
+std::string_view TVSQLParser::TakeOperator() {
+    const TSQLToken* const first = at_;
+    const std::string_view text = OperatorText();
+    ++at_;
+    if (!strict_)
+        return text;
+    if (first->Symbol == '=')
+        Accept('=');
+    const bool isNot = Is(swNot) && Peek().Word == swDistinct;
+    if (first->Word != swIs || (!Is(swDistinct) && !isNot))
+        return text;
+    at_ += isNot ? 2 : 1;
+    Must(swFrom);
+    return isNot ? "is not distinct from" : "is distinct from";
 }
 
 // In small letters.
@@ -127,7 +145,7 @@ std::string_view TVSQLParser::OperatorText() {
 std::string_view TVSQLParser::RightValue(TSQLCondition& condition) {
     const std::string_view value = ConditionValue(trEndsValue, condition);
     if (value.empty())
-        FailWrong();
+        FailWrong("a value");
     if (value.size() < 2 || value.front() != '"' || value.back() != '"' || strict_)
         return value;
     return result_.arena_.Join({"'", value.substr(1, value.size() - 2), "'"});
@@ -153,6 +171,7 @@ std::string_view TVSQLParser::ConditionValue(unsigned ends, TSQLCondition& condi
             Fail(msgLostBracket);
         condition.SubQuery = true;
     }
+    ends |= strict_ ? trStrictOp : 0;
     while (!HasRole(ends) && !(HasRole(trJoinWord) && Peek().Symbol != '('))
         Advance();
     return TextFrom(first);

@@ -77,6 +77,7 @@ void TVParserResult::Clear() {
     Tables.clear();
     Joins.clear();
     GroupBy.clear();
+    OrderBy.clear();
     arena_.Clear();
     RootBracket = arena_.New<TSQLBracket>();
 }

@@ -5,6 +5,7 @@
 #include "lumora/sqlparse/parse_arena.h"
 #include "lumora/sqlparse/parse_list.h"
 #include "lumora/sqlparse/sql_words.h"
+#include "lumora/support/text_place.h"
 
 #include <cstddef>
 #include <string>
@@ -23,7 +24,7 @@ struct TSQLResultField {
     std::string_view SQLExpr;
     int Sorting = 0;   // 0 none, 1 ascending, 2 descending
     int SortOrder = 0; // position in ORDER BY, from 1
-    int Line = 0;
+    TTextPlace Place;
 };
 
 class TSQLResultFieldList {
@@ -51,7 +52,8 @@ struct TSQLTable {
 
     std::string_view TableName;
     std::string_view Alias;
-    int Line = 0;
+    bool HasAlias = false; // of its own, and not the table's name
+    TTextPlace Place;
 };
 
 using TSQLTableList = TParseList<TSQLTable>;
@@ -62,7 +64,7 @@ public:
     bool IsBracket() const { return isBracket_; }
     TSQLBracket* GetParent() const { return parent_; }
     TSQLConditionNode* GetNext() const { return next_; } // in the parent; none for the last
-    int Line = 0;
+    TTextPlace Place;
 
 protected:
     explicit TSQLConditionNode(bool isBracket) : isBracket_(isBracket) {}
@@ -113,7 +115,7 @@ struct TSQLJoin {
     int Table = 0;                    // the joined table's index
     TSQLWord Kind = swInner;          // swInner, swLeft, swRight or swFull
     TSQLBracket* Condition = nullptr; // what stands behind ON
-    int Line = 0;
+    TTextPlace Place;
 };
 
 class TVParserResult {
@@ -134,9 +136,22 @@ public:
     TParseList<TSQLJoin> Joins{arena_};
     struct TGroupItem {
         std::string_view Text;
-        int Line;
+        TTextPlace Place;
     };
     TParseList<TGroupItem> GroupBy{arena_};
+    // A plain parser marks result fields instead.
+    struct TSortItem {
+        std::string_view Text;
+        bool Descending;
+        TTextPlace Place;
+    };
+    TParseList<TSortItem> OrderBy{arena_};
+
+    // The statement that the texts are views of, but for those that do not stand so in it.
+    std::string_view GetSource() const { return source_; }
+    // A text that lasts as long as the tree, for one that is put in the place of what was read.
+    std::string_view KeepText(std::string_view text) { return arena_.Join({text}); }
+    TSQLBracket* NewBracket() { return arena_.New<TSQLBracket>(); }
 
 private:
     friend class TVSQLParser;

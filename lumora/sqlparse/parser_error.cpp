@@ -4,8 +4,11 @@
 
 namespace lumora {
 
-ESQLParserError::ESQLParserError(TMessageId message, int line, std::string_view argument)
-    : EVLumoraError(message, FormatText(Message(message), {argument}) + "\r\nLine:" + std::to_string(line)),
-      Line(line) {}
+ESQLParserError::ESQLParserError(TMessageId message, const TTextPlace& place,
+                                 std::initializer_list<std::string_view> arguments)
+    : EVLumoraError(message,
+                    FormatText(Message(message), arguments) + "\r\nLine:" + std::to_string(place.Line)),
+      Line(place.Line),
+      Place(place) {}
 
 } // namespace lumora

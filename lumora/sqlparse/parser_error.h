@@ -2,6 +2,7 @@
 #pragma once
 
 #include "lumora/support/lumora_error.h"
+#include "lumora/support/text_place.h"
 
 #include <string_view>
 
@@ -11,9 +12,11 @@ namespace lumora {
 class ESQLParserError : public EVLumoraError {
 public:
     // The code is the message's id.
-    ESQLParserError(TMessageId message, int line, std::string_view argument = {});
+    ESQLParserError(TMessageId message, const TTextPlace& place,
+                    std::initializer_list<std::string_view> arguments = {});
 
     const int Line;
+    const TTextPlace Place; // of the token
 };
 
 // Parentheses nest no deeper than this.

@@ -30,6 +30,8 @@ constexpr std::uint16_t RolesOf(TSQLWord word) {
     case swRight:
     case swFull:
         return trJoinWord;
+    case swIlike:
+        return trStrictOp;
     case swCase:
         return trOpens;
     case swEnd:
@@ -86,13 +88,15 @@ void ClassifyName(TSQLToken& token, const char* sourceEnd) {
 } // namespace
 
 // Each parenthesis is told where it is closed; so the parser can look ahead without reading anything twice.
-void TSQLTokens::Read(std::string_view source) {
-    Start(source.size());
+void TSQLTokens::Read(std::string_view source, bool quotedNames) {
+    Start(source);
     const char* end = source.data(); // of the token before
     bool afterDot = false;
     std::int32_t wideGaps = 0;
     TVScanner scanner(source);
     for (; !scanner.AtEnd(); scanner.Next()) {
+        if (quotedNames)
+            scanner.TakeQuotedName();
         const TToken& scanned = scanner.Token();
         const auto gap = scanned.Text.data() - end;
         wideGaps += gap > 1 || (gap == 1 && *end != ' ') ? 1 : 0;
@@ -102,7 +106,7 @@ void TSQLTokens::Read(std::string_view source) {
         else if (token.Kind == tkIdentifier && !afterDot)
             ClassifyName(token, source.data() + source.size());
         else if (token.Kind == tkUnclosed)
-            throw ESQLParserError(msgWrongSQL, token.Line);
+            throw ESQLParserError(msgWrongSQL, PlaceOf(token));
         afterDot = token.Symbol == '.';
         end = token.End();
         if (token.Roles & (trOpens | trCloses | trComparison))
@@ -111,9 +115,15 @@ void TSQLTokens::Read(std::string_view source) {
     Finish(scanner.Token());
 }
 
-void TSQLTokens::Start(std::size_t sourceSize) {
+TTextPlace TSQLTokens::PlaceOf(const TSQLToken& token) const {
+    return {token.Line, static_cast<int>(token.Begin - source_.data()), static_cast<int>(token.Length)};
+}
+
+void TSQLTokens::Start(std::string_view source) {
+    const std::size_t sourceSize = source.size();
     if (sourceSize > std::numeric_limits<std::int32_t>::max())
-        throw ESQLParserError(msgWrongSQL, 1);
+        throw ESQLParserError(msgWrongSQL, {1});
+    source_ = source;
     count_ = 1;
     innermost_ = 0;
     depth_ = 0;
@@ -171,7 +181,7 @@ void TSQLTokens::Pair(TSQLToken& token) {
 
 void TSQLTokens::Open(TSQLToken& token) {
     if (depth_ == MaxSQLNesting)
-        throw ESQLParserError(msgWrongSQL, token.Line);
+        throw ESQLParserError(msgWrongSQL, PlaceOf(token));
     ++depth_;
     token.Step = innermost_;
     innermost_ = static_cast<std::int32_t>(&token - items_);

@@ -3,6 +3,7 @@
 
 #include "lumora/sqlparse/Vscanner.h"
 #include "lumora/sqlparse/sql_words.h"
+#include "lumora/support/text_place.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -20,7 +21,8 @@ enum TSQLTokenRole : std::uint16_t {
     trOpens = 32,     // "(" and CASE
     trCloses = 64,    // ")" and END
     trGroup = 128,    // a "(" with a comparison inside, which is not a sub-select's own
-    trClosed = 256    // what it opens is closed
+    trClosed = 256,   // what it opens is closed
+    trStrictOp = 512  // an operator that a strict parser knows
 };
 
 struct TSQLToken {
@@ -46,7 +48,8 @@ public:
 
     // Reads them all, which are views of the source. ESQLParserError for a token that is not closed and for
     // parentheses that nest too deep.
-    void Read(std::string_view source);
+    // `quotedNames`: `name` and [name] are quoted names too.
+    void Read(std::string_view source, bool quotedNames = false);
     // The last one is the end.
     const TSQLToken* begin() const { return items_ + 1; }
 
@@ -54,7 +57,8 @@ private:
     // So many stand in the object itself, so that a short statement allocates nothing.
     static constexpr std::size_t FirstCapacity = 48;
 
-    void Start(std::size_t sourceSize);
+    TTextPlace PlaceOf(const TSQLToken& token) const;
+    void Start(std::string_view source);
     TSQLToken& Add(const TToken& scanned, std::int32_t wideGaps);
     void Finish(const TToken& end);
     void Grow(std::size_t capacity);
@@ -64,6 +68,7 @@ private:
     TSQLToken& LeaveInnermost();
 
     TSQLToken* items_ = first_; // the first stands for what is outside all parentheses
+    std::string_view source_;
     std::size_t count_ = 0;
     std::size_t capacity_ = FirstCapacity;
     std::unique_ptr<TSQLToken[]> more_;

@@ -25,6 +25,7 @@ enum TSQLWord : std::uint8_t {
     swFull,
     swGroup,
     swHaving,
+    swIlike,
     swIn,
     swInner,
     swIntersect,

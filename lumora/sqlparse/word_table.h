@@ -16,7 +16,7 @@ namespace lumora::detail {
 // In the order of TSQLWord.
 inline constexpr std::array<std::string_view, SQLWordCount> Words = {
     "",         "and",       "as",     "asc",   "between", "by",    "case",  "cross",  "desc",
-    "distinct", "end",       "except", "fetch", "from",    "full",  "group", "having", "in",
+    "distinct", "end",       "except", "fetch", "from",    "full",  "group", "having", "ilike",  "in",
     "inner",    "intersect", "is",     "join",  "left",    "like",  "limit", "minus",  "natural",
     "not",      "null",      "offset", "on",    "or",      "order", "outer", "over",   "right",
     "select",   "union",     "using",  "where", "window",  "with"};

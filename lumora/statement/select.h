@@ -15,6 +15,7 @@
 #include "lumora/statement/arena.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,6 +25,11 @@ namespace lumora {
 class TDSLink;
 class TDSTable;
 using TDSTableList = std::vector<TDSTable*>;
+
+// How a table is joined to one before it, which stands on the left.
+enum TJoinKind : std::uint8_t { jkInner, jkLeft, jkRight, jkFull };
+// As the link says it, seen from the table that it joins.
+TJoinKind JoinKindOf(const TDSLink& link, const TDSTable* joined);
 
 // A piece of the statement's text buffer.
 struct TTextSpan {
@@ -76,6 +82,7 @@ struct TJoinedTable {
     TJoinedTable* Next = nullptr;
     const TDSTable* Table = nullptr;
     const TDSLink* Link = nullptr; // joins it to a table before it; none for the first
+    TJoinKind Kind = jkInner;
 };
 
 struct TGroupItem {

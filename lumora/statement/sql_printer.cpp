@@ -9,22 +9,25 @@ namespace lumora {
 
 namespace {
 
-std::string_view JoinWords(const TJoinedTable& joined) {
-    const bool isSecond = joined.Link->Table2 == joined.Table;
-    switch (joined.Link->LinkType) {
+constexpr std::string_view JoinWords[] = {"     INNER JOIN ", "     LEFT OUTER JOIN ",
+                                          "     RIGHT OUTER JOIN ", "     FULL JOIN "};
+
+} // namespace
+
+TJoinKind JoinKindOf(const TDSLink& link, const TDSTable* joined) {
+    const bool isSecond = link.Table2 == joined;
+    switch (link.LinkType) {
     case ltOuterLeft:
-        return isSecond ? "     LEFT OUTER JOIN " : "     RIGHT OUTER JOIN ";
+        return isSecond ? jkLeft : jkRight;
     case ltOuterRight:
-        return isSecond ? "     RIGHT OUTER JOIN " : "     LEFT OUTER JOIN ";
+        return isSecond ? jkRight : jkLeft;
     case ltOuterFull:
-        return "     FULL JOIN ";
+        return jkFull;
     case ltInner:
         break;
     }
-    return "     INNER JOIN ";
+    return jkInner;
 }
-
-} // namespace
 
 int TSQLPrinter::JoinCount() const {
     int count = -1;
@@ -88,7 +91,7 @@ void TSQLPrinter::PrintFrom(TStringList& lines) const {
     for (const TJoinedTable* joined = select_.Tables.First; joined; joined = joined->Next) {
         const bool first = joined == select_.Tables.First;
         if (!first)
-            line += joins ? JoinWords(*joined) : "     ";
+            line += joins ? JoinWords[joined->Kind] : "     ";
         joined->Table->AppendSQLExpr(line, options_.Quoting);
         if (!first && joins) {
             line += " ON ";
@@ -102,9 +105,10 @@ void TSQLPrinter::PrintFrom(TStringList& lines) const {
     }
 }
 
-void TSQLPrinter::AppendLink(std::string& line, const TDSLink& link) const {
+void TSQLPrinter::AppendLink(std::string& line, const TDSLink& link, TJoinKind kind) const {
     line += options_.BracketConditions ? "   (" : "   ";
-    link.AppendSQLExpr(line, options_.Syntax == ssOracle ? ssOracle : ssSQL1, options_.Quoting);
+    link.AppendSQLExpr(line, options_.Syntax == ssOracle && kind != jkInner ? ssOracle : ssSQL1,
+                       options_.Quoting);
     if (options_.BracketConditions)
         line += ')';
 }
@@ -112,7 +116,7 @@ void TSQLPrinter::AppendLink(std::string& line, const TDSLink& link) const {
 // `after` stands behind the last one.
 void TSQLPrinter::PrintLinks(TStringList& lines, std::string_view after) const {
     for (const TJoinedTable* joined = select_.Tables.First->Next; joined; joined = joined->Next) {
-        AppendLink(lines.Tail(), *joined->Link);
+        AppendLink(lines.Tail(), *joined->Link, joined->Kind);
         lines.Tail() += joined->Next ? " AND" : after;
         lines.EndLine();
     }

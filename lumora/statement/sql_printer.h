@@ -32,7 +32,7 @@ public:
     void PrintFrom(TStringList& lines) const;
     void PrintWhere(TStringList& lines) const; // the conditions alone
     // The line of WHERE that joins a table.
-    void AppendLink(std::string& line, const TDSLink& link) const;
+    void AppendLink(std::string& line, const TDSLink& link, TJoinKind kind) const;
     // Whether links are WHERE lines.
     bool JoinsInWhere() const { return options_.Syntax != ssSQL2 && JoinCount() > 0; }
 

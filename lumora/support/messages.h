@@ -70,6 +70,13 @@ enum TMessageId : int {
     msgCantSortByTotal,
     msgEmptyLink,
     msgChangedMeanwhile,
+    msgAmbiguousField,
+    msgNoFreeAlias,
+    msgNoShownTable,
+    msgHiddenDistinct,
+    msgNumberOfRecords,
+    msgExpectedBefore,
+    msgExpectedAtEnd,
     // On screen.
     msgYes,
     msgNo,
