@@ -1,9 +1,9 @@
 // What the dialects' expressions mean to the engines that they are for.
+#include "lumora/qtsql/databaseconnection.h"
 #include "lumora/statement/dialects/dialect.h"
-#include "tests/postgres_server.h"
+#include "tests/test_engines.h"
 
 #include <QCoreApplication>
-#include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -23,30 +23,24 @@ using namespace lumora::tests;
 
 namespace {
 
-class DialectEngines : public testing::TestWithParam<bool> {
+class DialectEngines : public testing::TestWithParam<Engine> {
 protected:
     void SetUp() override {
-        if (GetParam()) {
-            if (!PostgresServer::get())
-                GTEST_SKIP() << PostgresServer::notInstalled;
-            server_ = std::make_unique<PostgresConnection>(*PostgresServer::get());
-            return;
-        }
-        QSqlDatabase lite = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("dialects"));
-        lite.setDatabaseName(QStringLiteral(":memory:"));
-        ASSERT_TRUE(lite.open());
-    }
-    void TearDown() override {
-        if (!GetParam())
-            QSqlDatabase::removeDatabase(QStringLiteral("dialects"));
+        LUMORA_NEED_ENGINE(GetParam());
+        const PrivateServer* const server = serverOf(GetParam());
+        connection_ = std::make_unique<DatabaseConnection>(
+            parseDatabase(server ? server->url() : folder_ / "dialects.sqlite"),
+            DatabaseConnection::Access::Create);
     }
 
-    const TDialect& Dialect() const { return GetParam() ? PostgreSQLDialect : SQLiteDialect; }
+    bool IsSqlite() const { return GetParam() == Engine::Sqlite; }
+    const TDialect& Dialect() const {
+        return IsSqlite() ? SQLiteDialect : GetParam() == Engine::MySql ? MySQLDialect : PostgreSQLDialect;
+    }
 
     // The first row, its columns as text with "|" between them, a null as "-".
     std::string Answer(const std::string& sql) const {
-        QSqlQuery query(GetParam() ? server_->connection()
-                                   : QSqlDatabase::database(QStringLiteral("dialects")));
+        QSqlQuery query(connection_->connection());
         if (!query.exec(QString::fromStdString(sql)) || !query.next())
             return query.lastError().text().toStdString() + " in " + sql;
         QStringList row;
@@ -64,14 +58,17 @@ protected:
     }
     // As text, the moment without a time zone.
     std::string Text(const std::string& expression) const {
-        return GetParam() ? "to_char(" + expression + ", 'YYYY-MM-DD HH24:MI:SS')" : expression;
+        return IsSqlite()                    ? expression
+               : GetParam() == Engine::MySql ? "cast(" + expression + " as char)"
+                                             : "to_char(" + expression + ", 'YYYY-MM-DD HH24:MI:SS')";
     }
 
     int argumentCount_ = 1;
     char name_[6] = "tests";
     char* arguments_[2] = {name_, nullptr};
     QCoreApplication application_{argumentCount_, arguments_};
-    std::unique_ptr<PostgresConnection> server_;
+    TemporaryFolder folder_;
+    std::unique_ptr<DatabaseConnection> connection_;
 };
 
 std::string Iso(std::chrono::sys_days day) {
@@ -113,7 +110,7 @@ TEST_P(DialectEngines, TakeDatesApart) {
             for (const std::string_view pattern : days)
                 sql += FillPattern(pattern, {"t.d"}) + ", ";
             sql += Text(FillPattern(whole.Hour, {"t.d"})) + " FROM (SELECT ";
-            sql += std::string(GetParam() ? "TIMESTAMP " : "") + "'" + Iso(day) + " 23:59:07' AS d) t";
+            sql += std::string(IsSqlite() ? "" : "TIMESTAMP ") + "'" + Iso(day) + " 23:59:07' AS d) t";
             ASSERT_EQ(Answer(sql), expected) << Iso(day);
         }
     }
@@ -145,17 +142,17 @@ TEST_P(DialectEngines, LimitRowsAndKnowTruth) {
     EXPECT_EQ(Answer("SELECT count(*) FROM (SELECT 1 AS one UNION ALL SELECT 2 UNION ALL SELECT 3 " +
                      FillPattern(dialect.Limit, {"2"}) + ") t"),
               "2");
-    const std::string table = "FROM (SELECT CAST(1 AS BOOLEAN) AS yes, CAST(0 AS BOOLEAN) AS no) t";
+    const std::string table = "FROM (SELECT (1 = 1) AS yes, (1 = 0) AS no) t";
     EXPECT_EQ(Answer("SELECT count(*) " + table + " WHERE yes = " + std::string(dialect.True) +
                      " AND no = " + std::string(dialect.False)),
               "1");
     std::string name;
     TQuoteSymbols{'[', ']'}.Append(name, "a\" ]`b", QuotingOf(dialect, true));
-    EXPECT_EQ(Answer("SELECT x." + (GetParam() ? name : "\"a\"") + " FROM (SELECT 7 AS " +
-                     (GetParam() ? name : "\"a\"") + ") x"),
+    EXPECT_EQ(Answer("SELECT x." + (IsSqlite() ? "\"a\"" : name) + " FROM (SELECT 7 AS " +
+                     (IsSqlite() ? "\"a\"" : name) + ") x"),
               "7");
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, DialectEngines, testing::Bool(), [](const auto& parameter) {
-    return std::string(parameter.param ? "PostgreSQL" : "SQLite");
-});
+INSTANTIATE_TEST_SUITE_P(Engines, DialectEngines,
+                         testing::Values(Engine::Sqlite, Engine::PostgreSql, Engine::MySql),
+                         [](const auto& engine) { return nameOf(engine.param); });

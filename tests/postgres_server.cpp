@@ -2,19 +2,11 @@
 
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QUrl>
 
-#include <arpa/inet.h>
-#include <grp.h>
-#include <pwd.h>
 #include <signal.h>
-#include <sys/prctl.h>
-#include <sys/socket.h>
 
 #include <algorithm>
-#include <chrono>
 #include <memory>
-#include <thread>
 
 namespace lumora::tests {
 
@@ -39,48 +31,6 @@ std::string programFolder() {
     return found == folders.end() ? "" : *found;
 }
 
-// Whom the server runs as when we are root, with whom it refuses to run.
-const passwd* otherUser() {
-    static const passwd* const user = geteuid() == 0 ? getpwnam("postgres") : nullptr;
-    return user;
-}
-
-// Starts a program as that user. It is sent SIGQUIT when this process dies.
-int startProgram(const std::vector<std::string>& command, const std::string& log) {
-    std::vector<char*> arguments;
-    for (const std::string& word : command)
-        arguments.push_back(const_cast<char*>(word.c_str()));
-    arguments.push_back(nullptr);
-    const passwd* const user = otherUser();
-    const int child = fork();
-    if (child != 0)
-        return child;
-    const int out = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
-    dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
-    dup2(out, STDOUT_FILENO);
-    dup2(out, STDERR_FILENO);
-    if (user && (initgroups(user->pw_name, user->pw_gid) != 0 || setgid(user->pw_gid) != 0 ||
-                 setuid(user->pw_uid) != 0 || chdir("/") != 0))
-        _exit(126);
-    prctl(PR_SET_PDEATHSIG, SIGQUIT);
-    execv(arguments[0], arguments.data());
-    _exit(127);
-}
-
-int freePort() {
-    const int socketHandle = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    const bool done = bind(socketHandle, reinterpret_cast<sockaddr*>(&address), size) == 0 &&
-                      getsockname(socketHandle, reinterpret_cast<sockaddr*>(&address), &size) == 0;
-    close(socketHandle);
-    if (!done)
-        throw std::runtime_error("no free port on 127.0.0.1");
-    return ntohs(address.sin_port);
-}
-
 } // namespace
 
 PostgresServer* PostgresServer::get() {
@@ -95,70 +45,39 @@ PostgresServer* PostgresServer::get() {
     return server.get();
 }
 
-PostgresServer::PostgresServer(const std::string& programs) {
-    makeCluster(programs);
-    for (int attempt = 0; !start(programs); ++attempt) // another program may have taken the port meanwhile
-        if (attempt == 3)
-            throw std::runtime_error("PostgreSQL does not start:\n" + readFile(folder_ / "log"));
-    try {
-        makeUserAndDatabase();
-    } catch (...) {
-        stop();
-        throw;
-    }
+PostgresServer::PostgresServer(const std::string& programs) : PrivateServer("postgresql", "postgres") {
+    run({programs + "/initdb", "-D", folder() / "data", "-U", owner, "-E", "UTF8", "--locale=C.UTF-8",
+         "--auth-local=trust", "--auth-host=scram-sha-256", "--no-sync"});
+    start(
+        [&](int port) {
+            return Command{programs + "/postgres",
+                           "-D",
+                           folder() / "data",
+                           "-k",
+                           socketFolder(),
+                           "-p",
+                           std::to_string(port),
+                           "-c",
+                           "listen_addresses=127.0.0.1",
+                           "-c",
+                           "fsync=off"};
+        },
+        [this] { return isReady(); });
+    makeUserAndDatabase();
 }
 
 PostgresServer::~PostgresServer() {
-    stop();
-}
-
-void PostgresServer::makeCluster(const std::string& programs) const {
-    if (const passwd* const user = otherUser())
-        if (chown((folder_ / "").c_str(), user->pw_uid, user->pw_gid) != 0)
-            throw std::runtime_error("cannot give " + folder_ / "" + " to postgres");
-    int status = 0;
-    const int child =
-        startProgram({programs + "/initdb", "-D", folder_ / "data", "-U", owner, "-E", "UTF8",
-                      "--locale=C.UTF-8", "--auth-local=trust", "--auth-host=scram-sha-256", "--no-sync"},
-                     folder_ / "log");
-    if (child < 0 || waitpid(child, &status, 0) != child || status != 0)
-        throw std::runtime_error("initdb failed:\n" + readFile(folder_ / "log"));
-}
-
-bool PostgresServer::start(const std::string& programs) {
-    port_ = freePort();
-    process_ = startProgram({programs + "/postgres", "-D", folder_ / "data", "-k", socketFolder(), "-p",
-                             std::to_string(port_), "-c", "listen_addresses=127.0.0.1", "-c", "fsync=off"},
-                            folder_ / "log");
-    for (int waited = 0; process_ > 0 && waited < 3000; ++waited) {
-        if (isReady())
-            return true;
-        if (waitpid(process_, nullptr, WNOHANG) != 0) {
-            process_ = -1;
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    stop();
-    return false;
+    stop(SIGINT); // ends connections and stops
 }
 
 // The server says so in the last line of a file.
 bool PostgresServer::isReady() const {
-    std::ifstream file(folder_ / "data/postmaster.pid");
+    std::ifstream file(folder() / "data/postmaster.pid");
     std::string word;
     bool ready = false;
     while (file >> word)
         ready = word == "ready";
     return ready;
-}
-
-void PostgresServer::stop() {
-    if (process_ <= 0)
-        return;
-    kill(process_, SIGINT); // ends connections and stops
-    waitpid(process_, nullptr, 0);
-    process_ = -1;
 }
 
 void PostgresServer::makeUserAndDatabase() const {
@@ -167,12 +86,6 @@ void PostgresServer::makeUserAndDatabase() const {
     quoted.replace('\'', "''");
     connection.execute(QString("create role %1 login password '%2'").arg(user().c_str(), quoted));
     connection.execute(QString("create database %1 owner %2").arg(database().c_str(), user().c_str()));
-}
-
-std::string PostgresServer::url() const {
-    const QByteArray secret = QUrl::toPercentEncoding(QString::fromStdString(password()));
-    return "postgresql://" + user() + ":" + secret.toStdString() + "@" + host() + ":" +
-           std::to_string(port()) + "/" + database();
 }
 
 PostgresConnection::PostgresConnection(const PostgresServer& server, const std::string& user,

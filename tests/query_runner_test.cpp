@@ -4,7 +4,7 @@
 #include "lumora/qtsql/querycanceller.h"
 #include "lumora/qtsql/queryrunner.h"
 #include "tests/message_of.h"
-#include "tests/postgres_server.h"
+#include "tests/test_engines.h"
 
 #include <gtest/gtest.h>
 
@@ -42,24 +42,26 @@ protected:
                                                                DatabaseConnection::Access::Create);
             return;
         }
-        server_ = PostgresServer::get();
-        if (!server_)
-            GTEST_SKIP() << PostgresServer::notInstalled;
-        connection_ = std::make_unique<DatabaseConnection>(parseDatabase(server_->url()));
+        LUMORA_NEED_ENGINE(GetParam());
+        connection_ = std::make_unique<DatabaseConnection>(parseDatabase(serverOf(GetParam())->url()));
     }
 
     bool isPostgres() const { return GetParam() == Engine::PostgreSql; }
+    bool isMariaDb() const { return GetParam() == Engine::MySql; }
 
-    // Numbers from 1, as they come and without end, and a statement that gives no row for as long.
+    // Numbers from 1, as they come and without end, and a statement that gives no row for as long. Qt's
+    // driver for MariaDB gives no row before it has all of them.
     QString endlessRows() const {
-        return isPostgres()
-                   ? "select generate_series(1, 1000000000000)"
+        return isPostgres() ? "select generate_series(1, 1000000000000)"
+               : isMariaDb()
+                   ? "select seq from seq_1_to_1000000"
                    : "with recursive n(i) as (select 1 union all select i + 1 from n) select i from n";
     }
     QString endlessWork() const {
-        return isPostgres()
-                   ? "select pg_sleep(600)"
-                   : "with recursive n(i) as (select 1 union all select i + 1 from n) select count(*) from n";
+        return isPostgres()  ? "select pg_sleep(600)"
+               : isMariaDb() ? "select sum(a.seq * b.seq) from seq_1_to_1000000 a, seq_1_to_1000000 b"
+                             : "with recursive n(i) as (select 1 union all select i + 1 from n)"
+                               " select count(*) from n";
     }
 
     static RowReceiver ignore() {
@@ -75,7 +77,6 @@ protected:
     char* arguments_[2] = {name_, nullptr};
     QCoreApplication application_{argumentCount_, arguments_};
     TemporaryFolder folder_;
-    PostgresServer* server_ = nullptr;
     std::unique_ptr<DatabaseConnection> connection_;
 };
 
@@ -155,12 +156,18 @@ TEST_P(QueryRunner, FailuresAreToldApart) {
         EXPECT_EQ(failureOf("select pg_terminate_backend(pg_backend_pid())"), Kind::ConnectionLost);
         EXPECT_EQ(failureOf("select 1"), Kind::ConnectionLost);
     }
+    if (isMariaDb()) {
+        execute(connection_->connection(), "set max_statement_time = 0.05");
+        EXPECT_EQ(failureOf(endlessWork().toUtf8().constData()), Kind::Cancelled) << "by the server";
+        execute(connection_->connection(), "set max_statement_time = 0");
+        QSqlQuery(connection_->connection()).exec("kill connection_id()");
+        EXPECT_EQ(failureOf("select 1"), Kind::ConnectionLost);
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, QueryRunner, testing::Values(Engine::Sqlite, Engine::PostgreSql),
-                         [](const auto& engine) {
-                             return std::string(engine.param == Engine::Sqlite ? "Sqlite" : "PostgreSql");
-                         });
+INSTANTIATE_TEST_SUITE_P(Engines, QueryRunner,
+                         testing::Values(Engine::Sqlite, Engine::PostgreSql, Engine::MySql),
+                         [](const auto& engine) { return nameOf(engine.param); });
 
 class PostgresRunner : public QueryRunner {
 protected:

@@ -6,7 +6,7 @@
 #include "lumora/qtsql/databaseerror.h"
 #include "tests/cli_process.h"
 #include "tests/message_of.h"
-#include "tests/postgres_server.h"
+#include "tests/test_engines.h"
 
 #include <gtest/gtest.h>
 
@@ -51,24 +51,33 @@ TStringList textOf(const std::string& description) {
     return TStringList("[Main]\nQueryName=x\nVersion=3.5\n\n[Description]\n" + description + "\n\n");
 }
 
-// Two people who look at one table. The parameter names the engine.
-class TableBase : public testing::TestWithParam<const char*> {
+// Two people who look at one table.
+class TableBase : public testing::TestWithParam<Engine> {
 protected:
-    void SetUp() override {
-        if (isPostgres() && !PostgresServer::get())
-            GTEST_SKIP() << PostgresServer::notInstalled;
-    }
+    void SetUp() override { LUMORA_NEED_ENGINE(GetParam()); }
 
     void TearDown() override {
+        const DatabaseConnection connection(parameters, Access::ReadWrite);
         for (const char* const table : {"lumora_queries", "odd", "\"odd; \"\"name\"\".x\""})
-            execute(ann.database.connection(),
+            execute(connection.connection(),
                     QStringLiteral("drop table if exists %1").arg(QLatin1StringView(table)));
     }
 
-    static bool isPostgres() { return GetParam() == std::string("PostgreSql"); }
     std::string database() const {
-        return isPostgres() && PostgresServer::get() ? PostgresServer::get()->url()
-                                                     : folder / "queries.sqlite";
+        const PrivateServer* const server = serverOf(GetParam());
+        return server ? server->url() : folder / "queries.sqlite";
+    }
+    // As when the server or the network goes away.
+    void endOtherConnections(const QSqlDatabase& mine) const {
+        if (GetParam() == Engine::PostgreSql) {
+            execute(mine, QStringLiteral("select pg_terminate_backend(pid) from pg_stat_activity"
+                                         " where usename = current_user and pid <> pg_backend_pid()"));
+            return;
+        }
+        QSqlQuery others = execute(mine, QStringLiteral("select id from information_schema.processlist"
+                                                        " where id <> connection_id()"));
+        while (nextRow(others))
+            execute(mine, QStringLiteral("kill ") + others.value(0).toString());
     }
 
     std::string storedText(const QString& name) {
@@ -193,15 +202,14 @@ TEST_P(TableBase, LostConnectionsAndOddTablesAreTold) {
     ann.base.Open();
     ann.base.AddQuery("q", textOf("old"));
     const TStringList mine = textOf("mine");
-    if (isPostgres())
-        execute(bob.database.connection(),
-                QStringLiteral("select pg_terminate_backend(pid) from pg_stat_activity"
-                               " where usename = current_user and pid <> pg_backend_pid()"));
-    else
+    if (GetParam() == Engine::Sqlite)
         ann.database.connection().close();
+    else
+        endOtherConnections(bob.database.connection());
     EXPECT_THROW(ann.item("q").SaveContent(mine), DatabaseError);
     EXPECT_EQ(MessageOf<DatabaseError>([&] { ann.item("q").SaveContent(mine); }),
-              "The connection to the database is not open");
+              GetParam() == Engine::MySql ? "Server has gone away"
+                                          : "The connection to the database is not open");
     EXPECT_THROW(ann.base.EraseQuery(0), DatabaseError);
     EXPECT_THROW(ann.base.Open(), DatabaseError);
     EXPECT_EQ(ann.base.GetCount(), 1);
@@ -211,7 +219,9 @@ TEST_P(TableBase, LostConnectionsAndOddTablesAreTold) {
 
     execute(bob.database.connection(), QStringLiteral("create table odd (name varchar(200), content text)"));
     TableQueryBase odd(bob.database.connection(), QStringLiteral("odd"));
-    const std::string message = "The table \"odd\" is not made for queries: it has no column \"description\"";
+    const std::string message = std::string("The table ") +
+                                (GetParam() == Engine::MySql ? "`odd`" : "\"odd\"") +
+                                " is not made for queries: it has no column \"description\"";
     EXPECT_EQ(MessageOf<DatabaseError>([&] { odd.Open(); }), message);
     EXPECT_EQ(MessageOf<DatabaseError>([&] { odd.AddQuery("q", mine); }), message);
     TableQueryBase quoted(bob.database.connection(), QStringLiteral("\"odd; \"\"name\"\".x\""));
@@ -235,5 +245,6 @@ TEST_P(TableBase, ListsWithoutWriting) {
     EXPECT_EQ(none.GetCount(), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Databases, TableBase, testing::Values("Sqlite", "PostgreSql"),
-                         [](const auto& engine) { return std::string(engine.param); });
+INSTANTIATE_TEST_SUITE_P(Databases, TableBase,
+                         testing::Values(Engine::Sqlite, Engine::PostgreSql, Engine::MySql),
+                         [](const auto& engine) { return nameOf(engine.param); });

@@ -12,6 +12,8 @@ std::unique_ptr<Catalogue> openCatalogue(const QSqlDatabase& database) {
         return openSqliteCatalogue(database);
     case Engine::PostgreSql:
         return openPostgresCatalogue(database);
+    case Engine::MySql:
+        return openMySqlCatalogue(database);
     default:
         return openGenericCatalogue(database);
     }

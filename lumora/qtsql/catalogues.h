@@ -12,6 +12,7 @@ namespace lumora {
 
 std::unique_ptr<Catalogue> openSqliteCatalogue(const QSqlDatabase& database);
 std::unique_ptr<Catalogue> openPostgresCatalogue(const QSqlDatabase& database);
+std::unique_ptr<Catalogue> openMySqlCatalogue(const QSqlDatabase& database);
 std::unique_ptr<Catalogue> openGenericCatalogue(const QSqlDatabase& database);
 
 // Runs a statement with values for its "?"; DatabaseError when it fails.

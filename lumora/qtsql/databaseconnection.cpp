@@ -63,7 +63,7 @@ void setUp(QSqlDatabase& database, const DatabaseParameters& parameters, Access 
 }
 
 // What has to be said to an engine before anything else. SQLite looks into its file only now. Servers are
-// told to take quotes and backslashes as standard SQL has them, and not to write where we only read.
+// told to take quotes, backslashes and "||" as standard SQL has them, and not to write where we only read.
 QStringList firstStatements(Engine engine, Access access) {
     const bool readOnly = access == Access::ReadOnly;
     switch (engine) {
@@ -73,7 +73,8 @@ QStringList firstStatements(Engine engine, Access access) {
         return {u"set standard_conforming_strings = on"_s,
                 u"set default_transaction_read_only = %1"_s.arg(readOnly ? "on"_L1 : "off"_L1)};
     case Engine::MySql:
-        return {u"set session sql_mode = concat(@@sql_mode, ',ANSI_QUOTES,NO_BACKSLASH_ESCAPES')"_s,
+        return {u"set session sql_mode = concat(@@sql_mode,"
+                " ',ANSI_QUOTES,NO_BACKSLASH_ESCAPES,PIPES_AS_CONCAT')"_s,
                 u"set session transaction read %1"_s.arg(readOnly ? "only"_L1 : "write"_L1)};
     default:
         return {};

@@ -74,6 +74,7 @@ Kind postgresKind(const QString& code) {
 
 Kind mySqlKind(int code) {
     switch (code) {
+    case 1927:
     case 2006:
     case 2013:
         return Kind::ConnectionLost;
@@ -84,6 +85,8 @@ Kind mySqlKind(int code) {
     case 1792:
         return Kind::ReadOnly;
     case 1317:
+    case 1969:
+    case 3024:
         return Kind::Cancelled;
     default:
         return Kind::Refused;

@@ -3,10 +3,10 @@
 #include "lumora/platform/ascii.h"
 #include "lumora/qtsql/catalogues.h"
 #include "lumora/qtsql/databaseerror.h"
+#include "lumora/support/string_helpers.h"
 
 #include <QDateTime>
 #include <QRandomGenerator>
-#include <QSqlDriver>
 
 #include <algorithm>
 #include <limits>
@@ -22,11 +22,12 @@ const QString updateStatement =
     u"update %1 set name = ?, description = ?, content = ?, version = ?, changed = ? where name = ?"_s;
 constexpr std::string_view columnNames[] = {"name", "description", "content", "version", "changed"};
 
-// MySQL takes double quotes only when told to; other drivers would split a name at its dots.
+// MySQL takes double quotes only when told to, and the connection is the host's.
 QString quoted(const QSqlDatabase& database, const std::string& name) {
-    return engineOf(database) == Engine::MySql
-               ? database.driver()->escapeIdentifier(QString::fromStdString(name), QSqlDriver::TableName)
-               : QString::fromStdString(quotedName(name));
+    const char quote = engineOf(database) == Engine::MySql ? '`' : '"';
+    std::string text(1, quote);
+    AppendDoubled(text, name, quote);
+    return QString::fromStdString(text += quote);
 }
 
 QString quoted(const QSqlDatabase& database, const TableName& table) {
