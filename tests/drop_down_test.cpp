@@ -51,12 +51,15 @@ TEST(DropDown, FindsWhatIsTyped) {
     EXPECT_EQ(editor.Accept()->Text, "order number");
 }
 
-TEST(DropDown, HasASearchBoxFromTenItemsOn) {
+TEST(DropDown, HasASearchBoxFromTenItemsOnOrWhereCaptionsBeginAlike) {
     TDropDownContent content = ListOf({"1", "2", "3", "4", "5", "6", "7", "8", "9"});
     EXPECT_FALSE(TDropDownEditor(content).ShowsSearchBox());
     content.IsOpenList = true; // where one must be able to type
     EXPECT_TRUE(TDropDownEditor(content).ShowsSearchBox());
     content.IsOpenList = false;
+    content.Items.back().Caption = "1 and more"; // letters alone would stop at "1"
+    EXPECT_TRUE(TDropDownEditor(content).ShowsSearchBox());
+    content.Items.back().Caption = "9";
     content.Items.push_back({"10", "", "", -1, false});
     EXPECT_TRUE(TDropDownEditor(content).ShowsSearchBox());
     for (const TDropDownKind kind : {ddList, ddTree, ddCheckList, ddMenu, ddText, ddNumber, ddDate}) {

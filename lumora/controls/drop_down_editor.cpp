@@ -13,7 +13,7 @@ namespace lumora {
 
 namespace {
 
-enum TMatch { maPrefix, maWord, maInside, maNone };
+enum TMatch { maWhole, maPrefix, maWord, maInside, maNone };
 
 bool IsWordCharacter(char c) {
     return IsDigit(c) || (LowerAscii(c) >= 'a' && LowerAscii(c) <= 'z') ||
@@ -25,11 +25,21 @@ TMatch Match(std::string_view caption, std::string_view search) {
     if (at == std::string_view::npos)
         return maNone;
     if (at == 0)
-        return maPrefix;
+        return caption.size() == search.size() ? maWhole : maPrefix;
     for (; at != std::string_view::npos; at = FindNoCase(caption, search, at + 1))
         if (!IsWordCharacter(caption[at - 1]))
             return maWord;
     return maInside;
+}
+
+// Whether a caption goes on where another ends, as "is not" does: typed letters don't tell them apart then.
+bool BeginAlike(const std::vector<TDropDownItem>& items) {
+    for (const TDropDownItem& item : items)
+        for (const TDropDownItem& longer : items)
+            if (longer.Caption.size() > item.Caption.size() && longer.Caption[item.Caption.size()] == ' ' &&
+                Match(longer.Caption, item.Caption) == maPrefix && !item.Caption.empty())
+                return true;
+    return false;
 }
 
 // A text as it stands in a message; a long one is cut between two characters.
@@ -91,7 +101,7 @@ bool TDropDownEditor::Load() {
 bool TDropDownEditor::ShowsSearchBox() const {
     if (!HasItems() || content_.Kind == ddMenu)
         return false;
-    return TypedTextCounts() || content_.Items.size() >= SearchBoxFrom;
+    return TypedTextCounts() || content_.Items.size() >= SearchBoxFrom || BeginAlike(content_.Items);
 }
 
 void TDropDownEditor::SetSearch(std::string_view text) {

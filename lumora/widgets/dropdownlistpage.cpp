@@ -340,7 +340,8 @@ bool DropDownListPage::handleSearchKey(QKeyEvent* event) {
     case Qt::Key_PageDown:
         if (isCheckList())
             view_->setFocus(Qt::OtherFocusReason);
-        QApplication::sendEvent(view_, event);
+        if (!isCheckList() || event->key() != Qt::Key_Down || search_->text().isEmpty())
+            QApplication::sendEvent(view_, event); // the first step down goes to what was found
         return true;
     case Qt::Key_Space:
         return checkFound();
@@ -349,17 +350,22 @@ bool DropDownListPage::handleSearchKey(QKeyEvent* event) {
     }
 }
 
-// A blank that leads to no item checks the one that was found; the next word then takes the place of the
-// search.
+// A blank that leads to no item checks the one that was found.
 bool DropDownListPage::checkFound() {
     const int item = editor_.GetCurrentItem();
     if (!isCheckList() || item < 0 || editor_.HasMatch((search_->text() + u' ').toStdString()))
         return false;
+    toggle(item);
+    return true;
+}
+
+// What is typed next takes the place of the search.
+void DropDownListPage::toggle(int item) {
     editor_.SetChecked(item, !editor_.IsChecked(item));
     view_->viewport()->update();
-    search_->selectAll();
+    if (search_)
+        search_->selectAll();
     emit edited();
-    return true;
 }
 
 // Letters typed over the items go into the search box.
@@ -381,6 +387,11 @@ bool DropDownListPage::handleViewKey(QKeyEvent* event) {
     if (event->key() == Qt::Key_Space && !isCheckList() && !search_) {
         if (editor_.GetCurrentItem() >= 0)
             emit chosen();
+        return true;
+    }
+    if (event->key() == Qt::Key_Space && isCheckList() && items_->itemOf(current) >= 0) {
+        toggle(items_->itemOf(current));
+        view_->keyboardSearch({}); // the next letters begin another value
         return true;
     }
     if (!search_ || !isTyping(*event) || event->key() == Qt::Key_Space)

@@ -46,6 +46,7 @@ private:
     void check(bool checked);
     bool handleSearchKey(QKeyEvent* event);
     bool checkFound();
+    void toggle(int item);
     bool handleViewKey(QKeyEvent* event);
 
     DropDownItems* items_;

@@ -272,6 +272,16 @@ TEST_F(DropDownPopups, ChecksAreToggledByKeyAndClick) {
     Key(Qt::Key_Space);
     Key(Qt::Key_Return);
     EXPECT_EQ(answer, "checks 7 9.");
+    TDropDownContent genres = Items(ddCheckList, 3);
+    genres.Items[1].Caption = genres.Items[0].Caption + " and more";
+    Open(genres);
+    Type(QString::fromStdString(genres.Items[0].Caption)); // the shorter one, down to it, checked
+    Key(Qt::Key_Down);
+    Key(Qt::Key_Space);
+    Type("Item 2");
+    Key(Qt::Key_Space);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(answer, "checks 0 2.");
     Open(Items(ddCheckList, 3));
     Key(Qt::Key_A, Qt::ControlModifier);
     Key(Qt::Key_Return);
