@@ -43,9 +43,12 @@ void ModelProvider::connect() {
     session_.open(name_);
 }
 
-void ModelProvider::fill(TVDBStructure& model) {
-    fillModel(model, info_, session_);
+QStringList ModelProvider::fill(TVDBStructure& model) {
+    QStringList remarks;
+    for (const std::string& remark : fillModel(model, info_, session_))
+        remarks.append(QString::fromStdString(remark));
     model.SetDatabaseInfo(nullptr);
+    return remarks;
 }
 
 void ModelProvider::serve(TVDBStructure& model) {
@@ -58,7 +61,7 @@ OpenedDatabase openDatabase(const OpenRequest& request) {
     ModelProvider provider(request.database);
     provider.connect(); // also when the model comes from a file: better now than at the first question
     if (request.modelFile.isEmpty())
-        provider.fill(*opened.model);
+        opened.remarks = provider.fill(*opened.model);
     else
         loadModel(*opened.model, request);
     if (opened.model->GetFieldCount() == 0)

@@ -46,8 +46,8 @@ public:
 
     // DatabaseError when the database cannot be opened.
     void connect();
-    // Fills the model and leaves it without a provider.
-    void fill(TVDBStructure& model);
+    // Fills the model and leaves it without a provider. What was left out, and why.
+    QStringList fill(TVDBStructure& model);
     void serve(TVDBStructure& model);
     DatabaseSession& session() { return session_; }
 

@@ -2,9 +2,12 @@
 
 #include "apps/lumora/commands.h"
 #include "apps/lumora/qt_application.h"
+#include "lumora/qtsql/databaseerror.h"
 #include "lumora/qtsql/modelfiller.h"
 
 #include <QFileInfo>
+
+#include <cstdio>
 
 namespace lumora::cli {
 
@@ -27,7 +30,11 @@ void printFilledModel(const Arguments& arguments, Output& output) {
     info.SetDatabaseName(name);
     offerForeignKeys(info, session);
     TVDBStructure model;
-    fillModel(model, info, session);
+    for (const std::string& remark : fillModel(model, info, session))
+        std::fprintf(stderr, "lumora: %s\n", remark.c_str());
+    if (model.GetFieldCount() == 0)
+        throw DatabaseError(DatabaseError::Kind::NotFound,
+                            QStringLiteral("\"%1\" has no tables that can be asked").arg(database.label()));
     TStringList lines;
     model.SaveToStrings(lines);
     output.write(lines.GetText());
@@ -41,7 +48,8 @@ Command fillCommand() {
             "make a data model from a database",
             "Writes a data model with the tables that DATABASE has, their columns, and links\n"
             "for its foreign keys. DATABASE is an SQLite file or a URL,\n"
-            "postgresql://user@host:port/database; nothing in it is changed.",
+            "postgresql://user@host:port/database; nothing in it is changed. Remarks on\n"
+            "what was left out go to standard error.",
             {},
             printFilledModel};
 }

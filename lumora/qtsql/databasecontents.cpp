@@ -37,8 +37,6 @@ public:
                               [](const SourceTable& table) { return table.info.kind == TableKind::Table; });
         for (ForeignKey& key : catalogue_.foreignKeys())
             (isWhole(key) ? contents_.keys : contents_.lostKeys).push_back(std::move(key));
-        if (contents_.tables.empty())
-            contents_.remarks.emplace_back("The database has no tables that can be asked");
         return std::move(contents_);
     }
 
