@@ -200,10 +200,12 @@ std::vector<std::string> tellingColumns(const DatabaseContents& contents, const 
 }
 
 std::string roleOf(const ForeignKey& key) {
-    const Words table = singulars(wordsOf(fromModelName(key.referencedTable).name));
+    Words known = singulars(wordsOf(fromModelName(key.referencedTable).name));
+    for (std::string& word : singulars(wordsOf(key.referencedColumns[0])))
+        known.push_back(std::move(word));
     Words words = keyWords(key);
     std::erase_if(words, [&](const std::string& word) {
-        return isKeyWord(word) || std::find(table.begin(), table.end(), singular(word)) != table.end();
+        return isKeyWord(word) || std::find(known.begin(), known.end(), singular(word)) != known.end();
     });
     return joined(words);
 }
