@@ -5,6 +5,7 @@
 #include "lumora/qtsql/modelfiller.h"
 #include "lumora/qtsql/queryrunner.h"
 #include "tests/cli_process.h"
+#include "tests/mariadb_server.h"
 #include "tests/postgres_server.h"
 
 #include <gtest/gtest.h>
@@ -130,21 +131,32 @@ TEST_F(Fill, SaysWhatItCannotRead) {
 class FilledDatabase : public testing::TestWithParam<const char*> {
 protected:
     void SetUp() override {
-        if (!isSqlite() && !PostgresServer::get())
+        if (isPostgres() && !PostgresServer::get())
             GTEST_SKIP() << PostgresServer::notInstalled;
+        if (isMariaDb() && !MariaDbServer::get())
+            GTEST_SKIP() << MariaDbServer::notInstalled;
     }
     static bool isSqlite() { return std::string_view(GetParam()) == "Sqlite"; }
+    static bool isPostgres() { return std::string_view(GetParam()) == "PostgreSql"; }
+    static bool isMariaDb() { return std::string_view(GetParam()) == "MariaDb"; }
 
     DatabaseParameters parameters() const {
-        return parseDatabase(isSqlite() ? folder_ / "filled.sqlite" : PostgresServer::get()->url());
+        return parseDatabase(isSqlite()     ? folder_ / "filled.sqlite"
+                             : isPostgres() ? PostgresServer::get()->url()
+                                            : MariaDbServer::get()->url());
+    }
+    static std::vector<QString> emptying() {
+        if (isPostgres())
+            return {"set client_min_messages = error", "drop schema if exists public, \"Sales\" cascade",
+                    "create schema public"};
+        if (isMariaDb())
+            return {"drop database shop", "create database shop", "use shop"};
+        return {};
     }
     void make(const std::vector<QString>& statements) const {
         const DatabaseConnection made(parameters(), DatabaseConnection::Access::Create);
-        if (!isSqlite())
-            for (const char* const statement :
-                 {"set client_min_messages = error", "drop schema if exists public, \"Sales\" cascade",
-                  "create schema public"})
-                execute(made.connection(), statement);
+        for (const QString& statement : emptying())
+            execute(made.connection(), statement);
         for (const QString& statement : statements)
             execute(made.connection(), statement);
     }
@@ -188,7 +200,7 @@ protected:
         TVQueryPanel panel;
         panel.SetDbStruct(&model_);
         panel.SetStrict(true);
-        panel.SetDialect(isSqlite() ? sdSQLite : sdPostgreSQL);
+        panel.SetDialect(dialectOf(engineOf(parameters().driver)));
         panel.Activate();
         panel.GetQResult().GetResultFields().Add("@1", {&field(shown)}, "Shown");
         panel.GetQResult().GetResultFields().GetRField(0)->SetSorting(stAscending);
@@ -224,7 +236,7 @@ protected:
     TVBDEInfo info_;
     TVDBStructure model_;
 };
-INSTANTIATE_TEST_SUITE_P(Engines, FilledDatabase, testing::Values("Sqlite", "PostgreSql"),
+INSTANTIATE_TEST_SUITE_P(Engines, FilledDatabase, testing::Values("Sqlite", "PostgreSql", "MariaDb"),
                          [](const auto& test) { return std::string(test.param); });
 
 class FilledFile : public FilledDatabase {};
@@ -391,11 +403,12 @@ TEST_P(FilledDatabase, ValuesCanBeChosenFromLists) {
          isSqlite() ? "insert into big with recursive n (x) as (select 1 union all select x + 1 from n where "
                       "x < 1500)"
                       " select x, 'b' || x from n"
-                    : "insert into big select x, 'b' || x from generate_series(1, 1500) x",
+         : isPostgres() ? "insert into big select x, 'b' || x from generate_series(1, 1500) x"
+                        : "insert into big select seq, 'b' || seq from seq_1_to_1500",
          "insert into songs select id, 2, 1, 1, null, 'new', 1, null, case id % 4 when 0 then null when 1 "
          "then '' when 2 then 'Oslo '"
          " else 'Rio' end, 'a text that nobody would choose from a list of ' || id, 'note ' || id from big"});
-    EXPECT_EQ(listOf("songs.genre"), isSqlite() ? "3=;2=Jazz;1=Rock;" : "2=Jazz;1=Rock;3=;");
+    EXPECT_EQ(listOf("songs.genre"), isPostgres() ? "2=Jazz;1=Rock;3=;" : "3=;2=Jazz;1=Rock;");
     EXPECT_EQ(listOf("songs.singer"), "1=Jane Stone (1);3=Jane Stone (3);2=Peach (2);");
     EXPECT_EQ(listOf("songs.big"), "none") << "too many";
     EXPECT_EQ(listOf("songs.odd"), "none") << "nothing to call them by";
@@ -416,21 +429,22 @@ TEST_P(FilledDatabase, OddTablesAreLeftOutWithARemark) {
     std::vector<QString> statements = {
         "create table \"line\nbreak\" (id integer primary key)",
         "create table \"a\tb\" (id integer)",
-        "create table fine (id integer primary key, \"odd\ncolumn\" integer, \" \" integer, parent integer)",
+        "create table fine (id integer primary key, \"odd\ncolumn\" integer, parent integer)",
         "create table lumora_queries (name varchar(200) not null primary key, description text, content text,"
         " version integer not null, changed varchar(30))",
         "create table mine (name varchar(200), content text)",
         "create table child (id integer, broken integer references \"line\nbreak\" (id))"};
-    statements.push_back(isSqlite() ? "create table \"\" (x integer)" : "create table nothing ()");
+    statements.push_back(isSqlite()     ? "create table \"\" (x integer)"
+                         : isPostgres() ? "create table nothing ()"
+                                        : "create table \"x\ry\" (x integer)");
     make(statements);
     std::vector<std::string> remarks = fill();
     std::sort(remarks.begin(), remarks.end());
-    const std::string none = isSqlite() ? "Table \"\" was left out: its name cannot stand in a model"
-                                        : "Table \"nothing\" was left out: it has no columns";
+    const std::string none = isSqlite()     ? "Table \"\" was left out: its name cannot stand in a model"
+                             : isPostgres() ? "Table \"nothing\" was left out: it has no columns"
+                                            : "Table \"x y\" was left out: its name cannot stand in a model";
     std::vector<std::string> expected = {
-        none,
-        "Column \" \" of table \"fine\" was left out: its name cannot stand in a model",
-        "Column \"odd column\" of table \"fine\" was left out: its name cannot stand in a model",
+        none, "Column \"odd column\" of table \"fine\" was left out: its name cannot stand in a model",
         "Table \"a b\" was left out: its name cannot stand in a model",
         "Table \"line break\" was left out: its name cannot stand in a model",
         "Table \"lumora_queries\" was left out: queries are kept in it"};

@@ -101,6 +101,12 @@ CheckedColumn choicesOfCheck(std::string_view condition) {
     return ChoiceReader(condition).read();
 }
 
+void takeChoices(std::vector<ColumnInfo>& columns, CheckedColumn checked) {
+    for (ColumnInfo& column : columns)
+        if (SameText(column.name, checked.column) && column.choices.empty())
+            column.choices = std::move(checked.choices);
+}
+
 std::vector<std::string_view> checksOf(std::string_view tableDefinition) {
     std::vector<std::string_view> checks;
     for (TVScanner scanner(tableDefinition); !scanner.AtEnd(); scanner.Next()) {

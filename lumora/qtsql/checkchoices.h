@@ -1,6 +1,8 @@
 // Checks of a table that leave a column a few values.
 #pragma once
 
+#include "lumora/qtsql/catalogue.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +17,9 @@ struct CheckedColumn {
 // What a condition says when it says nothing else than that one column has one of some values, or none:
 // "(x in ('a', 'b'))", "((x)::text = ANY (ARRAY['a'::text, 'b'::text]))". No choices otherwise.
 CheckedColumn choicesOfCheck(std::string_view condition);
+
+// Gives the choices to their column, unless it has some.
+void takeChoices(std::vector<ColumnInfo>& columns, CheckedColumn checked);
 
 // The conditions, without their parentheses, behind each CHECK of a table's definition.
 std::vector<std::string_view> checksOf(std::string_view tableDefinition);

@@ -2,6 +2,8 @@
 
 #include "lumora/platform/ascii.h"
 #include "lumora/qtsql/catalogues.h"
+#include "lumora/qtsql/checkchoices.h"
+#include "lumora/qtsql/databaseerror.h"
 #include "lumora/qtsql/tablename.h"
 
 #include <algorithm>
@@ -149,6 +151,7 @@ public:
             columns.push_back(
                 describe({textOf(query, 0), textOf(query, 1), textOf(query, 2), query.value(3).toInt(),
                           query.value(4).toInt(), query.value(5).toInt(), textOf(query, 6) == "YES"}));
+        addChoices(fromModelName(table), columns);
         return columns;
     }
 
@@ -185,6 +188,23 @@ public:
     }
 
 private:
+    // MySQL's schema does not tell which table a check belongs to.
+    void addChoices(const TableName& table, std::vector<ColumnInfo>& columns) const {
+        try {
+            QSqlQuery query =
+                execute(database_,
+                        u"select check_clause from information_schema.check_constraints"
+                        " where constraint_schema = coalesce(nullif(?, ''), database())"
+                        " and table_name = ? and cast(table_name as binary) = cast(? as binary)"_s,
+                        bind(table));
+            while (nextRow(query)) // quotes in texts stand behind a backslash there
+                takeChoices(columns, choicesOfCheck(
+                                         query.value(0).toString().replace(u"\\'"_s, u"''"_s).toStdString()));
+        } catch (const DatabaseError&) {
+            return;
+        }
+    }
+
     struct Index {
         std::string name;
         bool isUnique = false;

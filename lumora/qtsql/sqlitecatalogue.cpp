@@ -264,12 +264,8 @@ private:
                 QString::fromStdString(quotedName(table.schema.empty() ? "main" : table.schema))),
             {QString::fromStdString(table.name)});
         const std::string definition = nextRow(query) ? textOf(query, 0) : std::string();
-        for (const std::string_view check : checksOf(definition)) {
-            CheckedColumn checked = choicesOfCheck(check);
-            for (ColumnInfo& column : columns)
-                if (SameText(column.name, checked.column) && column.choices.empty())
-                    column.choices = std::move(checked.choices);
-        }
+        for (const std::string_view check : checksOf(definition))
+            takeChoices(columns, choicesOfCheck(check));
     }
 
     // A view outlives the tables that it reads.
