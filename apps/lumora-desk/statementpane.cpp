@@ -21,6 +21,7 @@ QLabel* makeText(QWidget* parent) {
     label->setTextFormat(Qt::PlainText);
     label->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    label->setFocusPolicy(Qt::StrongFocus); // who does not see it gets to it by Tab
     label->setMargin(4);
     return label;
 }
@@ -34,8 +35,9 @@ StatementPane::StatementPane(QWidget* parent)
       sqlPart_(new QWidget(this)),
       sql_(new SqlView(sqlPart_)),
       copy_(new QToolButton(sqlPart_)) {
-    words_->setAccessibleName(tr("The query in words"));
-    problem_->setAccessibleName(tr("What the query still lacks"));
+    // Their names are what they say.
+    words_->setAccessibleDescription(tr("The query in words"));
+    problem_->setAccessibleDescription(tr("What the query still lacks"));
     problem_->setFrameShape(QFrame::StyledPanel);
     problem_->setBackgroundRole(QPalette::ToolTipBase);
     problem_->setForegroundRole(QPalette::ToolTipText);

@@ -142,6 +142,21 @@ std::string RowName(const TQueryScreen& screen, TFilterRow& row) {
     return name;
 }
 
+std::string RowPlace(const TQueryScreen& screen, const TFilterRow& row) {
+    const TFilterBracket* const bracket = row.GetParent();
+    if (!bracket)
+        return {};
+    int place = 0;
+    int count = 0;
+    for (int i = 0; i < bracket->GetRowCount(); ++i)
+        if (!bracket->GetRow(i)->GetHidden()) {
+            ++count;
+            place += i <= row.GetIndex() ? 1 : 0;
+        }
+    return FormatText(Message(msgRowPlace),
+                      {std::to_string(place), std::to_string(count), Trim(RowText(screen, *bracket))});
+}
+
 std::string WordHint(const TFilterRow& row, const TScreenWord& word) {
     if (!word.Problem.empty())
         return word.Problem;

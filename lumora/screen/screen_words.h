@@ -50,6 +50,9 @@ std::vector<TScreenWord> AddRowWords(const TQueryScreen& screen);
 
 // What a screen reader says for a row: its words, prompts included, whether it is disabled, and its problem.
 std::string RowName(const TQueryScreen& screen, TFilterRow& row);
+// Where a row stands: "row 2 of 4, in: any of the following apply"; of the rows that are not hidden. Empty
+// for the root bracket.
+std::string RowPlace(const TQueryScreen& screen, const TFilterRow& row);
 // The text shown when the pointer rests on a word: its problem, the hint of a sub-query, or the caption that
 // was cut; empty: none.
 std::string WordHint(const TFilterRow& row, const TScreenWord& word);

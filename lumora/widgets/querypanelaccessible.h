@@ -1,4 +1,4 @@
-// What assistive technology sees of a query panel: its lines, and in them their words.
+// What assistive technology sees of a query panel: a tree of its rows, and in them their words.
 #pragma once
 
 namespace lumora {
@@ -10,6 +10,7 @@ void installQueryPanelAccessibility();
 
 // Tell assistive technology, when there is any.
 void tellFocus(QueryPanelWidget& widget); // the current word has the keyboard
+void tellMoved(QueryPanelWidget& widget); // the current row stands elsewhere
 void tellLinesChanged(QueryPanelWidget& widget);
 void tellAlert(QueryPanelWidget& widget); // something was refused
 

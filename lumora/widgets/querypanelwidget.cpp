@@ -67,6 +67,11 @@ QRect QueryPanelWidget::toViewport(const TRect& rect) const {
     return QRect(rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top).translated(-scrolled());
 }
 
+int QueryPanelWidget::parentLine(int line) const {
+    const TFilterRow* const row = rowOfLine(line);
+    return row && row->GetParent() ? lineOfRow(row->GetParent()) : -1;
+}
+
 QRect QueryPanelWidget::lineRect(int line) const {
     if (line < 0 || line >= lineCount())
         return {};
@@ -189,12 +194,15 @@ void QueryPanelWidget::scrollToCurrent() {
 void QueryPanelWidget::tellCurrent() {
     const TFilterRow* const row = panel() ? panel()->GetCurrentRow() : nullptr;
     const int word = row ? panel()->GetKeyboard().GetCurControl() : -1;
-    if (row == toldRow_ && word == toldWord_)
+    const int line = lineOfRow(row);
+    const bool hasMoved = row == toldRow_ && line != toldLine_;
+    if (row == toldRow_ && word == toldWord_ && !hasMoved)
         return;
     toldRow_ = row;
     toldWord_ = word;
+    toldLine_ = line;
     if (hasFocus())
-        tellFocus(*this);
+        hasMoved ? tellMoved(*this) : tellFocus(*this);
 }
 
 bool QueryPanelWidget::attempt(const std::function<void()>& action) {

@@ -116,6 +116,9 @@ public:
 
     int lineCount() const { return layout_ ? layout_->GetLineCount() : 0; }
     TPlacedLine line(int line) const { return layout_ ? layout_->PlaceLine(line) : TPlacedLine(); }
+    TFilterRow* rowOfLine(int line) const { return layout_ ? layout_->RowOfLine(line) : nullptr; }
+    int lineOfRow(const TFilterRow* row) const { return layout_ ? layout_->LineOfRow(row) : -1; }
+    int parentLine(int line) const; // of the bracket around the line's row; -1: it has none
     QRect lineRect(int line) const; // over the whole width
     QRect wordRect(int line, int word) const;
     TWordPlace placeAt(const QPoint& position) const;
@@ -321,6 +324,7 @@ private:
     bool isScrollPending_ = false;        // the current row is to come into view
     const TFilterRow* toldRow_ = nullptr; // what assistive technology was told last; only compared
     int toldWord_ = -1;
+    int toldLine_ = -1;
     unsigned settingsTold_ = 0;
     std::string toldName_; // of the query, by settingsChanged
 };

@@ -376,22 +376,27 @@ TEST_F(QueryPanelWidgetTest, AssistiveTechnologyReadsAndWorksRows) {
     Show();
     QAccessibleInterface* const panel = QAccessible::queryAccessibleInterface(&Widget);
     ASSERT_TRUE(panel);
-    ASSERT_EQ(panel->childCount(), 4);
-    QAccessibleInterface* const row = panel->child(1);
-    EXPECT_EQ(row->role(), QAccessible::ListItem);
-    EXPECT_EQ(panel->indexOfChild(row), 1);
-    EXPECT_EQ(row->parent(), panel);
+    ASSERT_EQ(panel->childCount(), 2);
+    QAccessibleInterface* const header = panel->child(0);
+    const int words = static_cast<int>(Widget.line(0).Words.size());
+    ASSERT_EQ(header->childCount(), words + 2);
+    QAccessibleInterface* const row = header->child(words);
+    EXPECT_EQ(row->role(), QAccessible::TreeItem);
+    EXPECT_EQ(header->indexOfChild(row), words);
+    EXPECT_EQ(row->parent(), header);
     EXPECT_TRUE(row->state().invalid);
-    EXPECT_FALSE(row->text(QAccessible::Description).isEmpty());
-    EXPECT_TRUE(panel->child(2)->state().disabled);
-    EXPECT_FALSE(panel->child(2)->state().invalid);
+    EXPECT_TRUE(row->text(QAccessible::Name).contains("Invalid value"));
+    EXPECT_TRUE(header->child(words + 1)->state().disabled);
+    EXPECT_FALSE(header->child(words + 1)->state().invalid);
     QAccessibleInterface* const value = row->child(WordOf(1, wrValue));
     EXPECT_EQ(value->role(), QAccessible::ButtonMenu);
     EXPECT_TRUE(value->text(QAccessible::Name).contains("x"));
     EXPECT_TRUE(value->state().invalid);
     EXPECT_EQ(value->parent(), row);
     const QPoint centre = value->rect().center();
-    EXPECT_EQ(panel->childAt(centre.x(), centre.y())->childAt(centre.x(), centre.y()), value);
+    EXPECT_EQ(panel->childAt(centre.x(), centre.y()), header);
+    EXPECT_EQ(header->childAt(centre.x(), centre.y()), row);
+    EXPECT_EQ(row->childAt(centre.x(), centre.y()), value);
     value->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     ASSERT_TRUE(Widget.popup());
     Widget.popup()->cancel();
@@ -399,12 +404,64 @@ TEST_F(QueryPanelWidgetTest, AssistiveTechnologyReadsAndWorksRows) {
     EXPECT_TRUE(value->state().focused);
     Key(Qt::Key_Left);
     EXPECT_EQ(panel->focusChild(), row->child(WordOf(1, wrOperator)));
-    panel->child(3)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    panel->child(1)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     EXPECT_EQ(Shop.Root().GetRowCount(), 3);
     Shop.Panel.ClearRows();
     QCoreApplication::processEvents();
     EXPECT_FALSE(row->isValid() && row->childCount() > 1)
         << "the line that adds a condition stands there now";
+}
+
+TEST_F(QueryPanelWidgetTest, RowsAreATreeThatTellsPlaces) {
+    TFilterBracket& any = *Shop.Panel.AddBracket(Shop.Root());
+    any.SetLinkType(fltAny);
+    Shop.Where("customers.company", "EqualTo", "A", "", &any);
+    Shop.Where("customers.company", "EqualTo", "hidden", "", &any)->SetHidden(true);
+    Shop.Where("customers.company", "EqualTo", "B", "", &any);
+    Shop.Where("customers.company", "EqualTo", "C");
+    Show();
+    QAccessibleInterface* const panel = QAccessible::queryAccessibleInterface(&Widget);
+    EXPECT_EQ(panel->role(), QAccessible::Tree);
+    // The tree as "(name|place ...)", each row below its bracket, and each knows the way back.
+    const std::function<QString(QAccessibleInterface*)> tree = [&](QAccessibleInterface* item) {
+        QString text;
+        for (int i = 0; i < item->childCount(); ++i) {
+            QAccessibleInterface* const child = item->child(i);
+            EXPECT_EQ(child->parent(), item);
+            EXPECT_EQ(item->indexOfChild(child), i);
+            if (child->role() == QAccessible::TreeItem)
+                text += QStringLiteral("(%1|%2%3)")
+                            .arg(child->text(QAccessible::Name).section(u' ', -1),
+                                 child->text(QAccessible::Description), tree(child));
+        }
+        return text;
+    };
+    const QString root = "Choose records where all of the following apply";
+    const auto expected = [&](const QString& brackets) { return "(apply|" + brackets + ")(condition|)"; };
+    EXPECT_EQ(tree(panel), expected("(apply|row 1 of 2, in: " + root +
+                                    "(A|row 1 of 2, in: any of the following apply)"
+                                    "(B|row 2 of 2, in: any of the following apply))"
+                                    "(C|row 2 of 2, in: " +
+                                    root + ")"));
+    EXPECT_TRUE(panel->child(0)->state().expanded);
+
+    // The row that moves stays the one that is read, and tells its new place.
+    Widget.makeCurrent(4);
+    Key(Qt::Key_Up, Qt::ControlModifier);
+    QCoreApplication::processEvents();
+    const QAccessibleInterface* const focus = panel->focusChild();
+    ASSERT_TRUE(focus);
+    const QAccessibleInterface* const moved =
+        focus->role() == QAccessible::TreeItem ? focus : focus->parent();
+    EXPECT_TRUE(moved->text(QAccessible::Name).endsWith("C"));
+    EXPECT_EQ(moved->text(QAccessible::Description), "row 1 of 2, in: " + root);
+
+    // A panel without a header has its rows at the top.
+    Shop.Panel.GetAppearance().SetStyle(psAndOr);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(panel->childCount(), 3);
+    EXPECT_EQ(panel->indexOfChild(panel->child(1)), 1);
+    EXPECT_EQ(panel->child(1)->parent(), panel);
 }
 
 TEST_F(QueryPanelWidgetTest, WhatItShowsMayGoAtAnyTime) {
@@ -490,8 +547,9 @@ TEST_F(QueryPanelWidgetTest, TenThousandRowsScroll) {
                       Qt::NoModifier, Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(Widget.viewport(), &wheel);
     EXPECT_EQ(Widget.verticalScrollBar()->value(), 35);
-    EXPECT_EQ(QAccessible::queryAccessibleInterface(&Widget)->child(9000)->text(QAccessible::Name),
-              Row(9000));
+    QAccessibleInterface* const header = QAccessible::queryAccessibleInterface(&Widget)->child(0);
+    const int words = static_cast<int>(Widget.line(0).Words.size());
+    EXPECT_EQ(header->child(words + 8999)->text(QAccessible::Name), Row(9000));
 }
 
 } // namespace lumora::tests
