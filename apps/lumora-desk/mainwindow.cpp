@@ -28,6 +28,7 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
+#include <QVBoxLayout>
 
 namespace lumora::desk {
 
@@ -175,7 +176,11 @@ void MainWindow::makeToolBar() {
 }
 
 QWidget* MainWindow::makeWorkspace() {
-    outer_ = new QSplitter(Qt::Horizontal, this);
+    auto* const workspace = new QWidget(this);
+    outer_ = new QSplitter(Qt::Horizontal, workspace);
+    auto* const layout = new QVBoxLayout(workspace);
+    layout->setContentsMargins(6, 6, 6, 0);
+    layout->addWidget(outer_);
     inner_ = new QSplitter(Qt::Vertical, outer_);
     lower_ = new QSplitter(Qt::Horizontal, inner_);
     queries_ = new QueryListPane(document_, {new_, duplicate_, delete_}, outer_);
@@ -195,13 +200,12 @@ QWidget* MainWindow::makeWorkspace() {
     lower_->setStretchFactor(1, 2);
     for (QSplitter* const splitter : {outer_, inner_, lower_})
         splitter->setChildrenCollapsible(false);
-    outer_->setContentsMargins(6, 6, 6, 0);
     const int unit = fontMetrics().averageCharWidth();
     outer_->setSizes({unit * 30, unit * 130});
     inner_->setSizes({unit * 34, unit * 56});
     query_->setSizes({unit * 84, unit * 56});
     lower_->setSizes({unit * 84, unit * 56});
-    return outer_;
+    return workspace;
 }
 
 void MainWindow::connectParts() {

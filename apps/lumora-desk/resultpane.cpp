@@ -1,6 +1,7 @@
 #include "apps/lumora-desk/resultpane.h"
 
 #include "apps/lumora-desk/panetitle.h"
+#include "lumora/widgets/owndirection.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -16,6 +17,7 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QStackedWidget>
+#include <QStyledItemDelegate>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -29,6 +31,17 @@ namespace {
 QString rowCountText(qint64 rows) {
     return rows == 1 ? ResultPane::tr("1 row") : ResultPane::tr("%1 rows").arg(QLocale().toString(rows));
 }
+
+class ValueDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->text = inOwnDirection(option->text, option->direction);
+    }
+};
 
 QString durationText(qint64 milliseconds) {
     if (milliseconds < 1000)
@@ -44,6 +57,7 @@ ResultPane::ResultPane(QWidget* parent)
       view_(new QTableView(this)),
       message_(new QLabel(this)) {
     view_->setModel(&model_);
+    view_->setItemDelegate(new ValueDelegate(view_));
     view_->setAccessibleName(tr("Rows"));
     view_->setAlternatingRowColors(true);
     view_->setWordWrap(false);

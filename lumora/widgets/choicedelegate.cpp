@@ -1,5 +1,7 @@
 #include "lumora/widgets/choicedelegate.h"
 
+#include "lumora/widgets/owndirection.h"
+
 #include <QApplication>
 #include <QComboBox>
 #include <QPainter>
@@ -21,13 +23,15 @@ bool isChoice(const QModelIndex& index) {
 
 } // namespace
 
-// The text ends before the arrow; both ends of a formula tell something.
+// The text ends before the arrow; of a formula, which is no choice, both ends tell something.
 void ChoiceDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     QStyledItemDelegate::initStyleOption(option, index);
     if (option->rect.width() <= 0)
         return; // only the size is asked for
     const int room = option->rect.width() - 8 - (isChoice(index) ? arrowWidth(*option) : 0);
-    option->text = option->fontMetrics.elidedText(option->text, Qt::ElideMiddle, std::max(0, room));
+    const Qt::TextElideMode mode = isChoice(index) ? Qt::ElideRight : Qt::ElideMiddle;
+    option->text = inOwnDirection(option->fontMetrics.elidedText(option->text, mode, std::max(0, room)),
+                                  option->direction);
 }
 
 void ChoiceDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,

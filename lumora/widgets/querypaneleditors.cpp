@@ -120,9 +120,11 @@ void QueryPanelWidget::showMenuAt(const TFilterRow& row, int word) {
     const int line = layout_->LineOfRow(&row);
     const QRect rect = wordRect(line, word);
     const bool isAtPointer = rect.isEmpty() && viewport()->underMouse();
-    menu_->popup(isAtPointer ? QCursor::pos()
-                             : viewport()->mapToGlobal(rect.isEmpty() ? lineRect(line).bottomLeft()
-                                                                      : rect.bottomLeft() + QPoint(0, 1)));
+    if (isAtPointer)
+        return menu_->popup(QCursor::pos());
+    const QRect below = rect.isEmpty() ? lineRect(line) : rect.translated(0, 1);
+    const int left = isMirrored() ? below.right() + 1 - menu_->sizeHint().width() : below.left();
+    menu_->popup(viewport()->mapToGlobal(QPoint(left, below.bottom())));
 }
 
 void QueryPanelWidget::showRowMenu(TFilterRow& row, int word, TPopupMenu& menu) {

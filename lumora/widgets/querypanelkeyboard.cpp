@@ -24,17 +24,18 @@ TShiftState toShiftState(Qt::KeyboardModifiers modifiers) {
     return state;
 }
 
-int toPanelKey(int key) {
+// The panel's "left" is towards where lines begin.
+int toPanelKey(int key, bool isMirrored) {
     switch (key) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
         return keyEnter;
     case Qt::Key_Left:
-        return keyLeft;
+        return isMirrored ? keyRight : keyLeft;
     case Qt::Key_Up:
         return keyUp;
     case Qt::Key_Right:
-        return keyRight;
+        return isMirrored ? keyLeft : keyRight;
     case Qt::Key_Down:
         return keyDown;
     case Qt::Key_Insert:
@@ -62,7 +63,7 @@ void QueryPanelWidget::keyPressEvent(QKeyEvent* event) {
 }
 
 bool QueryPanelWidget::handlePanelKey(QKeyEvent* event) {
-    const int key = toPanelKey(event->key());
+    const int key = toPanelKey(event->key(), isMirrored());
     if (!panel() || key == 0)
         return false;
     bool isHandled = true; // also when it cannot be done

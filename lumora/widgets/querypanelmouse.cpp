@@ -99,7 +99,8 @@ void QueryPanelWidget::wheelEvent(QWheelEvent* event) {
     if (pixels.isNull())
         return QAbstractScrollArea::wheelEvent(event);
     verticalScrollBar()->setValue(verticalScrollBar()->value() - pixels.y());
-    horizontalScrollBar()->setValue(horizontalScrollBar()->value() - pixels.x());
+    const int along = isMirrored() ? -pixels.x() : pixels.x();
+    horizontalScrollBar()->setValue(horizontalScrollBar()->value() - along);
     event->accept();
 }
 
@@ -143,7 +144,7 @@ bool QueryPanelWidget::canDragFrom(const TWordPlace& place) const {
 }
 
 void QueryPanelWidget::dragTo(const QPoint& position) {
-    const QPoint point = position + scrolled();
+    const QPoint point = toContent(position);
     if (!layout_ || !drag_.moveTo(*layout_, *panel(), point.x(), point.y()))
         return endDrag(false);
     viewport()->setCursor(drag_.mark().Right > drag_.mark().Left ? Qt::ClosedHandCursor

@@ -23,10 +23,6 @@ QColor mixed(const QColor& over, const QColor& under, qreal part) {
                   mix(over.blue(), under.blue()));
 }
 
-QRect toQRect(const TRect& rect) {
-    return QRect(rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top);
-}
-
 bool isOwnColor(TColor color) {
     return color.Value >= 0 && color != clNone;
 }
@@ -46,6 +42,11 @@ QColor textColor(const TScreenWord& word, const QPalette& palette, bool isEnable
 QueryPanelPainter::QueryPanelPainter(QPainter& painter, const QPalette& palette, const TQPAppearance& looks,
                                      const PanelHighlights& highlights)
     : painter_(painter), palette_(palette), looks_(looks), highlights_(highlights) {}
+
+QRect QueryPanelPainter::placed(const TRect& rect) const {
+    const int left = highlights_.MirrorAt > 0 ? highlights_.MirrorAt - rect.Right : rect.Left;
+    return QRect(left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top);
+}
 
 // --- Grounds.
 
@@ -88,7 +89,7 @@ void QueryPanelPainter::paintLine(const TPlacedLine& line, int left, int right) 
     }
     if (line.IsCurrent && highlights_.HasFocus) {
         const auto focused = static_cast<std::size_t>(highlights_.FocusedWord); // -1: the whole row
-        paintFocus(toQRect(focused < line.Words.size() ? line.Words[focused].Bounds : line.Bounds), palette);
+        paintFocus(placed(focused < line.Words.size() ? line.Words[focused].Bounds : line.Bounds), palette);
     }
     painter_.setOpacity(1);
 }
@@ -96,11 +97,11 @@ void QueryPanelPainter::paintLine(const TPlacedLine& line, int left, int right) 
 void QueryPanelPainter::paintGuides(const std::vector<TGuideLine>& guides) {
     const QColor color = mixed(palette_.color(QPalette::Text), palette_.color(QPalette::Base), 0.22);
     for (const TGuideLine& guide : guides)
-        painter_.fillRect(QRect(guide.X, guide.Top, 1, guide.Bottom - guide.Top), color);
+        painter_.fillRect(placed({guide.X, guide.Top, guide.X + 1, guide.Bottom}), color);
 }
 
 void QueryPanelPainter::paintDropMark() {
-    const QRect mark = toQRect(highlights_.DropMark);
+    const QRect mark = placed(highlights_.DropMark);
     if (mark.isEmpty())
         return;
     const QColor color = palette_.color(QPalette::Highlight);
@@ -109,21 +110,22 @@ void QueryPanelPainter::paintDropMark() {
     painter_.setRenderHint(QPainter::Antialiasing);
     painter_.setPen(QPen(color, 2));
     painter_.setBrush(palette_.color(QPalette::Base));
-    painter_.drawEllipse(QPointF(mark.left() - 1, mark.top() + mark.height() / 2.0), 3, 3);
+    const int start = highlights_.MirrorAt > 0 ? mark.right() + 2 : mark.left() - 1;
+    painter_.drawEllipse(QPointF(start, mark.top() + mark.height() / 2.0), 3, 3);
     painter_.restore();
 }
 
 // --- Words.
 
-void QueryPanelPainter::paintWord(const TPlacedWord& placed, const QPalette& palette, bool isHovered,
+void QueryPanelPainter::paintWord(const TPlacedWord& word, const QPalette& palette, bool isHovered,
                                   bool isPressed) {
-    const QRect bounds = toQRect(placed.Bounds);
-    if (placed.Word.Role == wrButton)
-        paintButton(placed.Word, bounds, palette, isHovered, isPressed);
-    else if (placed.Word.Role == wrCheckBox)
-        paintCheckBox(placed.Word, bounds, palette, isHovered);
+    const QRect bounds = placed(word.Bounds);
+    if (word.Word.Role == wrButton)
+        paintButton(word.Word, bounds, palette, isHovered, isPressed);
+    else if (word.Word.Role == wrCheckBox)
+        paintCheckBox(word.Word, bounds, palette, isHovered);
     else
-        paintText(placed.Word, bounds, palette, isHovered);
+        paintText(word.Word, bounds, palette, isHovered);
 }
 
 void QueryPanelPainter::paintText(const TScreenWord& word, const QRect& bounds, const QPalette& palette,
@@ -135,8 +137,10 @@ void QueryPanelPainter::paintText(const TScreenWord& word, const QRect& bounds, 
         painter_.fillRect(bounds.adjusted(-1, 0, 1, 0), tint);
     }
     painter_.setPen(color);
+    const QString caption = QString::fromStdString(word.Caption);
+    painter_.setLayoutDirection(caption.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
     painter_.drawText(bounds, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,
-                      QString::fromStdString(word.Caption));
+                      caption);
     if (word.State == rsWrong && word.Enabled)
         paintWave(bounds.left(), bounds.right() + 1, bounds.bottom() - 2, errorColor(palette));
     else if (word.IsClickable())

@@ -22,6 +22,7 @@ struct PanelHighlights {
     bool IsEnabled = true; // the whole widget
     TRect DropMark;
     const TFilterRow* Dragged = nullptr;
+    int MirrorAt = 0; // what is at x stands at this less x; 0: at x
 };
 
 class QueryPanelPainter {
@@ -36,10 +37,11 @@ public:
     void paintDropMark();
 
 private:
+    QRect placed(const TRect& rect) const;
     // Text and links on the ground of one line.
     QPalette paletteOn(const TPlacedLine& line) const;
     QColor groundOf(const TPlacedLine& line) const;
-    void paintWord(const TPlacedWord& placed, const QPalette& palette, bool isHovered, bool isPressed);
+    void paintWord(const TPlacedWord& word, const QPalette& palette, bool isHovered, bool isPressed);
     void paintText(const TScreenWord& word, const QRect& bounds, const QPalette& palette, bool isHovered);
     void paintUnderline(const TScreenWord& word, const QRect& bounds, const QColor& color, bool isHovered);
     void paintWave(int left, int right, int y, const QColor& color);

@@ -64,7 +64,14 @@ QPoint QueryPanelWidget::scrolled() const {
 }
 
 QRect QueryPanelWidget::toViewport(const TRect& rect) const {
-    return QRect(rect.Left, rect.Top, rect.Right - rect.Left, rect.Bottom - rect.Top).translated(-scrolled());
+    const QSize size(rect.Right - rect.Left, rect.Bottom - rect.Top);
+    const QPoint from = QPoint(rect.Left, rect.Top) - scrolled();
+    return {QPoint(isMirrored() ? viewport()->width() - from.x() - size.width() : from.x(), from.y()), size};
+}
+
+QPoint QueryPanelWidget::toContent(const QPoint& position) const {
+    const int x = isMirrored() ? viewport()->width() - 1 - position.x() : position.x();
+    return QPoint(x, position.y()) + scrolled();
 }
 
 int QueryPanelWidget::parentLine(int line) const {
@@ -84,7 +91,7 @@ QRect QueryPanelWidget::wordRect(int line, int word) const {
 }
 
 TWordPlace QueryPanelWidget::placeAt(const QPoint& position) const {
-    const QPoint point = position + scrolled();
+    const QPoint point = toContent(position);
     return layout_ ? layout_->WordAt(point.x(), point.y()) : TWordPlace();
 }
 
@@ -183,11 +190,10 @@ void QueryPanelWidget::scrollToCurrent() {
     if (const int top = lineRect(place.Line).top(); top < scrollMargin)
         vertical->setValue(vertical->value() + top - scrollMargin);
     QScrollBar* const horizontal = horizontalScrollBar();
-    if (const QRect word = wordRect(place.Line, place.Word); !word.isEmpty()) {
-        if (word.right() + scrollMargin > viewport()->width())
-            horizontal->setValue(horizontal->value() + word.right() + scrollMargin - viewport()->width());
-        if (const int left = wordRect(place.Line, place.Word).left(); left < scrollMargin)
-            horizontal->setValue(horizontal->value() + left - scrollMargin);
+    if (const TRect word = layout_->WordBounds(place.Line, place.Word); word.Left < word.Right) {
+        horizontal->setValue(
+            std::max(horizontal->value(), word.Right - 1 + scrollMargin - viewport()->width()));
+        horizontal->setValue(std::min(horizontal->value(), word.Left - scrollMargin));
     }
 }
 
@@ -236,8 +242,9 @@ void QueryPanelWidget::paintEvent(QPaintEvent* event) {
         return;
     QPainter painter(viewport());
     painter.setFont(font());
-    const QRect area = event->rect().translated(scrolled());
-    painter.translate(-scrolled());
+    const QPoint from = scrolled();
+    const QRect area = event->rect().translated(0, from.y());
+    painter.translate(isMirrored() ? 0 : -from.x(), -from.y());
     const TWordPlace current = currentPlace();
     PanelHighlights highlights;
     highlights.Hovered = drag_.isActive() ? TWordPlace() : hovered_;
@@ -247,11 +254,12 @@ void QueryPanelWidget::paintEvent(QPaintEvent* event) {
     highlights.IsEnabled = isEnabled();
     highlights.DropMark = drag_.mark();
     highlights.Dragged = drag_.row();
+    highlights.MirrorAt = isMirrored() ? viewport()->width() + from.x() : 0;
     QueryPanelPainter panelPainter(painter, palette(), panel()->GetAppearance(), highlights);
     const int top = area.top() - layout_->GetLineHeight();
     const int bottom = area.bottom() + 3;
     panelPainter.paintGuides(layout_->GuideLines(top, bottom));
-    const int left = scrolled().x();
+    const int left = isMirrored() ? 0 : from.x();
     for (const TPlacedLine& line : layout_->PlaceLines(top, bottom))
         panelPainter.paintLine(line, left, left + viewport()->width());
     panelPainter.paintDropMark();
@@ -267,12 +275,14 @@ void QueryPanelWidget::resizeEvent(QResizeEvent* event) {
 }
 
 void QueryPanelWidget::scrollContentsBy(int dx, int dy) {
-    viewport()->scroll(dx, dy);
+    viewport()->scroll(isMirrored() ? -dx : dx, dy);
     updateHovered();
 }
 
 void QueryPanelWidget::changeEvent(QEvent* event) {
     QAbstractScrollArea::changeEvent(event);
+    if (event->type() == QEvent::LayoutDirectionChange)
+        rowsChanged();
     if (event->type() != QEvent::FontChange && event->type() != QEvent::StyleChange)
         return;
     measurer_.setFont(font());

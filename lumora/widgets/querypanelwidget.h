@@ -277,7 +277,10 @@ private:
     void updateScrollBars();
     void scrollToCurrent();
     void tellCurrent();
-    QPoint scrolled() const; // the content's point in the viewport's corner
+    // The layout counts from the side where lines begin: the right one, where one reads from right to left.
+    bool isMirrored() const { return layoutDirection() == Qt::RightToLeft; }
+    QPoint scrolled() const; // the content's point in the viewport's corner where lines begin
+    QPoint toContent(const QPoint& position) const;
     QRect toViewport(const TRect& rect) const;
 
     void acceptAnswer(TWordEditor editor, const TDropDownResult& answer);

@@ -195,6 +195,46 @@ TEST_F(QueryPanelWidgetTest, WordsAreDrawnInTheirPlacesAndTheCurrentRowStandsOut
     EXPECT_NE(groundOf(unfocused, 2), groundOf(focused, 2)) << "the keyboard is elsewhere";
 }
 
+TEST_F(QueryPanelWidgetTest, LinesBeginAtTheRightWhereOneReadsFromThere) {
+    Shop.Where("customers.company", "EqualTo", std::string(200, 'x')); // wider than the widget
+    Shop.Panel.AddBracket(Shop.Root());
+    Show();
+    const auto places = [this] {
+        std::vector<QRect> rects;
+        for (int line = 0; line < Widget.lineCount(); ++line)
+            for (std::size_t word = 0; word < Widget.line(line).Words.size(); ++word)
+                rects.push_back(Widget.wordRect(line, static_cast<int>(word)));
+        return rects;
+    };
+    const std::vector<QRect> before = places();
+    Widget.setLayoutDirection(Qt::RightToLeft);
+    QCoreApplication::processEvents();
+    const std::vector<QRect> after = places();
+    ASSERT_EQ(after.size(), before.size());
+    const int width = Widget.viewport()->width();
+    for (std::size_t i = 0; i < after.size(); ++i) {
+        EXPECT_EQ(after[i].left(), width - 1 - before[i].right());
+        EXPECT_EQ(after[i].size(), before[i].size());
+    }
+    // What is drawn, clicked and scrolled to is where the places say.
+    const QImage image = Widget.viewport()->grab().toImage();
+    const QRect button = Widget.wordRect(0, 0);
+    EXPECT_NE(image.pixel(button.center()),
+              image.pixel(width - 1 - button.center().x(), button.center().y()));
+    const int field = WordOf(1, wrField);
+    const QPoint centre = Widget.wordRect(1, field).center();
+    EXPECT_EQ(Widget.placeAt(centre).Word, field);
+    Widget.makeCurrent(1, field);
+    Key(Qt::Key_Left);
+    EXPECT_EQ(Widget.currentPlace().Word, WordOf(1, wrOperator)) << "the next word is at the left";
+    Key(Qt::Key_Left);
+    QCoreApplication::processEvents();
+    EXPECT_GT(Widget.horizontalScrollBar()->value(), 0);
+    const QRect value = Widget.wordRect(1, WordOf(1, wrValue));
+    EXPECT_TRUE(value.intersects(Widget.viewport()->rect()));
+    EXPECT_EQ(Widget.placeAt(QPoint(value.right(), value.center().y())).Word, WordOf(1, wrValue));
+}
+
 TEST_F(QueryPanelWidgetTest, EscapeGivesBackTheOldValue) {
     TSimpleCond* const condition = Shop.Where("customers.custno", "EqualTo", "7");
     Show();
