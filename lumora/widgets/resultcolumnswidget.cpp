@@ -69,7 +69,7 @@ ResultColumnsWidget::ResultColumnsWidget(QWidget* parent)
     view_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 10);
     view_->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     view_->horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    view_->horizontalHeader()->setSectionResizeMode(ResultColumnsModel::Caption, QHeaderView::Stretch);
+    view_->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     view_->horizontalHeader()->setHighlightSections(false);
     view_->setShowGrid(false);
     view_->setTabKeyNavigation(false);
@@ -84,6 +84,10 @@ ResultColumnsWidget::ResultColumnsWidget(QWidget* parent)
     layout->setSpacing(4);
     layout->addWidget(stack_);
     layout->addWidget(makeButtons());
+    QWidget* const inTurn[] = {view_, suggest_, add_, up_, down_, remove_};
+    for (std::size_t i = 1; i < std::size(inTurn); ++i)
+        setTabOrder(inTurn[i - 1], inTurn[i]);
+    chooser_->installEventFilter(this);
 
     // The choices of a cell open with one click, as a drop-down does; a name is edited by two.
     connect(view_, &QTableView::clicked, this, [this](const QModelIndex& index) {
@@ -179,20 +183,23 @@ void ResultColumnsWidget::updateState() {
             tr("Show the main fields of %1").arg(QString::fromStdString(table->GetDisplayName())));
 }
 
-// Names keep two fifths of the width at least; what a column shows and how it is sorted share the rest.
+// Names keep two fifths of the width at least, and what stands behind them can be read; where there is no
+// room for all, the table scrolls.
 void ResultColumnsWidget::fitColumns() {
     const QAbstractItemView& cells = *view_;
     const int width = cells.viewport()->width();
+    const int readable = fontMetrics().averageCharWidth() * 15;
     const auto wanted = [&](ResultColumnsModel::Column column) {
         return std::max(cells.sizeHintForColumn(column), view_->horizontalHeader()->sectionSizeHint(column));
     };
-    const int shown = wanted(ResultColumnsModel::Shown);
-    const int sorting = wanted(ResultColumnsModel::Sorting);
-    const int name = std::min(wanted(ResultColumnsModel::Caption), width * 2 / 5);
-    const int room = std::max(0, width - name);
-    const int sortingRoom = std::min(sorting, std::max(room / 2, room - shown));
-    view_->setColumnWidth(ResultColumnsModel::Sorting, sortingRoom);
-    view_->setColumnWidth(ResultColumnsModel::Shown, std::min(shown, room - sortingRoom));
+    const int least = std::min(wanted(ResultColumnsModel::Caption), width * 2 / 5);
+    const int sorting =
+        std::min(wanted(ResultColumnsModel::Sorting), std::max(readable, (width - least) / 2));
+    const int shown =
+        std::min(wanted(ResultColumnsModel::Shown), std::max(readable, width - least - sorting));
+    view_->setColumnWidth(ResultColumnsModel::Sorting, sorting);
+    view_->setColumnWidth(ResultColumnsModel::Shown, shown);
+    view_->setColumnWidth(ResultColumnsModel::Caption, std::max(least, width - shown - sorting));
 }
 
 // --- What people do.
@@ -292,6 +299,8 @@ void ResultColumnsWidget::keyPressEvent(QKeyEvent* event) {
 bool ResultColumnsWidget::eventFilter(QObject* watched, QEvent* event) {
     if (watched == view_->viewport() && event->type() == QEvent::Resize)
         fitColumns();
+    if (watched == chooser_ && event->type() == QEvent::Hide && view_->isVisible())
+        view_->setFocus(); // to say what the columns show
     if (watched == view_ && event->type() == QEvent::KeyPress) {
         const auto& key = static_cast<QKeyEvent&>(*event);
         if (handleKey(key.key(), key.modifiers()))
