@@ -229,6 +229,14 @@ std::string ShowSentence(const TVQuery& query) {
 
 // --- Conditions.
 
+// With prompts: a row that lacks its value doesn't pass for a whole one.
+std::string RowSaid(const TQueryScreen& screen, const TFilterRow& row) {
+    TWords words;
+    for (const TRowWord& word : RowWords(screen, row, true))
+        words.push_back(word.Caption);
+    return Joined(words, " ");
+}
+
 // "a; b; any of the following apply (c; d)".
 std::string RowsOf(const TQueryScreen& screen, const TFilterBracket& bracket) {
     TWords words;
@@ -236,7 +244,7 @@ std::string RowsOf(const TQueryScreen& screen, const TFilterBracket& bracket) {
         const TFilterRow& row = *bracket.GetRow(i);
         if (!row.GetEnabled())
             continue;
-        const std::string text(Trim(RowText(screen, row)));
+        const std::string text = RowSaid(screen, row);
         if (row.GetRowType() != frtBracket)
             words.push_back(text);
         else if (const std::string below = RowsOf(screen, static_cast<const TFilterBracket&>(row));
@@ -251,7 +259,7 @@ std::string RowsOf(const TQueryScreen& screen, const TFilterBracket& bracket) {
 std::string ConditionSentence(const TQueryScreen& screen) {
     const TFilterBracket* const root = screen.GetQuery().GetRootBracket();
     const std::string rows = root && root->GetEnabled() ? RowsOf(screen, *root) : std::string();
-    return rows.empty() ? rows : std::string(Trim(RowText(screen, *root))) + ": " + rows + '.';
+    return rows.empty() ? rows : RowSaid(screen, *root) + ": " + rows + '.';
 }
 
 std::string QuerySentence(const TQueryScreen& screen) {
