@@ -240,6 +240,49 @@ TEST_F(Strict, ComparesDaysWithAllTheirMoments) {
     EXPECT_EQ(text(dsEpochSeconds, "Equal", day), "f = '08.07.1996 00:00:00'\n");
 }
 
+TEST_F(Strict, FindsTextsInPatternsAsTheyStand) {
+    const auto text = [&](const char* sql, const char* value) {
+        TDSOperator& op = *shop_.Operator("Contains");
+        op.SetSQLName(sql);
+        const std::string line =
+            ReplaceText(Text("customers.company", "Contains", value), "customers.company", "f");
+        return line.substr(0, line.size() - 1);
+    };
+    EXPECT_EQ(text("@f like '%@1%'", "it's!"), "f like '%it''s!%'"); // nothing in it means anything else
+    EXPECT_EQ(text("@f like '%@1%'", "50%!"), "f like '%50!%!!%' ESCAPE '!'");
+    EXPECT_EQ(text("not(@f ILIKE '@1%')", "a_\\"), "not(f ILIKE 'a!_\\%' ESCAPE '!')");
+    EXPECT_EQ(text("(not (@f like '%@1' Escape  '!') or @f is null)", "it's!"),
+              "(not (f like '%it''s!!' Escape  '!') or f is null)");
+    EXPECT_EQ(text("lower(@f) like lower( '%@1%' ) and 1=1", "a_"),
+              "lower(f) like lower( '%a!_%' ) ESCAPE '!' and 1=1");
+    EXPECT_EQ(text("@f like '@1'", "a_%"), "f like 'a_%'"); // it is the pattern
+    EXPECT_EQ(text("@f like '%@1%' escape '#'", "a_%"), "f like '%a_%%' escape '#'");
+    EXPECT_EQ(text("@f like '%@1%' || 'x'", "a_"), "f like '%a_%' || 'x'");
+    EXPECT_EQ(text("@f = 'x@1'", "a_"), "f = 'xa_'");
+    shop_.Panel.SetDialect(sdMySQL);
+    EXPECT_EQ(text("@f like '%@1%'", "\\"), "f like _utf8mb4 X'255C25' ESCAPE '!'");
+    shop_.Panel.SetDialect(sdSQLite);
+    for (const char* const value : {"50%", "%", "a!_!", "!"}) {
+        text("@f like '%@1%' escape '!'", value);
+        const std::string sql = shop_.SQL();
+        shop_.Panel.ParseSQL(TStringList(sql));
+        EXPECT_EQ(static_cast<TSimpleCond*>(shop_.Root().GetRow(0))->GetValue(1), value);
+        EXPECT_EQ(shop_.SQL(), sql);
+    }
+    const auto refusal = [&](const char* where) {
+        return MessageOf<EVLumoraError>([&] {
+            shop_.Panel.ParseSQL(
+                TStringList(std::string("select customers.custno from customers where ") + where));
+        });
+    };
+    EXPECT_NE(refusal("customers.company like '%a_b%' escape '!'"), ""); // the row would find less
+    EXPECT_EQ(refusal("customers.company like '%a!_b%' escape '!'"), "");
+    text("@f like '%@1%'", "x");
+    EXPECT_NE(refusal("customers.company like '%a_b%'"), "");
+    shop_.Panel.SetStrict(false);
+    EXPECT_EQ(text("@f like '%@1%'", "50%"), "f like '%50%%'");
+}
+
 TEST_F(Strict, DoublesClosingQuotesInNames) {
     TDSField& amount = *shop_.Field("orders.amount");
     amount.SetFieldName("a\"; drop");

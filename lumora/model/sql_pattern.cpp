@@ -47,15 +47,16 @@ TSQLPattern::TSQLPattern(std::string_view text) {
                                      true,
                                      {},
                                      std::string(inner.substr(0, at)),
-                                     std::string(inner.substr(at + length))});
+                                     std::string(inner.substr(at + length)),
+                                     '\0'});
             else
                 AddLiteral(text.substr(0, close + 1));
             text.remove_prefix(close + 1);
         } else if (text.substr(0, 2) == "@f") {
-            elements_.push_back({elField, 0, false, {}, {}, {}});
+            elements_.push_back({elField, 0, false, {}, {}, {}, '\0'});
             text.remove_prefix(2);
         } else if (const int value = ValueAt(text, length)) {
-            elements_.push_back({elValue, value, false, {}, {}, {}});
+            elements_.push_back({elValue, value, false, {}, {}, {}, '\0'});
             text.remove_prefix(length);
         } else {
             AddLiteral(text.substr(0, 1));
@@ -63,6 +64,7 @@ TSQLPattern::TSQLPattern(std::string_view text) {
         }
     }
     std::erase_if(elements_, [](const TElement& e) { return e.Kind == elLiteral && e.Text.empty(); });
+    FindEscapes();
     bool behindField = false;
     for (const TElement& element : elements_) {
         if (element.Kind == elField)
@@ -73,6 +75,29 @@ TSQLPattern::TSQLPattern(std::string_view text) {
             break;
     }
 }
+
+// A clause may stand behind functions around the value.
+void TSQLPattern::FindEscapes() {
+    constexpr std::string_view clause = "escape'";
+    for (std::size_t i = 0; i + 1 < elements_.size(); ++i) {
+        std::string_view behind = elements_[i + 1].Text;
+        behind.remove_prefix(std::min(behind.find_first_not_of(')'), behind.size()));
+        if (behind.starts_with(clause) && behind.size() > clause.size())
+            elements_[i].Escape = behind[clause.size()];
+    }
+}
+
+namespace {
+
+// Whether the last character of a pattern is meant as it stands.
+bool IsLastEscaped(std::string_view pattern, char escape) {
+    std::size_t count = 0;
+    while (count + 1 < pattern.size() && pattern[pattern.size() - 2 - count] == escape)
+        ++count;
+    return escape != '\0' && count % 2 != 0;
+}
+
+} // namespace
 
 class TSQLPattern::TMatcher {
 public:
@@ -139,7 +164,8 @@ private:
                              inner.size() - expected.Before.size() - expected.After.size());
         const bool wildcards =
             expected.Before.find('%') != std::string::npos || expected.After.find('%') != std::string::npos;
-        if (wildcards && (inner.starts_with('%') || inner.ends_with('%')))
+        if (wildcards &&
+            (inner.starts_with('%') || (inner.ends_with('%') && !IsLastEscaped(inner, expected.Escape))))
             return false;
         const bool doubled = inner.find('\'') != std::string_view::npos;
         return Capture(expected.Value, doubled ? ReplaceText(inner, "''", "'") : std::string(inner), true) &&

@@ -45,10 +45,12 @@ private:
         std::string Text;   // of a literal, folded
         std::string Before; // in the quotes with a value
         std::string After;
+        char Escape = '\0'; // of a pattern whose wildcards are meant as they stand behind it
     };
     class TMatcher;
 
     void AddLiteral(std::string_view text);
+    void FindEscapes();
 
     std::vector<TElement> elements_;
     std::string head_;

@@ -3,6 +3,7 @@
 #include "lumora/model/structure.h"
 #include "lumora/query/errors.h"
 #include "lumora/query/moment_comparison.h"
+#include "lumora/query/pattern_place.h"
 #include "lumora/query/strict_checks.h"
 #include "lumora/support/string_helpers.h"
 
@@ -346,14 +347,12 @@ void TQueryBuilder::FillTemplate(TPredicate& leaf, TFilterCond& condition) {
 
 void TQueryBuilder::AppendPieces(std::string& out, const std::vector<TTemplatePiece>& pieces,
                                  TFilterCond& condition, TPredicate* leaf) {
-    bool quoteTaken = false; // the one that the next piece begins with
+    std::size_t taken = 0; // of the next literal, by the value before it
     for (std::size_t i = 0; i < pieces.size(); ++i) {
         const TTemplatePiece& piece = pieces[i];
-        std::size_t start = out.size();
         switch (piece.Kind) {
         case tpLiteral:
-            out.append(piece.Text, quoteTaken ? 1 : 0);
-            quoteTaken = false;
+            out.append(piece.Text, std::exchange(taken, 0));
             break;
         case tpField:
             static_cast<TSimpleCond&>(condition).GetField()->AppendSQLExpr(out, quoting_);
@@ -364,28 +363,62 @@ void TQueryBuilder::AppendPieces(std::string& out, const std::vector<TTemplatePi
         case tpMainTable:
             out += result_.GetResultTables().GetItem(0).Table->GetName();
             break;
-        case tpValue: {
-            const TValueWriter::TValue value = values_.ValueOf(condition, piece.Value);
-            if (piece.InLiteral && values_.NeedsOwnLiteral(value)) {
-                TakeQuotes(out, i + 1 < pieces.size() ? &pieces[i + 1] : nullptr, value);
-                start = out.size();
-                quoteTaken = true;
-            }
-            values_.Append(out, value, quoteTaken || (exact_ && !piece.InLiteral));
-            if (leaf)
-                AddLeafValue(*leaf, start, value.Type, piece);
+        case tpValue:
+            taken = AppendValue(out, pieces, i, condition, leaf);
             break;
-        }
-        case tpParamName:
+        case tpParamName: {
+            const std::size_t start = out.size();
             AppendParamName(out, *condition.GetParam(piece.Value));
             if (leaf)
                 AddLeafValue(*leaf, start, condition.GetValueType(piece.Value), piece);
             break;
+        }
         case tpParamPattern:
             AppendTextLiteral(out, dialect_, condition.GetParam(piece.Value)->ValueFormat);
             break;
         }
     }
+}
+
+// Gives how much of the literal behind the value is written with it.
+std::size_t TQueryBuilder::AppendValue(std::string& out, const std::vector<TTemplatePiece>& pieces,
+                                       std::size_t i, const TFilterCond& condition, TPredicate* leaf) {
+    const TTemplatePiece& piece = pieces[i];
+    const TValueWriter::TValue value = values_.ValueOf(condition, piece.Value);
+    const TTemplatePiece* const next = i + 1 < pieces.size() ? &pieces[i + 1] : nullptr;
+    const std::string_view behind = next && next->Kind == tpLiteral ? next->Text : std::string_view();
+    std::size_t start = out.size(), taken = 0;
+    if (strict_ && piece.InLiteral && i > 0 && value.Kind == vkScalar && !IsCheckedType(value.Type))
+        if (const auto place = FindPatternPlace(pieces[i - 1].Text, behind, dialect_);
+            place && (place->HasClause || HasWildcards(value.Text))) {
+            start -= place->Before.size() + 1;
+            AppendPattern(out, *place, behind, value.Text);
+            taken = place->Length;
+        }
+    if (taken == 0) {
+        const bool needsLiteral = piece.InLiteral && values_.NeedsOwnLiteral(value);
+        if (needsLiteral)
+            TakeQuotes(out, next, value);
+        start = needsLiteral ? out.size() : start;
+        taken = needsLiteral ? 1 : 0;
+        values_.Append(out, value, needsLiteral || (exact_ && !piece.InLiteral));
+    }
+    if (leaf)
+        AddLeafValue(*leaf, start, value.Type, piece);
+    return taken;
+}
+
+// A text is found in values as it stands, whatever it means in a pattern.
+void TQueryBuilder::AppendPattern(std::string& out, const TPatternPlace& place, std::string_view behind,
+                                  std::string_view text) const {
+    std::string pattern(place.Before);
+    AppendEscapedPattern(pattern, dialect_, text);
+    pattern += place.After;
+    out.resize(out.size() - place.Before.size() - 1);
+    AppendTextLiteral(out, dialect_, pattern);
+    out += behind.substr(place.After.size() + 1, place.Length - place.After.size() - 1);
+    if (!place.HasClause)
+        out += dialect_.PatternClause;
 }
 
 void TQueryBuilder::AddLeafValue(TPredicate& leaf, std::size_t start, TFieldType type,

@@ -13,6 +13,8 @@ namespace lumora {
 
 class TDSPath;
 
+struct TPatternPlace;
+
 class TQueryBuilder {
 public:
     TQueryBuilder(TVQuery& panel, const TVCustomDBStructure& structure);
@@ -44,6 +46,10 @@ private:
     bool FillMomentComparison(TPredicate& leaf, TFilterCond& condition);
     void AppendPieces(std::string& out, const std::vector<TTemplatePiece>& pieces, TFilterCond& condition,
                       TPredicate* leaf);
+    std::size_t AppendValue(std::string& out, const std::vector<TTemplatePiece>& pieces, std::size_t i,
+                            const TFilterCond& condition, TPredicate* leaf);
+    void AppendPattern(std::string& out, const TPatternPlace& place, std::string_view behind,
+                       std::string_view text) const;
     void AddLeafValue(TPredicate& leaf, std::size_t start, TFieldType type, const TTemplatePiece& piece);
     void RefreshPatterns(const TTemplatePlan& plan, TFilterCond& condition);
     void TakeQuotes(std::string& out, const TTemplatePiece* next, const TValueWriter::TValue& value) const;

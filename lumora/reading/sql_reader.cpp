@@ -5,6 +5,7 @@
 #include "lumora/query/date_values.h"
 #include "lumora/query/errors.h"
 #include "lumora/query/field_by_sql.h"
+#include "lumora/query/pattern_place.h"
 #include "lumora/query/query_result.h"
 #include "lumora/query/query_state.h"
 #include "lumora/query/strict_checks.h"
@@ -98,6 +99,14 @@ TSQLReader::TFit TSQLReader::FindPlainFit(const TSQLCondition& parsed) {
     return fit;
 }
 
+namespace {
+
+const TDialect& DialectOf(const TVQuery& query) {
+    return EffectiveDialect(query.GetDialect(), query.GetSQLSyntax(), true);
+}
+
+} // namespace
+
 // A condition that no operator fits may be the opposite of one that an operator fits.
 TSQLReader::TFit TSQLReader::FindStrictFit(const TSQLCondition& parsed) {
     TDSField* const field = FieldBySQL(model_, parsed.Left, strict_);
@@ -112,6 +121,12 @@ TSQLReader::TFit TSQLReader::FindStrictFit(const TSQLCondition& parsed) {
     if (!fit.Operator) {
         fit = FindFit(parsed, !parsed.Negated, parsed.Operator);
         fit.Opposite = true;
+    }
+    if (const std::string_view bare = WithoutPatternClause(parsed.Value, DialectOf(query_));
+        !fit.Operator && bare.size() < parsed.Value.size()) { // the generator wrote the clause
+        TSQLCondition pattern = parsed;
+        pattern.Value = bare;
+        fit = FindFit(pattern, parsed.Negated, parsed.Operator);
     }
     if (!fit.Operator && parsed.Operator == "is" && FoldBlanks(parsed.Value) == "notnull") {
         TSQLCondition isNull = parsed;
@@ -402,8 +417,8 @@ std::string TSQLReader::DisplayValue(const TFilterCond& condition, int value, co
 std::string TSQLReader::CheckedValue(const TFilterCond& condition, int value, const TSQLCondition& parsed,
                                      const std::string& text, bool quoted) const {
     const TFieldType type = condition.GetValueType(value);
+    const TDialect& dialect = DialectOf(query_);
     if (IsDateOrTime(type)) {
-        const TDialect& dialect = EffectiveDialect(query_.GetDialect(), query_.GetSQLSyntax(), true);
         std::optional<std::string> date =
             ValueOfMomentLiteral(model_, dialect, condition, value, text, quoted);
         if (!date || !IsValidValue(type, *date))
@@ -412,7 +427,13 @@ std::string TSQLReader::CheckedValue(const TFilterCond& condition, int value, co
     }
     if (IsCheckedType(type) ? !IsValidValue(type, text) : !quoted)
         Refuse(parsed);
-    return text;
+    if (IsCheckedType(type))
+        return text;
+    const bool hasClause = WithoutPatternClause(parsed.Value, dialect).size() < parsed.Value.size();
+    std::optional<std::string> found = TextOfPattern(condition.GetSQLExpr(), value, text, hasClause, dialect);
+    if (!found)
+        Refuse(parsed);
+    return *std::move(found);
 }
 
 // --- Sub-queries.
