@@ -123,6 +123,14 @@ TEST_F(Fill, SaysWhatItCannotRead) {
     }
     EXPECT_FALSE(std::filesystem::exists(folder_ / "none.sqlite"));
     makeTables(DatabaseConnection(parseDatabase(folder_ / "ok.sqlite"), DatabaseConnection::Access::Create));
+    execute(DatabaseConnection(parseDatabase(folder_ / "odd.sqlite"), DatabaseConnection::Access::Create)
+                .connection(),
+            "create table \"a\nb\" (x integer)");
+    const ProcessResult odd = fill({folder_ / "odd.sqlite"});
+    EXPECT_EQ(std::to_string(odd.status) + odd.out + odd.err,
+              "1lumora: Table \"a b\" was left out: its name cannot stand in a model\n"
+              "lumora: \"" +
+                  folder_ / "odd.sqlite" + "\" has no tables that can be asked\n");
     for (const char* const full : {"/dev/full", "-"})
         EXPECT_EQ(fill({folder_ / "ok.sqlite"}, {.outFile = full}).status, 1) << full;
 }

@@ -13,9 +13,33 @@ bool isOrdered(TFieldType type) {
     return type != ftBlob && type != ftMemo && type != ftGraphic && type != ftBoolean;
 }
 
+// "id", "customer_id", "customerId", "CustomerID".
+bool isCalledKey(std::string_view name) {
+    if (SameText(name, "id") || LowerAscii(name).ends_with("_id"))
+        return true;
+    const char before = name.size() > 2 ? name[name.size() - 3] : ' ';
+    return before >= 'a' && before <= 'z' && (name.ends_with("Id") || name.ends_with("ID"));
+}
+
+// Whether a table of that name is linked by the column: as the one that refers to another, or as either.
+bool isLinked(const TDSField& field, bool asReferring) {
+    const TVCustomDBStructure& model = field.GetTable()->GetStructure();
+    const auto joins = [&field](const TDSTable& table, const TStringList& columns) {
+        return table.GetName() == field.GetTable()->GetName() && columns.IndexOf(field.GetFieldText()) >= 0;
+    };
+    for (int i = 0; i < model.GetLinkCount(); ++i) {
+        const TDSLink& link = *model.GetLink(i);
+        if (joins(*link.Table1, link.Fields1) || (!asReferring && joins(*link.Table2, link.Fields2)))
+            return true;
+    }
+    return false;
+}
+
+// A text that others refer to by is one that people read.
 bool isKey(const TDSField& field) {
-    const std::string name = LowerAscii(field.GetFieldText());
-    return name == "id" || name.ends_with("_id") || field.FieldType == ftAutoInc || field.FieldType == ftGuid;
+    if (isCalledKey(field.GetFieldText()) || field.FieldType == ftAutoInc || field.FieldType == ftGuid)
+        return true;
+    return field.GetKind() == vfkData && field.GetTable() && isLinked(field, !IsNumber(field.FieldType));
 }
 
 } // namespace
@@ -124,7 +148,7 @@ std::vector<ResultColumnsModel::Aggregate> ResultColumnsModel::aggregates(int ro
         return {Custom};
     const TFieldType type = field(row).GetFields().front()->FieldType;
     std::vector<Aggregate> offered = {Value, Count, CountDifferent};
-    if (IsNumber(type))
+    if (IsNumber(type) && !isKey(*field(row).GetFields().front()))
         offered.insert(offered.end(), {Sum, Average});
     if (isOrdered(type))
         offered.insert(offered.end(), {Least, Greatest});

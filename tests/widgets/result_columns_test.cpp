@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -77,6 +79,11 @@ TEST_F(ResultColumns, OfferWhatTheFieldsTypeHasUseFor) {
               (std::vector{Model::Value, Model::Count, Model::CountDifferent, Model::Sum, Model::Average,
                            Model::Least, Model::Greatest}));
     EXPECT_EQ(columns().aggregates(2), (std::vector{Model::Value, Model::Count, Model::CountDifferent}));
+    columns().addField(field("orders.custno")); // a number that a link joins by: a sum of it means nothing
+    const auto ofKey = columns().aggregates(3);
+    EXPECT_EQ(std::count(ofKey.begin(), ofKey.end(), Model::Sum), 0);
+    EXPECT_EQ(std::count(ofKey.begin(), ofKey.end(), Model::Greatest), 1);
+    columns().removeRows({3});
     columns().setData(columns().index(1, Model::Shown), Model::Sum);
     EXPECT_EQ(shop.Panel.GetQResult().GetResultFields().GetRField(1)->GetSQLExpr(), "sum(orders.amount)");
     EXPECT_EQ(cell(1, Model::Shown).toString(), "sum");
