@@ -102,18 +102,18 @@ public:
     DateFinder(DatabaseContents& contents, BoundedQueries& queries)
         : contents_(contents), queries_(queries) {}
 
-    void look() {
+    void look(TableKind kind) {
         for (SourceTable& table : contents_.tables)
             for (SourceColumn& column : table.columns)
-                if (isCandidate(table, column))
+                if (table.info.kind == kind && isCandidate(column))
                     look(table, column);
     }
 
 private:
-    bool isCandidate(const SourceTable& table, const SourceColumn& column) const {
+    bool isCandidate(const SourceColumn& column) const {
         if (!column.hasType || column.type == ftDate || column.type == ftDateTime)
             return true;
-        return column.type == ftString && column.choices.empty() && !contents_.keyOf(table, column) &&
+        return column.type == ftString && column.choices.empty() && !contents_.keyOf(column) &&
                soundsLikeDate(column.name);
     }
 
@@ -232,9 +232,9 @@ private:
 
 } // namespace
 
-void lookAtDates(DatabaseContents& contents, BoundedQueries& queries) {
+void lookAtDates(DatabaseContents& contents, TableKind kind, BoundedQueries& queries) {
     if (contents.engine == Engine::Sqlite)
-        DateFinder(contents, queries).look();
+        DateFinder(contents, queries).look(kind);
 }
 
 } // namespace lumora

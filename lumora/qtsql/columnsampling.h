@@ -8,7 +8,8 @@ namespace lumora {
 
 // For an engine whose columns hold whatever is put into them: gives columns that hold days their type and
 // storage, and columns without a declared type the type of what is in them. Small tables are looked at
-// whole, of large ones the first and the last rows. What cannot be compared rightly is remarked on.
-void lookAtDates(DatabaseContents& contents, BoundedQueries& queries);
+// whole, of large ones the first and the last rows. What cannot be compared rightly is remarked on. A view
+// may take long, so tables and views are asked for apart.
+void lookAtDates(DatabaseContents& contents, TableKind kind, BoundedQueries& queries);
 
 } // namespace lumora

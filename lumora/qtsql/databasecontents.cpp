@@ -35,8 +35,12 @@ public:
             addTable(name);
         std::stable_partition(contents_.tables.begin(), contents_.tables.end(),
                               [](const SourceTable& table) { return table.info.kind == TableKind::Table; });
+        for (std::size_t i = 0; i < contents_.tables.size(); ++i)
+            contents_.places.emplace(contents_.tables[i].name, i);
         for (ForeignKey& key : catalogue_.foreignKeys())
             (isWhole(key) ? contents_.keys : contents_.lostKeys).push_back(std::move(key));
+        for (int i = static_cast<int>(contents_.keys.size()) - 1; i >= 0; --i)
+            markColumn(i);
         return std::move(contents_);
     }
 
@@ -85,6 +89,14 @@ private:
         return hasAll(key.table, key.columns) && hasAll(key.referencedTable, key.referencedColumns);
     }
 
+    void markColumn(int number) {
+        const ForeignKey& key = contents_.keys[static_cast<std::size_t>(number)];
+        if (key.columns.size() == 1)
+            for (SourceColumn& column : contents_.tables[contents_.places.at(key.table)].columns)
+                if (SameText(column.name, key.columns[0]))
+                    column.key = number;
+    }
+
     Catalogue& catalogue_;
     DatabaseContents contents_;
 };
@@ -102,30 +114,18 @@ const SourceColumn* SourceTable::column(std::string_view columnName) const {
     return found == columns.end() ? nullptr : &*found;
 }
 
-SourceColumn* SourceTable::column(std::string_view columnName) {
-    return const_cast<SourceColumn*>(std::as_const(*this).column(columnName));
-}
-
 bool SourceTable::isInPrimaryKey(std::string_view columnName) const {
     return std::any_of(info.primaryKey.begin(), info.primaryKey.end(),
                        [&](const std::string& column) { return SameText(column, columnName); });
 }
 
-const SourceTable* DatabaseContents::table(std::string_view name) const {
-    const auto found = std::find_if(tables.begin(), tables.end(),
-                                    [&](const SourceTable& table) { return SameText(table.name, name); });
-    return found == tables.end() ? nullptr : &*found;
+const SourceTable* DatabaseContents::table(const std::string& name) const {
+    const auto found = places.find(name);
+    return found == places.end() ? nullptr : &tables[found->second];
 }
 
-SourceTable* DatabaseContents::table(std::string_view name) {
-    return const_cast<SourceTable*>(std::as_const(*this).table(name));
-}
-
-const ForeignKey* DatabaseContents::keyOf(const SourceTable& table, const SourceColumn& column) const {
-    const auto found = std::find_if(keys.begin(), keys.end(), [&](const ForeignKey& key) {
-        return key.table == table.name && key.columns.size() == 1 && SameText(key.columns[0], column.name);
-    });
-    return found == keys.end() ? nullptr : &*found;
+const ForeignKey* DatabaseContents::keyOf(const SourceColumn& column) const {
+    return column.key < 0 ? nullptr : &keys[static_cast<std::size_t>(column.key)];
 }
 
 DatabaseContents readContents(Catalogue& catalogue, Engine engine) {

@@ -2,11 +2,13 @@
 #pragma once
 
 #include "lumora/model/date_storage.h"
+#include "lumora/platform/ascii.h"
 #include "lumora/qtsql/catalogue.h"
 #include "lumora/qtsql/engine.h"
 
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace lumora {
@@ -16,6 +18,7 @@ struct SourceColumn : ColumnInfo {
     std::string caption;             // see filledcaptions.h
     std::string listSQL;             // of the values to choose from; see valuelists.h
     bool isReference = false;        // it refers to a record that is chosen from a list
+    int key = -1;                    // the first foreign key that is this column alone; see keyOf
 };
 
 struct SourceTable {
@@ -23,8 +26,7 @@ struct SourceTable {
     TableInfo info;
     std::vector<SourceColumn> columns;
 
-    SourceColumn* column(std::string_view columnName); // letter case ignored; null when there is none
-    const SourceColumn* column(std::string_view columnName) const;
+    const SourceColumn* column(std::string_view columnName) const; // letter case ignored; null: none
     bool isInPrimaryKey(std::string_view columnName) const;
 };
 
@@ -33,12 +35,11 @@ struct DatabaseContents {
     std::vector<SourceTable> tables;  // views behind tables
     std::vector<ForeignKey> keys;     // between these tables
     std::vector<ForeignKey> lostKeys; // from or to what was left out
+    std::unordered_map<std::string, std::size_t, TNoCaseHash, TNoCaseEqual> places; // of tables, by name
     std::vector<std::string> remarks; // what was left out, and what people should know
 
-    SourceTable* table(std::string_view name); // null when there is none
-    const SourceTable* table(std::string_view name) const;
-    // The first foreign key that is this column alone; null when there is none.
-    const ForeignKey* keyOf(const SourceTable& table, const SourceColumn& column) const;
+    const SourceTable* table(const std::string& name) const;   // letter case ignored; null when there is none
+    const ForeignKey* keyOf(const SourceColumn& column) const; // null when there is none
 };
 
 // Tables and columns that no model can hold (no columns, a name that is empty or has a line break), those

@@ -88,10 +88,10 @@ bool isNumberOrGuid(const SourceColumn& column) {
 
 // --- What a record is known by.
 
-bool isReadableText(const DatabaseContents& contents, const SourceTable& table, const SourceColumn& column) {
+bool isReadableText(const DatabaseContents& contents, const SourceColumn& column) {
     constexpr int longest = 255;
     return column.comparison == Comparison::Text && column.size <= longest && column.storage == dsAsType &&
-           !IsDateOrTime(column.type) && !IsNumber(column.type) && !contents.keyOf(table, column);
+           !IsDateOrTime(column.type) && !IsNumber(column.type) && !contents.keyOf(column);
 }
 
 // The smaller the better; a large number for what tells nothing.
@@ -138,7 +138,7 @@ public:
             plain.insert(readableCaption(column.name));
         for (SourceColumn& column : table_.columns) {
             column.caption = readableCaption(column.name);
-            const ForeignKey* const key = contents_.keyOf(table_, column);
+            const ForeignKey* const key = contents_.keyOf(column);
             const std::string shorter = key ? readableCaption(joined(keyWords(*key))) : std::string();
             if (!shorter.empty() && plain.insert(shorter).second)
                 column.caption = shorter;
@@ -151,7 +151,7 @@ public:
             if (const auto found = std::find(telling.begin(), telling.end(), column.name);
                 found != telling.end())
                 return static_cast<int>(found - telling.begin()) - 2;
-            if (contents_.keyOf(table_, column))
+            if (contents_.keyOf(column))
                 return 1;
             return table_.isInPrimaryKey(column.name) && isNumberOrGuid(column) ? 2 : 0;
         };
@@ -183,7 +183,7 @@ std::vector<std::string> tellingColumns(const DatabaseContents& contents, const 
     const SourceColumn* last = nullptr;
     int bestRank = 100;
     for (const SourceColumn& column : table.columns) {
-        if (!isReadableText(contents, table, column))
+        if (!isReadableText(contents, column))
             continue;
         const Words words = wordsOf(column.name);
         first = !first && isFirstName(words) ? &column : first;

@@ -70,8 +70,9 @@ DatabaseContents read(DatabaseSession& session, const std::string& name) {
 
 void look(DatabaseContents& contents, const DatabaseConnection& connection, const FillSettings& settings) {
     BoundedQueries queries(connection, settings.lookingTime);
-    lookAtDates(contents, queries);
+    lookAtDates(contents, TableKind::Table, queries);
     findValueLists(contents, queries);
+    lookAtDates(contents, TableKind::View, queries);
     if (queries.isTimeUp())
         contents.remarks.emplace_back("There was no time to look at all tables: some lists of values may be "
                                       "missing, and days may be compared otherwise than they are kept");

@@ -33,7 +33,7 @@ public:
 
 private:
     void find(const SourceTable& table, SourceColumn& column) {
-        if (const ForeignKey* const key = contents_.keyOf(table, column)) {
+        if (const ForeignKey* const key = contents_.keyOf(column)) {
             column.listSQL = recordList(*key);
             column.isReference = !column.listSQL.empty();
         } else if (mayHaveFewValues(table, column) && hasFewValues(table, column)) {
