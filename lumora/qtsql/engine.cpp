@@ -1,200 +1,17 @@
 #include "lumora/qtsql/engine.h"
 
 #include "lumora/model/structure.h"
+#include "lumora/qtsql/reservedwords.h"
+
+#include <QSqlDriver>
+#include <QSqlQuery>
+#include <QVariant>
 
 #include <algorithm>
 
 namespace lumora {
 
 namespace {
-
-// Words that are no names without quotes: those that the engines reserve, taken together. A name that is
-// quoted without need means the same.
-constexpr std::string_view reservedWords[] = {"abort",
-                                              "action",
-                                              "add",
-                                              "after",
-                                              "all",
-                                              "alter",
-                                              "always",
-                                              "analyse",
-                                              "analyze",
-                                              "and",
-                                              "any",
-                                              "array",
-                                              "as",
-                                              "asc",
-                                              "asymmetric",
-                                              "attach",
-                                              "authorization",
-                                              "autoincrement",
-                                              "before",
-                                              "begin",
-                                              "between",
-                                              "binary",
-                                              "both",
-                                              "by",
-                                              "cascade",
-                                              "case",
-                                              "cast",
-                                              "check",
-                                              "collate",
-                                              "collation",
-                                              "column",
-                                              "commit",
-                                              "concurrently",
-                                              "conflict",
-                                              "constraint",
-                                              "create",
-                                              "cross",
-                                              "current",
-                                              "current_catalog",
-                                              "current_date",
-                                              "current_role",
-                                              "current_schema",
-                                              "current_time",
-                                              "current_timestamp",
-                                              "current_user",
-                                              "database",
-                                              "default",
-                                              "deferrable",
-                                              "deferred",
-                                              "delete",
-                                              "desc",
-                                              "describe",
-                                              "detach",
-                                              "distinct",
-                                              "do",
-                                              "drop",
-                                              "each",
-                                              "else",
-                                              "end",
-                                              "escape",
-                                              "except",
-                                              "exclude",
-                                              "exclusive",
-                                              "exists",
-                                              "explain",
-                                              "fail",
-                                              "false",
-                                              "fetch",
-                                              "filter",
-                                              "first",
-                                              "following",
-                                              "for",
-                                              "foreign",
-                                              "freeze",
-                                              "from",
-                                              "full",
-                                              "generated",
-                                              "glob",
-                                              "grant",
-                                              "group",
-                                              "groups",
-                                              "having",
-                                              "if",
-                                              "ignore",
-                                              "ilike",
-                                              "immediate",
-                                              "in",
-                                              "index",
-                                              "indexed",
-                                              "initially",
-                                              "inner",
-                                              "insert",
-                                              "instead",
-                                              "intersect",
-                                              "into",
-                                              "is",
-                                              "isnull",
-                                              "join",
-                                              "key",
-                                              "last",
-                                              "lateral",
-                                              "leading",
-                                              "left",
-                                              "like",
-                                              "limit",
-                                              "localtime",
-                                              "localtimestamp",
-                                              "lock",
-                                              "match",
-                                              "materialized",
-                                              "natural",
-                                              "no",
-                                              "not",
-                                              "nothing",
-                                              "notnull",
-                                              "null",
-                                              "nulls",
-                                              "of",
-                                              "offset",
-                                              "on",
-                                              "only",
-                                              "or",
-                                              "order",
-                                              "others",
-                                              "outer",
-                                              "over",
-                                              "overlaps",
-                                              "partition",
-                                              "placing",
-                                              "plan",
-                                              "pragma",
-                                              "preceding",
-                                              "primary",
-                                              "query",
-                                              "raise",
-                                              "range",
-                                              "recursive",
-                                              "references",
-                                              "regexp",
-                                              "reindex",
-                                              "release",
-                                              "rename",
-                                              "replace",
-                                              "restrict",
-                                              "returning",
-                                              "right",
-                                              "rollback",
-                                              "row",
-                                              "rows",
-                                              "savepoint",
-                                              "select",
-                                              "session_user",
-                                              "set",
-                                              "similar",
-                                              "some",
-                                              "symmetric",
-                                              "system_user",
-                                              "table",
-                                              "tablesample",
-                                              "temp",
-                                              "temporary",
-                                              "then",
-                                              "ties",
-                                              "to",
-                                              "trailing",
-                                              "transaction",
-                                              "trigger",
-                                              "true",
-                                              "unbounded",
-                                              "union",
-                                              "unique",
-                                              "update",
-                                              "user",
-                                              "using",
-                                              "vacuum",
-                                              "values",
-                                              "variadic",
-                                              "verbose",
-                                              "view",
-                                              "virtual",
-                                              "when",
-                                              "where",
-                                              "window",
-                                              "with",
-                                              "without"};
 
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
@@ -206,14 +23,42 @@ bool isUpper(char c) {
     return c >= 'A' && c <= 'Z';
 }
 
-bool isReserved(std::string_view name) {
-    return std::binary_search(std::begin(reservedWords), std::end(reservedWords), LowerAscii(name));
+bool answers(const QSqlDatabase& database, const char* question, QLatin1StringView part) {
+    QSqlQuery query(database);
+    return query.exec(QLatin1StringView(question)) && query.next() &&
+           query.value(0).toString().contains(part, Qt::CaseInsensitive);
+}
+
+// Qt knows some engines behind ODBC; others tell when they are asked.
+Engine askEngine(const QSqlDatabase& database) {
+    switch (database.driver()->dbmsType()) {
+    case QSqlDriver::PostgreSQL:
+        return Engine::PostgreSql;
+    case QSqlDriver::MySqlServer:
+        return Engine::MySql;
+    case QSqlDriver::UnknownDbms:
+        break;
+    default:
+        return Engine::Other;
+    }
+    if (answers(database, "select sqlite_version()", QLatin1StringView(".")))
+        return Engine::Sqlite;
+    return answers(database, "select version()", QLatin1StringView("MariaDB")) ? Engine::MySql
+                                                                               : Engine::Other;
 }
 
 } // namespace
 
+// ODBC leads to any engine.
 Engine engineOf(const QSqlDatabase& database) {
-    return engineOf(database.driverName());
+    static constexpr const char* known =
+        "lumoraEngine"; // by the driver, of which each connection has its own
+    if (database.driverName() != QLatin1StringView("QODBC") || !database.isOpen())
+        return engineOf(database.driverName());
+    QSqlDriver& driver = *database.driver();
+    if (!driver.property(known).isValid())
+        driver.setProperty(known, static_cast<int>(askEngine(database)));
+    return static_cast<Engine>(driver.property(known).toInt());
 }
 
 Engine engineOf(const QString& driver) {
@@ -247,7 +92,7 @@ bool needsQuotes(Engine engine, std::string_view name) {
         return isLower(c) || isDigit(c) || c == '_' || (isUpper(c) && !foldsCase);
     };
     return name.empty() || isDigit(name.front()) || !std::all_of(name.begin(), name.end(), isNameChar) ||
-           isReserved(name);
+           isReservedWord(engine, name);
 }
 
 void prepareModel(TVCustomDBStructure& model, Engine engine) {

@@ -14,8 +14,9 @@ class TVCustomDBStructure;
 
 enum class Engine { Sqlite, PostgreSql, MySql, Other };
 
+// Behind ODBC an open connection is asked.
 Engine engineOf(const QSqlDatabase& database);
-// The engine that a driver of Qt's, "QPSQL", is for.
+// The engine that a driver of Qt's, "QPSQL", is for; Other for ODBC, which leads to any.
 Engine engineOf(const QString& driver);
 
 // The dialect in which statements for the engine are written.

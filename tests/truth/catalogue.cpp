@@ -91,11 +91,11 @@ const std::vector<VirtualField> virtualFields = {
      {"employees.first_name", "employees.last_name"},
      joinNames},
     {"(bosses.first_name || ' ' || bosses.last_name)", {"bosses.first_name", "bosses.last_name"}, joinNames},
-    {"round(lines.quantity * lines.unit_price * (1 - lines.discount), 2)", // quarters at most: nothing is cut
-     {"lines.quantity", "lines.unit_price", "lines.discount"},
+    {"round(items.quantity * items.unit_price * (1 - items.discount), 2)", // quarters at most: nothing is cut
+     {"items.quantity", "items.unit_price", "items.discount"},
      [](const Cells& c) { return anyNull(c) ? Cell() : number(c[0]) * number(c[1]) * (1 - number(c[2])); }},
-    {"round(products.list_price - lines.unit_price, 2)",
-     {"products.list_price", "lines.unit_price"},
+    {"round(products.list_price - items.unit_price, 2)",
+     {"products.list_price", "items.unit_price"},
      [](const Cells& c) { return anyNull(c) ? Cell() : number(c[0]) - number(c[1]); }},
     {"cast(julianday(date(shipments.shipped_at)) - julianday(orders.order_date) as integer)",
      {"shipments.shipped_at", "orders.order_date"},

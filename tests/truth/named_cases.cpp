@@ -69,8 +69,9 @@ bool hasOddAlias(const TVQueryPanel& panel, const Engine&) {
 
 const std::vector<NamedCase> namedCases = {
     {"second alias of a table", "it counts as the first and is not joined", Effect::differs, Effect::differs,
-     hasTableTwice},
+     Effect::differs, hasTableTwice},
     {"list of a type without quotes", "it swallows the whole condition", Effect::differs, Effect::refused,
+     Effect::differs,
      [](const TVQueryPanel& panel, const Engine& engine) {
          return anyValue(panel, [&](const ConditionValue& value) {
              return value.kind == vkList &&
@@ -78,19 +79,20 @@ const std::vector<NamedCase> namedCases = {
          });
      }},
     {"empty list of texts", "in () is no SQL; SQLite takes it for a list of nothing", Effect::none,
-     Effect::refused,
+     Effect::refused, Effect::refused,
      [](const TVQueryPanel& panel, const Engine&) {
          return anyValue(panel, [](const ConditionValue& value) {
              return value.kind == vkList && isTextType(value.type) && value.texts.empty();
          });
      }},
-    {"empty decimal", "nothing stands in its place", Effect::refused, Effect::refused,
+    {"empty decimal", "nothing stands in its place", Effect::refused, Effect::refused, Effect::refused,
      [](const TVQueryPanel& panel, const Engine&) {
          return anyValue(panel, [](const ConditionValue& value) {
              return value.kind == vkScalar && value.type == ftBCD && value.texts[0].empty();
          });
      }},
     {"empty date or time", "00/00/00 is no date; SQLite compares texts", Effect::none, Effect::refused,
+     Effect::differs,
      [](const TVQueryPanel& panel, const Engine&) {
          return anyValue(panel, [](const ConditionValue& value) {
              const bool empty =
@@ -98,29 +100,35 @@ const std::vector<NamedCase> namedCases = {
              return IsDateOrTime(value.type) && empty;
          });
      }},
-    {"SQL for a number", "it goes in as it was typed", Effect::differs, Effect::differs,
+    {"SQL for a number", "it goes in as it was typed", Effect::differs, Effect::differs, Effect::differs,
      [](const TVQueryPanel& panel, const Engine&) {
          return anyValue(panel, [](const ConditionValue& value) {
              return value.kind == vkScalar && !value.texts[0].empty() &&
                     !meaningOf(value.type, value.texts[0], false);
          });
      }},
-    {"template with an or", "a joining AND binds closer", Effect::differs, Effect::differs, hasBareOr},
-    {"alias that is no name", "it goes in as it stands", Effect::refused, Effect::refused, hasOddAlias},
+    {"template with an or", "a joining AND binds closer", Effect::differs, Effect::differs, Effect::differs,
+     hasBareOr},
+    {"alias that is no name", "it goes in as it stands", Effect::refused, Effect::refused, Effect::refused,
+     hasOddAlias},
     {"alias that is a reserved word", "PostgreSQL takes any word behind as", Effect::refused, Effect::none,
-     [](const TVQueryPanel& panel, const Engine&) {
+     Effect::refused,
+     [](const TVQueryPanel& panel, const Engine& engine) {
          return !panel.GetQResult().GetResultFields().JustSorting &&
                 !panel.GetSQLOptions().Contains(soQuoteAliases) &&
-                anyField(panel, [](const TResultField& field) { return field.GetAlias() == "order"; });
+                anyField(panel, [&](const TResultField& field) {
+                    return field.GetAlias() == "order" || (!engine.joinsFull && field.GetAlias() == "Column");
+                });
      }},
     {"formula sorted by name", "its first field is what it is sorted by", Effect::differs, Effect::differs,
+     Effect::differs,
      [](const TVQueryPanel& panel, const Engine&) {
          return anyField(panel, [&](const TResultField& field) {
              return isSortedByName(panel, field) && field.GetFormula() != "@1";
          });
      }},
     {"aggregate by its text", "\"sum(\" in a text counts, \"count (\" does not", Effect::differs,
-     Effect::differs,
+     Effect::differs, Effect::differs,
      [](const TVQueryPanel& panel, const Engine&) {
          return anyField(panel, [](const TResultField& field) {
              return field.GetFormula().find("sum('") != std::string::npos ||
@@ -128,7 +136,7 @@ const std::vector<NamedCase> namedCases = {
          });
      }},
     {"distinct rows sorted by an expression", "PostgreSQL wants it in the select list, and that is *",
-     Effect::none, Effect::refused, sortsDistinctByExpression},
+     Effect::none, Effect::refused, Effect::refused, sortsDistinctByExpression},
 };
 
 bool sortsDistinctByExpression(const TVQueryPanel& panel, const Engine&) {

@@ -13,9 +13,14 @@ struct NamedCase {
     const char* reason;
     Effect sqlite;
     Effect postgres;
+    Effect mariaDb;
     bool (*applies)(const TVQueryPanel& panel, const Engine& engine);
 
-    Effect effect(const Engine& engine) const { return engine.quotesBooleans ? postgres : sqlite; }
+    Effect effect(const Engine& engine) const {
+        return engine.name == sqliteEngine.name     ? sqlite
+               : engine.name == postgresEngine.name ? postgres
+                                                    : mariaDb;
+    }
 };
 
 extern const std::vector<NamedCase> namedCases;

@@ -10,16 +10,19 @@
 namespace lumora::truth {
 
 // What engines do each in their own way. What else they differ in is evened out: SQLite's "like" by its
-// pragma, PostgreSQL's collation by the cluster's locale, sums and averages by amounts that are multiples of
-// a half and by the ten digits that are compared, the functions of dates by functions of the same names.
+// pragma, the order of texts by PostgreSQL's locale and MariaDB's collation, sums and averages by amounts
+// that are multiples of a half and by the ten digits that are compared, the functions of dates by functions
+// of the same names.
 struct Engine {
     std::string name;
-    bool nullsFirst;     // in ascending order
-    char likeEscape;     // 0 for none
-    bool quotesBooleans; // as the model is set for it: SQLite's booleans are numbers
+    bool nullsFirst;       // in ascending order
+    char likeEscape;       // 0 for none
+    bool quotesBooleans;   // as the model is set for it: SQLite's and MariaDB's booleans are numbers
+    bool joinsFull = true; // MariaDB doesn't
 };
 inline const Engine sqliteEngine = {"SQLite", true, 0, false};
 inline const Engine postgresEngine = {"PostgreSQL", false, '\\', true};
+inline const Engine mariaDbEngine = {"MariaDB", true, '\\', false, false};
 
 struct AnswerRow {
     std::string shown;

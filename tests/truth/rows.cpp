@@ -1,5 +1,6 @@
 #include "tests/truth/rows.h"
 
+#include "lumora/qtsql/engine.h"
 #include "tests/cli_process.h"
 
 #include <QDateTime>
@@ -19,6 +20,7 @@ Cell toCell(const QVariant& value) {
         return {};
     switch (value.typeId()) {
     case QMetaType::QString:
+    case QMetaType::QByteArray: // a text of MariaDB's that is compared by its bytes
         return value.toString().toStdString();
     case QMetaType::QDate:
         return value.toDate().toString("yyyy-MM-dd").toStdString();
@@ -83,12 +85,17 @@ std::vector<Table> readTables(const QSqlDatabase& sqlite) {
 
 namespace {
 
-// SQLite's types are PostgreSQL's but for this: round(x, 2) is there for numeric only.
-std::string postgresType(const std::string& type) {
-    return type == "REAL" ? "NUMERIC" : type;
+bool isMariaDb(const QSqlDatabase& server) {
+    return engineOf(server) == lumora::Engine::MySql;
 }
 
-// A text, of which PostgreSQL makes what the column holds.
+// SQLite's types are the servers' but for these: PostgreSQL's round(x, 2) is there for numeric only, and
+// MariaDB's timestamp begins in 1970.
+std::string serverType(const std::string& type, bool mariaDb) {
+    return type == "REAL" ? "DECIMAL(20,6)" : type == "TIMESTAMP" && mariaDb ? "DATETIME" : type;
+}
+
+// A text, of which a server makes what the column holds.
 std::string literal(const Cell& cell) {
     if (isNull(cell))
         return "NULL";
@@ -98,29 +105,31 @@ std::string literal(const Cell& cell) {
     return quoted + "'";
 }
 
-void copyTable(const QSqlDatabase& postgres, const Table& table) {
+void copyTable(const QSqlDatabase& server, const Table& table) {
     const std::string name = "\"" + table.name + "\"";
     std::string columns;
     for (const Column& column : table.columns)
-        columns += (columns.empty() ? "\"" : ", \"") + column.name + "\" " + postgresType(column.type);
-    runStatement(postgres, "create table " + name + " (" + columns + ")");
+        columns += (columns.empty() ? "\"" : ", \"") + column.name + "\" " +
+                   serverType(column.type, isMariaDb(server));
+    runStatement(server, "create table " + name + " (" + columns + ")");
+    std::string rows;
     for (const Cells& row : table.rows) {
         std::string values;
         for (const Cell& cell : row)
             values += (values.empty() ? "" : ", ") + literal(cell);
-        runStatement(postgres, "insert into " + name + " values (" + values + ")");
+        rows += (rows.empty() ? "(" : ", (") + values + ")";
     }
-    runStatement(postgres, "analyze " + name);
+    runStatement(server, "insert into " + name + " values " + rows);
+    runStatement(server, std::string(isMariaDb(server) ? "analyze table " : "analyze ") + name);
 }
 
 } // namespace
 
-void fillPostgres(const QSqlDatabase& postgres, const std::vector<Table>& tables) {
-    runScript(postgres, tests::readFile(LUMORA_TRUTH "/prepare_postgres.sql"));
-    runStatement(postgres, "begin");
+void fillServer(const QSqlDatabase& server, const std::vector<Table>& tables) {
+    const std::string script = isMariaDb(server) ? "/prepare_mariadb.sql" : "/prepare_postgres.sql";
+    runScript(server, tests::readFile(LUMORA_TRUTH + script));
     for (const Table& table : tables)
-        copyTable(postgres, table);
-    runStatement(postgres, "commit");
+        copyTable(server, table);
 }
 
 } // namespace lumora::truth

@@ -1,4 +1,4 @@
-// The shop's rows: made in an SQLite file, copied to PostgreSQL, and held in memory for the reference.
+// The shop's rows: made in an SQLite file, copied to servers, and held in memory for the reference.
 #pragma once
 
 #include "tests/truth/values.h"
@@ -28,7 +28,7 @@ struct Table {
 void prepareShop(const QSqlDatabase& sqlite);
 std::vector<Table> readTables(const QSqlDatabase& sqlite);
 // Makes the tables and the functions that the sample model takes from SQLite.
-void fillPostgres(const QSqlDatabase& postgres, const std::vector<Table>& tables);
+void fillServer(const QSqlDatabase& server, const std::vector<Table>& tables);
 
 // The rows of a statement. std::runtime_error with the engine's message when it refuses it.
 std::vector<Cells> runStatement(const QSqlDatabase& database, const std::string& sql);

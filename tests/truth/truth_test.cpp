@@ -1,6 +1,8 @@
-// Random queries on the sample shop: what SQLite and PostgreSQL give for the SQL is what the rows of the
+// Random queries on the sample shop: what the engines give for the SQL is what the rows of the
 // query ask for. LUMORA_TRUTH_QUERIES sets their number, LUMORA_TRUTH_SEED the first one's seed.
+#include "lumora/qtsql/databaseconnection.h"
 #include "lumora/query/errors.h"
+#include "tests/mariadb_server.h"
 #include "tests/postgres_server.h"
 #include "tests/truth/named_cases.h"
 #include "tests/truth/random_query.h"
@@ -8,17 +10,21 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <unordered_map>
 
 using namespace lumora;
 using namespace lumora::truth;
+using lumora::tests::MariaDbServer;
 using lumora::tests::PostgresConnection;
 using lumora::tests::PostgresServer;
 using lumora::tests::TemporaryFolder;
 
 namespace {
+
+using lumora::truth::Engine;
 
 class SqliteShop {
 public:
@@ -40,9 +46,11 @@ private:
     TemporaryFolder folder_;
 };
 
-// The sample model with what its own text lacks: templates with an "or".
+// The sample model with what its own text lacks: templates with an "or". MariaDB reserves its alias "lines".
 void loadModel(TVDBStructure& model) {
-    model.LoadFromFile(LUMORA_SAMPLES "/orders.model");
+    QString text = QString::fromStdString(tests::readFile(LUMORA_SAMPLES "/orders.model"));
+    text.replace(QRegularExpression("(?<!Order )\\blines\\b"), "items");
+    model.LoadFromStrings(TStringList(text.toStdString()));
     model.GetSQLFormats().SetTime("hh:nn:ss");
     model.GetSQLFormats().SetDateTime("yyyy-mm-dd hh:nn:ss");
     model.AddOperator("EqualOrNull", "is missing or equal to", "@f = '@1' or @f is null", "", LmCommonTypes);
@@ -147,6 +155,15 @@ std::string queryText(TVQueryPanel& panel) {
     return lines.GetText();
 }
 
+// MariaDB 10.11 shows one group's average for others too when a function of a sum is beside it and only
+// distinct rows are asked for.
+void avoidWrongAverages(TVQueryPanel& panel) {
+    const TRFieldList& fields = panel.GetQResult().GetResultFields();
+    for (int i = 0; i < fields.Count(); ++i)
+        if (fields.GetRField(i)->GetFormula() == "round(sum(@1), 2)")
+            panel.SetSQLOptions(panel.GetSQLOptions() - TSQLOptions{soSelectDistinct});
+}
+
 void TruthTest::ask(const QSqlDatabase& database, const Engine& engine, unsigned seed, Tally& tally) {
     for (std::size_t i = 0; i < linkTypes_.size(); ++i)
         model_.GetLink(static_cast<int>(i))->LinkType = linkTypes_[i];
@@ -155,6 +172,12 @@ void TruthTest::ask(const QSqlDatabase& database, const Engine& engine, unsigned
     panel.SetStrict(seed % 3 != 0);
     panel.Activate();
     makeRandomQuery(panel, tables_, seed);
+    if (!engine.joinsFull) {
+        avoidWrongAverages(panel);
+        for (int i = 0; i < model_.GetLinkCount(); ++i)
+            if (model_.GetLink(i)->LinkType == ltOuterFull)
+                model_.GetLink(i)->LinkType = ltOuterLeft;
+    }
     ++tally.asked;
     SCOPED_TRACE(engine.name + ", " + (panel.GetStrict() ? "strict" : "plain") + ", seed " +
                  std::to_string(seed));
@@ -215,7 +238,8 @@ void TruthTest::compare(TVQueryPanel& panel, const QSqlDatabase& database, const
 
 void TruthTest::askAll(const QSqlDatabase& database, const Engine& engine) {
     const unsigned defaultCount = 3000;
-    const unsigned count = fromEnvironment("LUMORA_TRUTH_QUERIES", defaultCount);
+    const unsigned usualCount = engine.joinsFull ? defaultCount : 1000; // MariaDB is slow without indexes
+    const unsigned count = fromEnvironment("LUMORA_TRUTH_QUERIES", usualCount);
     const unsigned first = fromEnvironment("LUMORA_TRUTH_SEED", 1);
     model_.SetQuotedTypes(engine.quotesBooleans ? DefaultQuotedTypes
                                                 : DefaultQuotedTypes - TQuotedTypes{ftBoolean});
@@ -242,8 +266,17 @@ TEST_F(TruthTest, PostgresGivesWhatTheRowsSay) {
     if (!server)
         GTEST_SKIP() << PostgresServer::notInstalled;
     const PostgresConnection postgres(*server);
-    fillPostgres(postgres.connection(), tables_);
+    fillServer(postgres.connection(), tables_);
     askAll(postgres.connection(), postgresEngine);
+}
+
+TEST_F(TruthTest, MariaDbGivesWhatTheRowsSay) {
+    const MariaDbServer* const server = MariaDbServer::get();
+    if (!server)
+        GTEST_SKIP() << MariaDbServer::notInstalled;
+    const DatabaseConnection mariaDb(parseDatabase(server->url()), DatabaseConnection::Access::ReadWrite);
+    fillServer(mariaDb.connection(), tables_);
+    askAll(mariaDb.connection(), mariaDbEngine);
 }
 
 } // namespace
