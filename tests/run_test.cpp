@@ -16,6 +16,7 @@
 #include <chrono>
 #include <memory>
 #include <thread>
+#include <tuple>
 
 namespace lumora::tests {
 namespace {
@@ -201,6 +202,19 @@ TEST_F(PostgresRun, MemoryStaysFlat) {
 
 #endif
 
+TEST_F(SqliteRun, ParametersAreNotCut) {
+    make({"create table t (id integer, seen timestamp, at time)",
+          "insert into t values (1, '2024-02-29 08:05:01', '08:05:01')"});
+    useTable("t", {{"id", integer}, {"seen", 11}, {"at", 10}});
+    for (const auto& [field, value] : std::vector<std::pair<int, std::string>>{
+             {2, "2024-02-29 08:05:01"}, {3, "8:05:01"}, {3, "8:05:01.000"}}) {
+        useQuery({1}, {{field, "Equal", "P", true}});
+        EXPECT_EQ(outputOf({"--format=csv", "--param", "p=" + value}), "id\n1\n") << value;
+        EXPECT_NE(run({"--param", "p=" + value.substr(0, value.find('.')) + ".5"}).err.find("Invalid value"),
+                  std::string::npos);
+    }
+}
+
 // --- Signals and terminals.
 
 TEST_F(SqliteRun, SignalsCancel) {
@@ -342,16 +356,18 @@ TEST_F(PostgresRun, EveryFormatKeepsEveryValue) {
 TEST_F(PostgresRun, ParametersTakeTheColumnsTypes) {
     connection_->execute(
         "create table if not exists typed (id int, open boolean, price numeric(30,2), big bigint,"
-        " made date, at time, seen timestamp, name text, key uuid)");
+        " made date, at time, seen timestamp, name text, key uuid, kept timestamptz, zoned timetz,"
+        " fine timestamp)");
     connection_->execute("truncate typed");
     connection_->execute(
         "insert into typed values (1, true, 12345678901234567890.10, -9007199254740993, '2024-02-29',"
         " '08:05', '2024-02-29 08:05:01', 'O''Hara \"x\" \\ ?', "
-        "'a0eebc99-9c0b-4ef8-bb6d-6bb9bd380a11'), (2, false, 0.1, 3, '2025-01-01', '09:00',"
-        " '2025-01-01', 'a', null)");
-    const std::vector<std::pair<std::string, int>> fields = {{"id", integer}, {"open", 5},    {"price", 8},
-                                                             {"big", 25},     {"made", 9},    {"at", 10},
-                                                             {"seen", 11},    {"name", text}, {"key", 38}};
+        "'a0eebc99-9c0b-4ef8-bb6d-6bb9bd380a11', '2024-02-29 08:05:01.123456+02', '12:30:01.5+02',"
+        " '2024-02-29 08:05:01.123456'), (2, false, 0.1, 3, '2025-01-01', '09:00',"
+        " '2025-01-01', 'a', null, 'infinity', '00:00:00+00', '0044-03-15 12:00:00 BC')");
+    const std::vector<std::pair<std::string, int>> fields = {
+        {"id", integer}, {"open", 5},    {"price", 8}, {"big", 25},  {"made", 9},   {"at", 10},
+        {"seen", 11},    {"name", text}, {"key", 38},  {"kept", 11}, {"zoned", 10}, {"fine", 11}};
     useTable("typed", fields);
     const std::pair<int, std::string> cases[] = {{1, "1"},
                                                  {2, "True"},
@@ -368,6 +384,24 @@ TEST_F(PostgresRun, ParametersTakeTheColumnsTypes) {
     }
     useQuery({1}, {{3, "Equal", "P", true}});
     EXPECT_EQ(outputOf({"--format=csv", "--param=p=0.1"}), "id\n2\n");
+    // As "run" prints them.
+    const std::tuple<int, std::string, std::string> moments[] = {{10, "2024-02-29 06:05:01.123456+00", "1\n"},
+                                                                 {10, "2024-02-29 08:05:01.123456+02", "1\n"},
+                                                                 {10, "infinity", "2\n"},
+                                                                 {11, "12:30:01.5+02", "1\n"},
+                                                                 {11, "12:30:01.5", ""},
+                                                                 {12, "2024-02-29 08:05:01.123456", "1\n"},
+                                                                 {12, "2024-02-29 08:05:01.123456+02", ""},
+                                                                 {12, "0044-03-15 12:00:00 BC", "2\n"}};
+    for (const auto& [field, value, rows] : moments) {
+        useQuery({1}, {{field, "Equal", "P", true}});
+        const ProcessResult result =
+            run({"--format=csv", "--param", "p=" + value}, {.environment = {"PGTZ=UTC"}});
+        EXPECT_EQ(result.out + result.err, "id\n" + rows) << field << " " << value;
+    }
+    useQuery({1}, {{5, "Equal", "P", true}});
+    EXPECT_NE(run({"--param", "p=2024-02-29 08:05:01.5"}).err.find("Invalid value"), std::string::npos)
+        << "a day keeps no time";
     useQuery({1}, {{8, "Contains", "P", true}});
     EXPECT_EQ(outputOf({"--format=csv", "--param=p=' or 1=1 --"}), "id\n");
 }

@@ -4,6 +4,7 @@
 #include "lumora/qtsql/catalogues.h"
 #include "lumora/qtsql/databaseerror.h"
 #include "lumora/qtsql/queryrunner.h"
+#include "lumora/qtsql/serverstatement.h"
 
 #include <QDateTime>
 #include <QRegularExpression>
@@ -69,9 +70,14 @@ private:
     std::string missing_;
 };
 
+// SQLite's dates are texts, and those of servers come as texts too; other drivers have types of Qt's for
+// them.
 QString fieldText(const QVariant& value) {
-    return value.typeId() == QMetaType::QDateTime ? value.toDateTime().toString(u"yyyy-MM-dd HH:mm:ss"_s)
-                                                  : value.toString();
+    if (value.typeId() != QMetaType::QDateTime)
+        return value.toString();
+    const QDateTime moment = value.toDateTime();
+    return moment.toString(moment.time().msec() == 0 ? u"yyyy-MM-dd HH:mm:ss"_s
+                                                     : u"yyyy-MM-dd HH:mm:ss.zzz"_s);
 }
 
 class SessionQuery : public TQuery {
@@ -81,7 +87,8 @@ public:
     void Open() override {
         checkStatement(SQL);
         guarded(session_, DatabaseName, [this](const QSqlDatabase& connection) {
-            QSqlQuery query = execute(connection, QString::fromStdString(SQL));
+            QSqlQuery query(connection);
+            executePositional(query, connection, {QString::fromStdString(SQL), {}}, -1, true);
             eof_ = !nextRow(query);
             query_ = std::move(query);
         });

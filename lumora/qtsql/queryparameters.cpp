@@ -3,6 +3,7 @@
 #include "lumora/platform/ascii.h"
 #include "lumora/platform/convert.h"
 #include "lumora/qtsql/databaseerror.h"
+#include "lumora/qtsql/enginemoments.h"
 #include "lumora/qtsql/placeholders.h"
 #include "lumora/query/date_values.h"
 #include "lumora/query/errors.h"
@@ -12,6 +13,7 @@
 #include <QByteArrayView>
 
 #include <algorithm>
+#include <cmath>
 #include <unordered_set>
 
 namespace lumora {
@@ -59,13 +61,30 @@ QVariant numberOf(TFieldType type, const std::string& text, Engine engine) {
     return TryStrToFloat(text).value_or(0);
 }
 
+// Whether a date or time has more than the form in which it stands for the database.
+bool isCut(TFieldType type, std::string_view text, std::string_view sql, const TSQLFormats& formats) {
+    const std::optional<TReadDateTime> given = ReadDateTime(text);
+    const std::optional<TReadDateTime> kept = ReadSQLDate(formats, type, sql);
+    if (!given || !kept || given->Precision == dpFiner)
+        return true;
+    const double days = type == ftTime ? std::floor(given->Value) - std::floor(kept->Value) : 0;
+    constexpr double millisecond = 1.0 / (24 * 60 * 60 * 1000);
+    return std::abs(given->Value - days - kept->Value) > millisecond / 2;
+}
+
 // The value of a type whose form is checked, in the form that the database knows.
 std::string checkedValue(const TSQLParam& parameter, std::string_view text, const TSQLFormats& formats) {
     const TFieldType type = parameter.GetDataType();
     text = Trim(text);
+    const std::string caption = parameter.GetCondition().GetCaptionText();
     if (!IsValidValue(type, text))
-        RaiseInvalidValue(text, parameter.GetCondition().GetCaptionText());
-    return IsDateOrTime(type) ? DateValueToSQL(formats, type, text, ssSQL2, true) : std::string(text);
+        RaiseInvalidValue(text, caption);
+    if (!IsDateOrTime(type))
+        return std::string(text);
+    std::string sql = DateValueToSQL(formats, type, text, ssSQL2, true);
+    if (isCut(type, text, sql, formats))
+        RaiseInvalidValue(text, caption);
+    return sql;
 }
 
 // The pattern tells whether the value stands alone or among other text, wildcards for example.
@@ -73,6 +92,9 @@ QVariant boundValue(TSQLParam& parameter, const GivenParameter& given, const TSQ
                     Engine engine) {
     const TFieldType type = parameter.GetDataType();
     const bool isChecked = IsCheckedType(type);
+    if (parameter.ValueFormat == "@v")
+        if (const std::optional<QVariant> moment = engineMoment(type, Trim(given.value), engine))
+            return *moment;
     parameter.Value = isChecked ? checkedValue(parameter, given.value, formats) : std::string(given.value);
     if (isChecked && !IsDateOrTime(type) && parameter.ValueFormat == "@v")
         return numberOf(type, parameter.Value, engine);

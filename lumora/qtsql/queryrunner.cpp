@@ -5,12 +5,13 @@
 #include "lumora/qtsql/engine.h"
 #include "lumora/qtsql/placeholders.h"
 #include "lumora/qtsql/querycanceller.h"
+#include "lumora/qtsql/serverstatement.h"
 #include "lumora/sqlparse/Vscanner.h"
 
-#include <QSqlField>
 #include <QSqlQuery>
 #include <QSqlRecord>
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -30,12 +31,7 @@ std::string withoutEnd(const std::string& sql) {
                : sql.substr(0, static_cast<std::size_t>(scanner.Token().Text.data() - sql.data()));
 }
 
-// A statement whose named placeholders have become "?", which every driver takes, and what stands for them.
-struct PositionalStatement {
-    QString text;
-    QList<QVariant> values;
-};
-
+// The statement whose named placeholders have become "?".
 PositionalStatement toPositional(const std::string& sql, const QVariantMap& parameters) {
     std::unordered_map<std::string, QVariant, TNoCaseHash, TNoCaseEqual> values;
     for (auto parameter = parameters.cbegin(); parameter != parameters.cend(); ++parameter)
@@ -49,70 +45,33 @@ PositionalStatement toPositional(const std::string& sql, const QVariantMap& para
             throw DatabaseError(
                 DatabaseError::Kind::Invalid,
                 QStringLiteral("No value for the placeholder :%1").arg(QString::fromUtf8(placeholder.name)));
-        statement.values.append(value->second);
-        text.append(sql, copied, placeholder.position - copied).append("?");
+        text.append(sql, copied, placeholder.position - copied);
+        if (const QVariant& given = value->second; given.metaType() == QMetaType::fromType<TypedText>()) {
+            statement.values.append(given.value<TypedText>().text);
+            text.append("cast(? as ").append(given.value<TypedText>().type.toStdString()).append(")");
+        } else {
+            statement.values.append(given);
+            text.append("?");
+        }
         copied = placeholder.position + 1 + placeholder.name.size();
     }
     statement.text = QString::fromStdString(text.append(sql, copied));
     return statement;
 }
 
-// Without values nothing is prepared: a "?" may be an operator then.
-void executePositional(QSqlQuery& query, const PositionalStatement& statement) {
-    query.setForwardOnly(true);
-    query.setNumericalPrecisionPolicy(QSql::HighPrecision);
-    bool done = statement.values.isEmpty() ? query.exec(statement.text) : query.prepare(statement.text);
-    for (const QVariant& value : statement.values)
-        query.addBindValue(value);
-    if (done && !statement.values.isEmpty())
-        done = query.exec();
-    if (!done)
-        throw DatabaseError(query);
+// Qt's driver for MySQL takes a text for bytes when its column is compared byte by byte.
+QVariant mySqlValue(const QVariant& value) {
+    if (value.typeId() != QMetaType::QByteArray || value.isNull())
+        return value;
+    const QByteArray bytes = value.toByteArray();
+    const bool isText =
+        QUtf8StringView(bytes).isValidUtf8() && std::none_of(bytes.begin(), bytes.end(), [](char c) {
+            return (c >= 0 && c < ' ' && c != '\t' && c != '\n' && c != '\r') || c == 127;
+        });
+    return isText ? QString::fromUtf8(bytes) : value;
 }
 
-bool isTime(const QSqlField& column) {
-    const int type = column.metaType().id();
-    return type == QMetaType::QDate || type == QMetaType::QTime || type == QMetaType::QDateTime;
-}
-
-QString quoted(QString name) {
-    return '"' + name.replace('"', "\"\"") + '"';
-}
-
-// The columns of a statement for PostgreSQL around it: `columns` are its own.
-QString castColumns(const QSqlRecord& columns, const QString& statement) {
-    QStringList names;
-    QStringList casts;
-    for (int i = 0; i < columns.count(); ++i) {
-        const QString name = QStringLiteral("lumora_%1").arg(i + 1);
-        names.append(name);
-        casts.append(name + QLatin1StringView(isTime(columns.field(i)) ? "::text as " : " as ") +
-                     quoted(columns.fieldName(i)));
-    }
-    return "select " + casts.join(", ") + " from (\n" + statement + "\n) as lumora_rows(" + names.join(", ") +
-           ')';
-}
-
-// PostgreSQL sends whatever a statement gives, so it is told the limit too.
-PositionalStatement forPostgres(const QSqlDatabase& database, PositionalStatement statement,
-                                const RunSettings& settings) {
-    const QString all = "select * from (\n" + statement.text + "\n) as lumora_rows limit ";
-    bool isCast = false;
-    if (settings.timesAsText) {
-        QSqlQuery description(database);
-        executePositional(description, {all + '0', statement.values});
-        const QSqlRecord columns = description.record();
-        for (int i = 0; i < columns.count(); ++i)
-            isCast = isCast || isTime(columns.field(i));
-        if (isCast)
-            statement.text = castColumns(columns, statement.text);
-    }
-    if (settings.limit >= 0)
-        statement.text = (isCast ? statement.text + " limit " : all) + QString::number(settings.limit);
-    return statement;
-}
-
-qint64 receiveRows(QSqlQuery& query, const RowReceiver& receiver, qint64 limit,
+qint64 receiveRows(QSqlQuery& query, Engine engine, const RowReceiver& receiver, qint64 limit,
                    const QueryCanceller::Running& running) {
     const QSqlRecord columns = query.record();
     QList<QVariant> values(columns.count());
@@ -121,8 +80,10 @@ qint64 receiveRows(QSqlQuery& query, const RowReceiver& receiver, qint64 limit,
         receiver.columns(columns);
         for (; count != limit && query.next(); ++count) {
             running.check();
-            for (qsizetype i = 0; i < values.size(); ++i)
-                values[i] = query.value(static_cast<int>(i));
+            for (qsizetype i = 0; i < values.size(); ++i) {
+                const QVariant value = query.value(static_cast<int>(i));
+                values[i] = engine == Engine::MySql ? mySqlValue(value) : value;
+            }
             receiver.row(values);
         }
     } catch (...) { // the driver would read all rows to come
@@ -162,11 +123,9 @@ qint64 runQuery(const QSqlDatabase& database, const QString& statement, const QV
     const QueryCanceller::Running running(settings.canceller);
     running.check();
     try {
-        if (engineOf(database) == Engine::PostgreSql)
-            positional = forPostgres(database, std::move(positional), settings);
         QSqlQuery query(database);
-        executePositional(query, positional);
-        return receiveRows(query, receiver, settings.limit, running);
+        executePositional(query, database, std::move(positional), settings.limit, settings.timesAsText);
+        return receiveRows(query, engineOf(database), receiver, settings.limit, running);
     } catch (const DatabaseError&) { // of a statement that was stopped, the engine says so in its own way
         running.check();
         throw;

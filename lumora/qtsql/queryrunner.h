@@ -24,10 +24,16 @@ struct RowReceiver {
 
 class QueryCanceller;
 
+// A parameter whose type the engine is told: it stands as "cast(? as TYPE)".
+struct TypedText {
+    QString text;
+    QString type;
+};
+
 struct RunSettings {
     qint64 limit = -1; // stop after so many rows, unless it is negative
-    // Dates and times that Qt's types would cut (PostgreSQL's microseconds, zones, infinity) come as the
-    // engine writes them.
+    // Dates and times that Qt's types would cut (microseconds, zones, infinity) come as the engine writes
+    // them.
     bool timesAsText = false;
     QueryCanceller* canceller = nullptr;
 };
@@ -43,3 +49,5 @@ qint64 runQuery(const QSqlDatabase& database, const QString& statement, const QV
                 const RowReceiver& receiver, const RunSettings& settings = {});
 
 } // namespace lumora
+
+Q_DECLARE_METATYPE(lumora::TypedText)
