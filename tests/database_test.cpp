@@ -317,7 +317,8 @@ TEST_P(FilledModel, FailuresAreClearAndTheSessionGoesOn) {
         EXPECT_EQ(MessageOf<DatabaseError>([&] { fillModel(model_, info_, session_); }),
                   "Cannot open database \"" + folder_ / "shop.sqlite" + "\": file is not a database");
         std::filesystem::remove(folder_ / "shop.sqlite");
-        DatabaseConnection(parameters_, DatabaseConnection::Access::Create);
+        const DatabaseConnection anew(parameters_, DatabaseConnection::Access::Create);
+        execute(anew.connection(), "create table t (x integer)");
     }
     info_.GetSQLValues("select 1, 2", values, captions);
     EXPECT_EQ(info_.GetLastError(), "");

@@ -16,6 +16,7 @@
 #include "lumora/query/query_result.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace lumora::cli {
 
@@ -107,12 +108,18 @@ void writeRows(const DatabaseConnection& connection, const Statement& statement,
 void printRows(const Arguments& arguments, Output& output) {
     const RunOptions options(arguments);
     const DatabaseParameters database = parseDatabase(arguments[0]);
-    const Statement statement = makeStatement(arguments, options, engineOf(database.driver));
+    // What is wrong with a query is said before a database is asked, which only ODBC needs to know its
+    // engine.
+    std::optional<Statement> statement;
+    if (database.driver != QLatin1StringView("QODBC"))
+        statement = makeStatement(arguments, options, engineOf(database.driver));
 
     const QuickInterruption interruption;
     const QtApplication application;
     const DatabaseConnection connection(database);
-    writeRows(connection, statement, options, output);
+    if (!statement)
+        statement = makeStatement(arguments, options, connection.engine());
+    writeRows(connection, *statement, options, output);
 }
 
 std::vector<OptionSpec> runOptionSpecs() {

@@ -69,8 +69,8 @@ public:
     virtual std::vector<ForeignKey> foreignKeys() = 0;
 };
 
-// For an open connection. SQLite and PostgreSQL are read in full; of other databases what their driver tells,
-// without foreign keys.
+// For an open connection. SQLite, PostgreSQL, MySQL and MariaDB are read in full, over ODBC too; of other
+// databases what their driver tells, and foreign keys where they have the standard's information schema.
 std::unique_ptr<Catalogue> openCatalogue(const QSqlDatabase& database);
 
 // The type of a numeric column with that many digits, of which `scale` stand behind the point; 0 digits: any

@@ -1,16 +1,14 @@
 #include "lumora/qtsql/databaseconnection.h"
 
 #include "lumora/qtsql/databaseerror.h"
+#include "lumora/qtsql/sqlitefile.h"
 
 #include <QSqlQuery>
 
 #include <atomic>
-#include <filesystem>
-#include <system_error>
 
 namespace lumora {
 
-namespace fs = std::filesystem;
 using namespace Qt::StringLiterals;
 using Access = DatabaseConnection::Access;
 
@@ -26,18 +24,9 @@ QString newConnectionName() {
                         u"Cannot open database \"%1\": %2"_s.arg(parameters.label(), reason));
 }
 
-// SQLite would make a file that is missing, and takes some names (":memory:") for none: it gets the whole
-// path of a file.
-QString sqliteFile(const DatabaseParameters& parameters, Access access) {
-    const fs::path path = parameters.databaseName.toStdString();
-    std::error_code error;
-    const fs::file_status status = fs::status(path, error);
-    if (fs::is_directory(status))
-        failToOpen(parameters, u"it is a directory"_s);
-    if (!fs::exists(status) && access != Access::Create)
-        failToOpen(parameters,
-                   error ? QString::fromStdString(error.message()) : u"No such file or directory"_s);
-    return QString::fromStdString(fs::absolute(path, error).string());
+// The driver writes "DSN=" before what is no connection string to its eyes.
+QString odbcSource(const QString& text) {
+    return text.startsWith("DSN="_L1, Qt::CaseInsensitive) ? text.mid(4) : text;
 }
 
 QString joinOptions(const QString& options, const QString& more) {
@@ -47,14 +36,18 @@ QString joinOptions(const QString& options, const QString& more) {
 void setUp(QSqlDatabase& database, const DatabaseParameters& parameters, Access access) {
     QString options = parameters.connectOptions;
     if (parameters.driver == "QSQLITE"_L1) {
-        database.setDatabaseName(sqliteFile(parameters, access));
-        if (access == Access::ReadOnly)
-            options = joinOptions(options, u"QSQLITE_OPEN_READONLY"_s);
+        const SqliteFile file(parameters, access);
+        database.setDatabaseName(file.name);
+        options = joinOptions(options, file.options);
+    } else if (parameters.driver == "QODBC"_L1) {
+        database.setDatabaseName(odbcSource(parameters.databaseName));
     } else {
         database.setDatabaseName(parameters.databaseName);
     }
     if (parameters.driver == "QPSQL"_L1 && !options.contains("connect_timeout"_L1))
         options = joinOptions(options, u"connect_timeout=15"_s);
+    if (parameters.driver == "QMYSQL"_L1 && !options.contains("MYSQL_OPT_CONNECT_TIMEOUT"_L1))
+        options = joinOptions(options, u"MYSQL_OPT_CONNECT_TIMEOUT=15"_s);
     database.setHostName(parameters.hostName);
     database.setPort(parameters.port);
     database.setUserName(parameters.userName);
@@ -64,11 +57,13 @@ void setUp(QSqlDatabase& database, const DatabaseParameters& parameters, Access 
 
 // What has to be said to an engine before anything else. SQLite looks into its file only now. Servers are
 // told to take quotes, backslashes and "||" as standard SQL has them, and not to write where we only read.
-QStringList firstStatements(Engine engine, Access access) {
+QStringList firstStatements(const QSqlDatabase& database, Access access) {
     const bool readOnly = access == Access::ReadOnly;
-    switch (engine) {
+    switch (engineOf(database)) {
     case Engine::Sqlite:
-        return {u"select count(*) from sqlite_master"_s, u"pragma foreign_keys=on"_s};
+        return {u"select count(*) from sqlite_master"_s, u"pragma foreign_keys=on"_s,
+                u"pragma query_only=%1"_s.arg(readOnly ? "on"_L1
+                                                       : "off"_L1)}; // for ODBC, which opens for writing
     case Engine::PostgreSql:
         return {u"set standard_conforming_strings = on"_s,
                 u"set default_transaction_read_only = %1"_s.arg(readOnly ? "on"_L1 : "off"_L1)};
@@ -87,7 +82,7 @@ QString tryToOpen(const QString& connectionName, const DatabaseParameters& param
     setUp(database, parameters, access);
     if (!database.open())
         return reasonOf(database.lastError());
-    for (const QString& statement : firstStatements(engineOf(database), access)) {
+    for (const QString& statement : firstStatements(database, access)) {
         QSqlQuery query(database);
         if (!query.exec(statement))
             return reasonOf(query.lastError());
@@ -111,7 +106,7 @@ DatabaseConnection::DatabaseConnection(const DatabaseParameters& parameters, Acc
     if (reason.isEmpty())
         return;
     QSqlDatabase::removeDatabase(connectionName_);
-    failToOpen(parameters, reason);
+    failToOpen(parameters, parameters.driver == "QSQLITE"_L1 ? sqliteReason(parameters, reason) : reason);
 }
 
 DatabaseConnection::~DatabaseConnection() {

@@ -2,6 +2,7 @@
 
 #include "lumora/qtsql/databaseerror.h"
 
+#include <QRegularExpression>
 #include <QStringList>
 #include <QUrl>
 #include <QUrlQuery>
@@ -24,6 +25,13 @@ const Scheme schemes[] = {{"postgresql"_L1, "QPSQL"_L1},
                           {"mysql"_L1, "QMYSQL"_L1},
                           {"mariadb"_L1, "QMYSQL"_L1}};
 constexpr auto odbcPrefix = "odbc:"_L1;
+constexpr auto filePrefix = "file:"_L1;
+constexpr auto immutableEnd = "?immutable=1"_L1;
+
+// The one form of SQLite's own addresses that says more than a path does.
+bool isImmutableFile(const QString& text) {
+    return text.startsWith(filePrefix) && text.endsWith(immutableEnd);
+}
 
 // The text before "://"; empty when that is no name of a scheme.
 QString schemeOf(const QString& text) {
@@ -73,9 +81,22 @@ DatabaseParameters parseUrl(const QString& text, const QString& driver) {
 
 } // namespace
 
+namespace {
+
+QString withoutPassword(const QString& connectionString) {
+    static const QRegularExpression password(
+        u"(^|;)\\s*(pwd|password)\\s*=\\s*(\\{([^}]|\\}\\})*\\}|[^;]*)"_s,
+        QRegularExpression::CaseInsensitiveOption);
+    return QString(connectionString).remove(password);
+}
+
+} // namespace
+
 QString DatabaseParameters::label() const {
-    if (driver == "QSQLITE"_L1 || driver == "QODBC"_L1)
+    if (driver == "QSQLITE"_L1)
         return databaseName;
+    if (driver == "QODBC"_L1)
+        return withoutPassword(databaseName);
     QString text = databaseName;
     if (!hostName.isEmpty())
         text += " on "_L1 + hostName;
@@ -86,7 +107,7 @@ QString DatabaseParameters::label() const {
 
 bool isDatabaseUrl(const std::string& text) {
     const QString url = QString::fromStdString(text);
-    return !schemeOf(url).isEmpty() || url.startsWith(odbcPrefix);
+    return !schemeOf(url).isEmpty() || url.startsWith(odbcPrefix) || isImmutableFile(url);
 }
 
 DatabaseParameters parseDatabase(const std::string& pathOrUrl) {
@@ -95,6 +116,12 @@ DatabaseParameters parseDatabase(const std::string& pathOrUrl) {
     if (text.startsWith(odbcPrefix)) {
         parameters.driver = u"QODBC"_s;
         parameters.databaseName = text.mid(odbcPrefix.size());
+        return parameters;
+    }
+    if (isImmutableFile(text)) {
+        parameters.driver = u"QSQLITE"_s;
+        parameters.databaseName = text.mid(filePrefix.size()).chopped(immutableEnd.size());
+        parameters.immutable = true;
         return parameters;
     }
     const QString scheme = schemeOf(text);

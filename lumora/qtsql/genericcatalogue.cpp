@@ -2,6 +2,7 @@
 
 #include "lumora/qtsql/catalogues.h"
 #include "lumora/qtsql/databaseerror.h"
+#include "lumora/qtsql/tablename.h"
 
 #include <QSqlField>
 #include <QSqlRecord>
@@ -9,6 +10,8 @@
 namespace lumora {
 
 namespace {
+
+using namespace Qt::StringLiterals;
 
 ColumnInfo describe(const QSqlField& field) {
     ColumnInfo column;
@@ -89,9 +92,49 @@ public:
         return columns;
     }
 
-    std::vector<ForeignKey> foreignKeys() override { return {}; }
+    // As the standard's information schema has them, where there is one.
+    std::vector<ForeignKey> foreignKeys() override {
+        try {
+            return readForeignKeys();
+        } catch (const DatabaseError&) {
+            return {};
+        }
+    }
 
 private:
+    // A driver may put the schema before the name of a table, and may not.
+    static std::string modelName(const std::vector<std::string>& names, const std::string& schema,
+                                 const std::string& table) {
+        for (const std::string& name : names)
+            if (const TableName parts = fromModelName(name);
+                parts.name == table && (parts.schema.empty() || parts.schema == schema))
+                return name;
+        return {};
+    }
+
+    std::vector<ForeignKey> readForeignKeys() {
+        const std::vector<std::string> names = tables(false);
+        QSqlQuery query = execute(
+            database_,
+            u"select k.table_schema, k.table_name, r.table_schema, r.table_name, k.ordinal_position,"
+            " k.column_name, r.column_name from information_schema.referential_constraints c"
+            " join information_schema.key_column_usage k on k.constraint_schema = c.constraint_schema"
+            "  and k.constraint_name = c.constraint_name"
+            " join information_schema.key_column_usage r on r.constraint_schema = c.unique_constraint_schema"
+            "  and r.constraint_name = c.unique_constraint_name"
+            "  and r.ordinal_position = k.position_in_unique_constraint"
+            " order by k.table_schema, k.table_name, k.constraint_name, k.ordinal_position"_s);
+        std::vector<ForeignKey> keys;
+        while (nextRow(query)) {
+            const std::string table = modelName(names, textOf(query, 0), textOf(query, 1));
+            const std::string referenced = modelName(names, textOf(query, 2), textOf(query, 3));
+            if (!table.empty() && !referenced.empty())
+                addKeyColumn(keys, query.value(4).toInt() == 1, table, referenced, textOf(query, 5),
+                             textOf(query, 6));
+        }
+        return keys;
+    }
+
     const QSqlDatabase database_;
 };
 
