@@ -5,7 +5,9 @@
 #include "tests/fixtures.h"
 
 #include <gtest/gtest.h>
+
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <thread>
@@ -307,15 +309,28 @@ TEST_F(FolderBase, OfThoseWhoSaveAtOnceOneWins) {
 
 TEST_F(FolderBase, LocksLeftBehindAreBroken) {
     fs::create_directory(Folder / ".lumora-lock");
-    Put(".lumora-lock/crashed", "");
+    Put(".lumora-lock/crashed", "bob on attic, process 7");
+    std::vector<std::string> owners;
+    Ann.OnStaleLock = [&](const std::string& owner) { owners.push_back(owner); };
+    for (const char* const name : {"b.qry.new", "b.qry.new12", "b.qry.newer", "b.new", "young.qry.new"})
+        Put(name, "half");
+    for (const auto& entry : fs::directory_iterator(Folder / ""))
+        if (entry.path().filename() != "young.qry.new")
+            fs::last_write_time(entry.path(), entry.last_write_time() - std::chrono::hours(1));
     Ann.AddQuery("a", TStringList(TextOf("")));
-    EXPECT_EQ(Files(), "a.qry|");
+    EXPECT_EQ(Files(), "a.qry|b.new|b.qry.newer|young.qry.new|") << "what a killed program left is cleared";
+    for (const char* const name : {"b.qry.newer", "b.new", "young.qry.new"})
+        fs::remove(Folder / name);
     {
         const TFolderLock held(Path, std::chrono::milliseconds(50));
         EXPECT_NO_THROW(held.CheckHeld());
         Ann.AddQuery("b", TStringList(TextOf(""))); // takes the holder for dead
         EXPECT_THROW(held.CheckHeld(), EFileError);
     }
+    ASSERT_EQ(owners.size(), 2u);
+    EXPECT_EQ(owners[0], "bob on attic, process 7");
+    EXPECT_NE(owners[1].find(", process " + std::to_string(getpid()) + ", since 20"), std::string::npos)
+        << owners[1];
     EXPECT_EQ(Files(), "a.qry|b.qry|");
     Put(".lumora-lock", "no lock of ours");
     EXPECT_THROW(Ann.AddQuery("c", TStringList(TextOf(""))), EFileError);

@@ -9,6 +9,9 @@
 
 #include <QSqlField>
 
+#include <chrono>
+#include <thread>
+
 namespace lumora::cli {
 
 namespace {
@@ -56,15 +59,36 @@ TStringList readQueryText(const std::string& fileName) {
     return content;
 }
 
+// Whoever saves the query between our reading and our writing was first; then it is our turn.
+void replaceQuery(const QueryBase& base, const std::string& name, const TStringList& content) {
+    constexpr std::chrono::seconds patience(10);
+    const auto start = std::chrono::steady_clock::now();
+    for (;;) {
+        try {
+            if (base.find(name) < 0)
+                base->AddQuery(name, content);
+            else
+                base.query(name).SaveContent(content);
+            return;
+        } catch (const EVQueryBaseError& error) {
+            if (error.Code != qbeConflict || std::chrono::steady_clock::now() - start > patience)
+                throw;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        base->Close();
+        base->Open();
+    }
+}
+
 void saveQuery(const Arguments& arguments, Output&) {
     const TStringList content = readQueryText(arguments[2]);
     const QueryBase base(arguments[0], Access::Create);
-    if (base.find(arguments[1]) < 0)
-        base->AddQuery(arguments[1], content);
-    else if (arguments.has("--replace"))
-        base.query(arguments[1]).SaveContent(content);
-    else
+    if (base.find(arguments[1]) >= 0 && !arguments.has("--replace"))
         throw Exception(FormatText(Message(msgQueryExists), {arguments[1]}) + " (use --replace)");
+    if (arguments.has("--replace"))
+        replaceQuery(base, arguments[1], content);
+    else
+        base->AddQuery(arguments[1], content);
 }
 
 void deleteQuery(const Arguments& arguments, Output&) {

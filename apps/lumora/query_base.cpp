@@ -5,6 +5,7 @@
 #include "lumora/querybase/folder_base.h"
 
 #include <filesystem>
+#include <iostream>
 #include <system_error>
 
 namespace lumora::cli {
@@ -49,6 +50,10 @@ QueryBase::QueryBase(const std::string& name, Access access) {
 void QueryBase::openFolder(const std::string& folder) {
     auto base = std::make_unique<TVFolderQueryBase>();
     base->SetFolder(folder);
+    base->OnStaleLock = [folder](const std::string& owner) {
+        std::cerr << "lumora: Took over the lock of folder \"" << folder << "\", which was left behind by "
+                  << owner << '\n';
+    };
     base_ = std::move(base);
 }
 

@@ -106,6 +106,36 @@ void TVFolderQueryBase::ReadStored(TStoredQuery& query, TStringList& content) {
 
 // --- Writing.
 
+namespace {
+
+// "X.qry.new", "X.qry.new1": what a program that was killed while it wrote a query left beside it.
+bool IsLeftover(std::string_view fileName) {
+    const std::size_t end = fileName.rfind(".new");
+    return end != std::string_view::npos && IsQueryFileName(fileName.substr(0, end)) &&
+           fileName.find_first_not_of("0123456789", end + 4) == std::string_view::npos;
+}
+
+// Those that somebody may still be writing without the lock stay.
+void ClearLeftovers(const std::string& folder, fs::file_time_type now) {
+    std::error_code error;
+    for (fs::directory_iterator entries(folder, error); !error && entries != fs::directory_iterator();
+         entries.increment(error)) {
+        std::error_code ignored;
+        const fs::directory_entry& entry = *entries;
+        const bool isOld = entry.last_write_time(ignored) + std::chrono::minutes(1) < now && !ignored;
+        if (IsLeftover(entry.path().filename().string()) && entry.is_regular_file(ignored) && isOld)
+            fs::remove(entry.path(), ignored);
+    }
+}
+
+} // namespace
+
+void TVFolderQueryBase::BeginWriting(const TFolderLock& lock) const {
+    if (OnStaleLock && !lock.BrokenOwner().empty())
+        OnStaleLock(lock.BrokenOwner());
+    ClearLeftovers(folder_, lock.Begin());
+}
+
 std::optional<std::string> TVFolderQueryBase::PresentStamp(const TStoredQuery& query) const {
     const std::string path = PathOf(query);
     return Exists(path) ? std::optional(StampOf(ReadQueryFile(path))) : std::nullopt;
@@ -118,6 +148,7 @@ void TVFolderQueryBase::WriteStored(TStoredQuery& query, const TStoredQuery* old
     const bool moves = !old || old->Place != query.Place;
     const std::string text = content.GetText();
     const TFolderLock lock(folder_, LockPatience);
+    BeginWriting(lock);
     if (old && !force)
         CheckUnchanged(*old, PresentStamp(*old));
     if (moves && !force && Exists(path) && !(old && IsSameFile(PathOf(*old), path)))
@@ -148,6 +179,7 @@ void TVFolderQueryBase::RemoveMoved(const TStoredQuery& old, const TStoredQuery&
 void TVFolderQueryBase::EraseStored(const TStoredQuery& query, bool force) {
     const std::string path = PathOf(query);
     const TFolderLock lock(folder_, LockPatience);
+    BeginWriting(lock);
     if (!force)
         CheckUnchanged(query, PresentStamp(query));
     lock.CheckHeld();

@@ -4,11 +4,14 @@
 #include "lumora/querybase/stored_base.h"
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace lumora {
+
+class TFolderLock;
 
 // The queries are the files "*.qry"; their names are those of the files (see query_file_name.h). A file that
 // is no query text, or that cannot be read, is listed too. Files are written whole, or not at all. EFileError
@@ -26,6 +29,8 @@ public:
 
     // How long to wait for a program that has the folder locked, before it is taken for dead.
     std::chrono::milliseconds LockPatience{5000};
+    // Told whose lock was broken, in a line, when a program had left one behind.
+    std::function<void(const std::string& owner)> OnStaleLock;
 
 protected:
     std::vector<TStoredQuery> ListStored() override;
@@ -36,6 +41,7 @@ protected:
 
 private:
     std::string PathOf(const TStoredQuery& query) const;
+    void BeginWriting(const TFolderLock& lock) const;
     TStoredQuery Listed(const std::string& fileName) const;
     std::optional<std::string> PresentStamp(const TStoredQuery& query) const;
     void RemoveMoved(const TStoredQuery& old, const TStoredQuery& query) const;

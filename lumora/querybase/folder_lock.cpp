@@ -1,6 +1,8 @@
 #include "lumora/querybase/folder_lock.h"
 
 #include "lumora/platform/errors.h"
+#include "lumora/platform/text_file.h"
+#include "lumora/querybase/lock_owner.h"
 
 #include <cerrno>
 #include <cstring>
@@ -33,6 +35,16 @@ std::string HolderOf(const fs::path& lock) {
     return error || entries == fs::directory_iterator() ? std::string() : entries->path().filename().string();
 }
 
+// What the holder wrote of itself.
+std::string OwnerOf(const fs::path& lock, const std::string& holder) {
+    try {
+        const std::string owner = holder.empty() ? holder : ReadTextFile((lock / holder).string());
+        return owner.empty() ? "a program that did not say whose it is" : owner;
+    } catch (const EFileError&) {
+        return "a program that ended meanwhile";
+    }
+}
+
 } // namespace
 
 TFolderLock::TFolderLock(const std::string& folder, std::chrono::milliseconds patience)
@@ -54,6 +66,11 @@ void TFolderLock::CheckHeld() const {
                          "\": another program took it over; try again");
 }
 
+fs::file_time_type TFolderLock::Begin() const {
+    std::error_code error;
+    return fs::last_write_time(lock_ / mark_, error);
+}
+
 bool TFolderLock::TryToLock() {
     std::error_code error;
     const bool made = fs::create_directory(lock_, error);
@@ -64,7 +81,7 @@ bool TFolderLock::TryToLock() {
     if (!made)
         return false;
     errno = 0;
-    if (std::ofstream(lock_ / mark_))
+    if (std::ofstream(lock_ / mark_) << ThisLockOwner())
         return true;
     const int reason = errno;
     fs::remove(lock_, error);
@@ -85,8 +102,8 @@ void TFolderLock::Wait(std::chrono::milliseconds patience) {
             seen = now;
         }
         if (now - start >= MaxWaits * patience)
-            throw EFileError("Cannot write to folder \"" + folder_ + "\": other programs keep it locked (" +
-                             lock_.string() + ")");
+            throw EFileError("Cannot write to folder \"" + folder_ + "\": it is locked by " +
+                             OwnerOf(lock_, holder) + " (" + lock_.string() + ")");
         std::this_thread::sleep_for(Pause);
     }
 }
@@ -100,10 +117,12 @@ void TFolderLock::Break(const std::string& holder) {
     fs::rename(lock_, broken, error);
     if (error)
         return;
-    if (HolderOf(broken) == holder)
+    if (HolderOf(broken) == holder) {
+        brokenOwner_ = OwnerOf(broken, holder);
         fs::remove_all(broken, error);
-    else
+    } else {
         fs::rename(broken, lock_, error);
+    }
 }
 
 } // namespace lumora

@@ -21,6 +21,11 @@ public:
     // EFileError when someone took this program for one that ended, and broke the lock. To be asked just
     // before something is replaced.
     void CheckHeld() const;
+    // Whose lock was broken to make this one: "ann on office-pc, process 4711, since ..."; empty when none
+    // was.
+    const std::string& BrokenOwner() const { return brokenOwner_; }
+    // When it was made, by the clock of the folder's files.
+    std::filesystem::file_time_type Begin() const;
 
 private:
     bool TryToLock();
@@ -29,7 +34,8 @@ private:
 
     const std::string folder_;
     const std::filesystem::path lock_;
-    const std::string mark_; // the name of a file in the lock; it says whose it is
+    const std::string mark_; // the name of a file in the lock, which holds whose it is
+    std::string brokenOwner_;
 };
 
 } // namespace lumora
