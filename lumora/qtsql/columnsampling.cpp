@@ -15,7 +15,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr std::int64_t smallTable = 100000; // rows
+constexpr std::int64_t smallTable = 20000; // rows
 
 // What kinds of values there are, told by SQL: "%1" is the rows. Days as numbers are those of which each
 // digit is right (19960708).
