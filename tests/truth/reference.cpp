@@ -245,6 +245,18 @@ private:
         return isWholeDay ? truth::text(meaning).substr(0, 10) : meaning;
     }
 
+    // A strict query finds "%" and "_" as they stand.
+    Test likeTest(const Read& read, std::string pattern, const std::string& part) const {
+        const bool strict = panel_.GetStrict();
+        for (const char c : part) {
+            if (strict && std::string_view("%_!").find(c) != std::string_view::npos)
+                pattern += '!';
+            pattern += c;
+        }
+        return [read, escape = strict ? '!' : engine_.likeEscape,
+                pattern = pattern + "%"](const JoinedRow& row) { return like(read(row), pattern, escape); };
+    }
+
     Test simpleTest(const TSimpleCond& condition, const std::vector<Cells>& values) const {
         static const std::map<std::string, std::string> signs = {
             {"Equal", "="},        {"NotEqual", "<>"},   {"LessThan", "<"},
@@ -265,10 +277,7 @@ private:
         else if (base == "InList" || base == "InSubQuery")
             test = [read, list](const JoinedRow& row) { return in(read(row), list); };
         else if (base == "StartsWith" || base == "Contains")
-            test = [read, escape = engine_.likeEscape,
-                    pattern = (base == "Contains" ? "%" : "") + text(first) + "%"](const JoinedRow& row) {
-                return like(read(row), pattern, escape);
-            };
+            test = likeTest(read, base == "Contains" ? "%" : "", text(first));
         else if (base == "Between")
             test = [read, first, last = values.at(1).at(0)](const JoinedRow& row) {
                 const Cell cell = read(row);

@@ -29,8 +29,8 @@ namespace {
 
 // "2024-07-01", and the same with a time behind it when `size` is 19.
 bool isMoment(const Cell& cell, std::size_t size) {
-    return std::holds_alternative<std::string>(cell) && text(cell).size() == size && text(cell)[4] == '-' && text(cell)[7] == '-' &&
-           (size == 10 || text(cell)[13] == ':');
+    return std::holds_alternative<std::string>(cell) && text(cell).size() == size && text(cell)[4] == '-' &&
+           text(cell)[7] == '-' && (size == 10 || text(cell)[13] == ':');
 }
 
 } // namespace
