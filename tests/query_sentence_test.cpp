@@ -56,6 +56,16 @@ TEST_F(QuerySentenceTest, TellsTotalsAndWhatTheyAreFor) {
     Distinct();
     EXPECT_EQ(Shown(),
               "Show Worth (round(sum(amount), 2)) and Year for each placed, each different row once");
+    // A group that is not shown may give equal rows; a column that is not grouped by shows any one record.
+    Columns().Clear();
+    Add("year(@1)", "orders.placed", "Year")->SetGrouping(cgKey);
+    EXPECT_EQ(Shown(), "Show Year");
+    Add("sum(@1)", "orders.amount", "Sum of amount");
+    EXPECT_EQ(Shown(), "Show the sum of amount for each Year");
+    Columns().GetRField(0)->SetHidden(true);
+    Add("@1", "orders.custno", "Number")->SetGrouping(cgAny);
+    EXPECT_EQ(Shown(), "Show the sum of amount and any one Number for each Year, each different row once");
+    shop_.Panel.SetSQLOptions({});
     // Fields of one caption are told apart.
     Columns().Clear();
     Add("max(@1)", "customers.custno", "A");

@@ -47,14 +47,16 @@ class TColumnTeller {
 public:
     explicit TColumnTeller(const TRFieldList& columns) : columns_(columns) {
         for (int i = 0; i < columns.Count(); ++i)
-            groups_ = groups_ || Column(i).GetAgregate();
+            groups_ = groups_ || Column(i).GetAgregate() || Column(i).GetGrouping() == cgKey;
     }
 
     // A row for each group comes once by itself, if what makes the groups is what is shown.
     bool ShowsGroupsOnce() const {
-        for (int i = 0; groups_ && i < columns_.Count(); ++i)
-            if (!Column(i).GetAgregate() && TotalOf(Column(i)) != ctValue)
+        for (int i = 0; groups_ && i < columns_.Count(); ++i) {
+            const bool isWhole = TotalOf(Column(i)) == ctValue || Column(i).GetGrouping() == cgKey;
+            if (IsGroup(Column(i)) && (Column(i).GetHidden() || !isWhole))
                 return false;
+        }
         return groups_;
     }
 
@@ -64,12 +66,14 @@ public:
         TWords groups;
         const bool once = ShowsGroupsOnce();
         for (int i = 0; i < columns_.Count(); ++i) {
-            const bool isGroup = groups_ && !Column(i).GetAgregate();
+            const bool isGroup = IsGroup(Column(i));
             if (isGroup)
                 AddGroup(groups, Column(i));
-            if (!isGroup || !once)
+            if (!Column(i).GetHidden() && (!isGroup || !once))
                 shown.push_back(Words(Column(i)));
         }
+        if (shown.empty()) // groups without totals
+            return Enumeration(std::move(groups));
         const std::string text = Enumeration(std::move(shown));
         return groups.empty() ? text
                               : FormatText(Message(msgForEach), {text, Enumeration(std::move(groups))});
@@ -97,9 +101,15 @@ public:
 private:
     const TResultField& Column(int index) const { return *columns_.GetRField(index); }
 
+    bool IsGroup(const TResultField& column) const {
+        return groups_ && !column.GetAgregate() && column.GetGrouping() != cgAny;
+    }
+
     // A formula of one value is as its caption says; one with a total says how it counts.
     std::string Words(const TResultField& column) const {
         const TColumnTotal total = TotalOf(column);
+        if (groups_ && column.GetGrouping() == cgAny)
+            return FormatText(Message(msgAnyOneOf), {column.GetCaption()});
         if (total == ctValue || (total == ctFormula && !column.GetAgregate()))
             return column.GetCaption();
         if (total == ctFormula)
@@ -136,9 +146,9 @@ private:
         return ScreenCaption(words);
     }
 
-    // Groups are made by the fields, whatever a formula makes of them.
+    // Groups are made by the fields, whatever a formula makes of them, unless the column says otherwise.
     static void AddGroup(TWords& groups, const TResultField& column) {
-        if (TotalOf(column) == ctValue)
+        if (TotalOf(column) == ctValue || column.GetGrouping() == cgKey)
             return AddOnce(groups, column.GetCaption());
         for (const TDSField* const field : column.GetFields())
             AddOnce(groups, field->GetDisplayName());
@@ -167,10 +177,10 @@ public:
         TWords parts;
         for (int i = 1; i < tables_.Count(); ++i) {
             const TResultTable& item = tables_.GetItem(i);
-            if (!item.Link || KeepsBefore(item))
+            if (!item.Link || item.Kind == jkLeft || item.Kind == jkFull)
                 continue;
             Need(needed, item);
-            if (item.Link->LinkType != ltInner)
+            if (item.Kind == jkRight)
                 parts.push_back(FormatText(Message(msgAlsoWithout),
                                            {Name(*item.Table), Name(*item.Link->Neighbour(item.Table))}));
         }
@@ -185,13 +195,6 @@ public:
 
 private:
     static const std::string& Name(const TDSTable& table) { return table.GetDisplayName(); }
-
-    // Whether records of the tables before it stay where the table has none that fits.
-    static bool KeepsBefore(const TResultTable& item) {
-        const bool isSecond = item.Link->Table2 == item.Table;
-        return item.Link->LinkType == ltOuterFull ||
-               item.Link->LinkType == (isSecond ? ltOuterLeft : ltOuterRight);
-    }
 
     // The table, and those through which it is reached from the first: without them there is nothing to fit.
     void Need(std::vector<const TDSTable*>& needed, const TResultTable& item) const {

@@ -114,6 +114,7 @@ std::vector<TMessageRecord>& Records() {
         {msgAverageWords, "", "the average of %s"},
         {msgLeastWords, "", "the least %s"},
         {msgGreatestWords, "", "the greatest %s"},
+        {msgAnyOneOf, "", "any one %s"},
         {msgRecordsWord, "", "records"},
         {msgValuesOf, "", "values of %s"},
         {msgDifferentOnes, "", "different %s"},

@@ -111,6 +111,7 @@ enum TMessageId : int {
     msgAverageWords,
     msgLeastWords,
     msgGreatestWords,
+    msgAnyOneOf,
     msgRecordsWord,
     msgValuesOf,
     msgDifferentOnes,

@@ -243,6 +243,8 @@ QVariant ResultColumnsModel::data(const QModelIndex& index, int role) const {
     case Shown:
         if (!display)
             return static_cast<int>(aggregate(row));
+        if (field(row).GetHidden())
+            return tr("not shown");
         return aggregate(row) == Custom ? formulaText(row) : aggregateName(aggregate(row));
     case Sorting: {
         const TSortingType sorting = field(row).GetSorting();
