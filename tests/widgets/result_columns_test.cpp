@@ -107,6 +107,9 @@ TEST_F(ResultColumns, LeaveFormulasOfTheirOwnAlone) {
     EXPECT_FALSE(columns().flags(columns().index(0, Model::Shown)) & Qt::ItemIsEditable);
     columns().setAggregate(0, Model::Custom);
     EXPECT_EQ(state(), "Worth=round(sum(@1), 2); ");
+    EXPECT_EQ(cell(0, Model::Shown).toString(), "round(sum(amount), 2)");
+    shop.Panel.GetQResult().GetResultFields().GetRField(0)->SetHidden(true);
+    EXPECT_EQ(cell(0, Model::Shown).toString(), "not shown");
 }
 
 TEST_F(ResultColumns, SortingHasAnOrderWithoutGaps) {
