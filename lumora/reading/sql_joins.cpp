@@ -2,9 +2,8 @@
 
 #include "lumora/model/structure.h"
 #include "lumora/query/errors.h"
-#include "lumora/query/filter_rows.h"
 #include "lumora/query/query_result.h"
-#include "lumora/sqlparse/Vscanner.h"
+#include "lumora/query/shown_tables.h"
 #include "lumora/support/string_helpers.h"
 
 #include <algorithm>
@@ -13,336 +12,392 @@ namespace lumora {
 
 namespace {
 
-// Two comparisons that differ only in blanks and letter case are one.
-std::string KeyOf(const TSQLCondition& condition) {
-    std::string key;
-    AppendFoldedBlanks(key, condition.Left);
-    AppendFoldedBlanks(key, condition.Operator);
-    AppendFoldedBlanks(key, condition.Value);
-    return key;
+bool IsConjunction(const TSQLBracket& bracket) {
+    return !bracket.Negated && (bracket.Operator != "or" || bracket.GetCount() < 2);
 }
 
-// The comparisons of a bracket that joins them all by "and"; false when it holds anything else.
-bool CollectComparisons(const TSQLBracket& bracket, std::vector<std::string>& keys) {
-    if (bracket.Negated || (bracket.Operator == "or" && bracket.GetCount() > 1))
-        return false;
-    for (const TSQLConditionNode* node = bracket.GetFirst(); node; node = node->GetNext()) {
-        if (node->IsBracket()) {
-            if (!CollectComparisons(static_cast<const TSQLBracket&>(*node), keys))
-                return false;
-        } else if (static_cast<const TSQLCondition*>(node)->Negated) {
-            return false;
-        } else {
-            keys.push_back(KeyOf(static_cast<const TSQLCondition&>(*node)));
-        }
+std::string_view Mirrored(std::string_view op) {
+    if (op.empty() || (op[0] != '<' && op[0] != '>') || op == "<>")
+        return op;
+    static constexpr std::string_view pairs[][2] = {{"<", ">"}, {"<=", ">="}, {">", "<"}, {">=", "<="}};
+    for (const auto& [one, other] : pairs)
+        if (op == one)
+            return other;
+    return op;
+}
+
+TJoinKind KindOf(TSQLWord word) {
+    switch (word) {
+    case swLeft:
+        return jkLeft;
+    case swRight:
+        return jkRight;
+    case swFull:
+        return jkFull;
+    default:
+        return jkInner;
     }
-    return true;
 }
 
-// What the generator writes for a link is read by the parser that reads the statement, so both look alike.
-std::vector<std::string> ComparisonsOf(const TDSLink& link, TSQLSyntax syntax) {
-    std::vector<std::string> keys;
-    TVSQLParser parser;
-    parser.SetStrict(true);
-    parser.SetSQLText("select * from t where " + link.GetSQLExpr(syntax, nqStrict));
-    try {
-        parser.Parse();
-        CollectComparisons(*parser.GetResult().RootBracket, keys);
-    } catch (const ESQLParserError&) {
-        // A link that no statement can hold.
-    }
-    std::sort(keys.begin(), keys.end());
-    return keys;
+bool SameSQL(std::string_view a, std::string_view b) {
+    return FoldBlanks(a) == FoldBlanks(b);
 }
 
-// A name as the parser gives it: without quotes around it, doubled ones inside as one.
-std::string NameOf(const TToken& token) {
-    const std::string_view name = token.Name();
-    return token.Kind == tkQuotedIdentifier ? ReplaceText(name, "\"\"", "\"") : std::string(name);
-}
-
-// The same of a name with dots, and whatever stands behind it.
-std::string NameIn(const std::string& text) {
-    TVScanner scanner(text);
-    std::string name = NameOf(scanner.Token());
-    for (scanner.Next(); scanner.Token().IsSymbol('.'); scanner.Next())
-        (name += '.') += NameOf(scanner.Next());
-    return name;
-}
-
-// The table that is written under this name. In the model an alias may have quotes of its own.
-TDSTable* TableByAlias(const TVCustomDBStructure& model, std::string_view alias) {
-    if (TDSTable* const table = model.TableByName(tnAlias, alias))
-        return table;
-    for (int i = 0; i < model.GetTableCount(); ++i)
-        if (const std::string& own = model.GetTable(i)->GetAlias(); own.find('"') != std::string::npos)
-            if (SameText(NameIn(own), alias))
-                return model.GetTable(i);
-    return nullptr;
-}
-
-// The model's own name, or what the generator writes for it, in which quotes inside are doubled.
-bool IsNameOf(const TDSTable& table, std::string_view name) {
-    return SameText(ReplaceText(table.GetName(), "\"", ""), name) ||
-           SameText(NameIn(table.GetSQLExpr(nqStrict)), name);
-}
-
-TDSTable* PartnerOf(const TDSLink& link, const TDSTable* table) {
-    return link.Table1 == table ? link.Table2 : link.Table1;
-}
-
-// Which rows of the two tables a join keeps without a partner.
-struct TKept {
-    bool Table1 = false;
-    bool Table2 = false;
-    bool operator==(const TKept& other) const { return Table1 == other.Table1 && Table2 == other.Table2; }
-};
-
-TKept KeptByLink(const TDSLink& link, TSQLSyntax syntax) {
-    if (syntax == ssSQL1)
-        return {};
-    const bool full = link.LinkType == ltOuterFull && syntax == ssSQL2;
-    return {link.LinkType == ltOuterLeft || full, link.LinkType == ltOuterRight || full};
-}
-
-TKept KeptByJoin(const TDSLink& link, const TDSTable* joined, TSQLWord kind) {
-    const bool joinedIsFirst = link.Table1 == joined;
-    const bool keepsJoined = kind == swRight || kind == swFull;
-    const bool keepsPartner = kind == swLeft || kind == swFull;
-    return joinedIsFirst ? TKept{keepsJoined, keepsPartner} : TKept{keepsPartner, keepsJoined};
-}
-
-std::vector<std::string> GroupItems(std::string_view text) {
-    std::vector<std::string> items;
-    int depth = 0;
-    std::size_t start = 0;
-    for (std::size_t i = 0; i <= text.size(); ++i) {
-        const char c = i < text.size() ? text[i] : ',';
-        depth += c == '(' ? 1 : c == ')' ? -1 : 0;
-        if (c != ',' || (depth > 0 && i < text.size()))
-            continue;
-        if (std::string item = FoldBlanks(text.substr(start, i - start)); !item.empty())
-            items.push_back(std::move(item));
-        start = i + 1;
-    }
-    return items;
+// As the statement will say it: where joins stand in WHERE, not every kind can be.
+TJoinKind WrittenKind(TJoinKind kind, TSQLSyntax syntax) {
+    const bool isLost = syntax == ssSQL1 || (syntax == ssOracle && kind == jkFull);
+    return isLost ? jkInner : kind;
 }
 
 } // namespace
 
-TSQLJoins::TSQLJoins(TVQuery& query, const TVParserResult& statement)
-    : query_(query), model_(*query.GetDbStruct()), statement_(statement), where_(statement.RootBracket) {
-    FindTables();
-    ReadJoinClauses();
-    ReadJoinsInWhere();
-}
-
-void TSQLJoins::RefuseJoin(const TJoined& joined) const {
-    throw EVQueryPanelError(qpeOtherJoin, {joined.Table->GetAlias()}, joined.Place);
-}
-
-void TSQLJoins::FindTables() {
-    for (const TSQLTable& parsed : statement_.Tables) {
-        TDSTable* const table = TableByAlias(model_, parsed.Alias);
-        if (!table || !IsNameOf(*table, parsed.TableName))
-            throw EVQueryPanelError(qpeNoTable, {parsed.TableName}, parsed.Place);
-        tables_.push_back({table, nullptr, swInner, parsed.Place});
-        if (Find(table) != &tables_.back())
-            RefuseJoin(tables_.back());
+TSQLJoins::TSQLJoins(TVQuery& query, TVParserResult& statement, TSQLNames& names)
+    : query_(query),
+      statement_(statement),
+      names_(names),
+      ons_(static_cast<std::size_t>(names.GetCount())),
+      where_(statement.RootBracket) {
+    for (const TSQLJoin& join : statement.Joins)
+        ReadOn(join);
+    ReadWhere();
+    if (!Assign(0)) {
+        tries_ = 0;
+        for (int use = 0; use < names_.GetCount(); ++use)
+            names_.SetTable(use, names_.GetCandidates(use).front());
+        FindSteps();
+        for (int use = 0; use < names_.GetCount(); ++use)
+            if (!Reached(use))
+                RefuseJoin(use);
+        RefuseJoin(names_.GetCount() - 1);
     }
+    DropRepeated();
+    MakeWhere();
 }
 
-const TSQLJoins::TJoined* TSQLJoins::Find(const TDSTable* table) const {
-    for (const TJoined& joined : tables_)
-        if (joined.Table == table)
-            return &joined;
-    return nullptr;
+// A second use for which the model has no table of its own is told apart from one that is joined otherwise.
+void TSQLJoins::RefuseJoin(int use) const {
+    const TSQLTable& parsed = names_.GetParsed(use);
+    int others = 0;
+    for (int other = 0; other < names_.GetCount(); ++other)
+        others += names_.GetTable(other) == names_.GetTable(use) ? 1 : 0;
+    if (others > static_cast<int>(names_.GetCandidates(use).size()))
+        throw EVQueryPanelError(qpeNoFreeAlias, {parsed.Alias, parsed.TableName}, parsed.Place);
+    throw EVQueryPanelError(qpeOtherJoin, {parsed.Alias}, parsed.Place);
 }
 
-// --- JOIN clauses.
+// --- Comparisons of columns.
 
-void TSQLJoins::ReadJoinClauses() {
-    for (const TSQLJoin& join : statement_.Joins) {
-        TJoined& joined = tables_[static_cast<std::size_t>(join.Table)];
-        joined.Kind = join.Kind;
-        joined.Place = join.Place;
-        std::vector<std::string> keys;
-        if (!CollectComparisons(*join.Condition, keys))
-            RefuseJoin(joined);
-        std::sort(keys.begin(), keys.end());
-        for (TDSLink* const link : joined.Table->GetLinks()) {
-            const TJoined* const partner = Find(PartnerOf(*link, joined.Table));
-            if (!joined.Link && partner && partner < &joined && ComparisonsOf(*link, ssSQL2) == keys)
-                joined.Link = link;
-        }
-        if (!joined.Link)
-            RefuseJoin(joined);
-    }
+bool TSQLJoins::IsPair(const TSQLCondition& condition, TPair& pair) const {
+    if (condition.Negated || condition.SubQuery || condition.Operator.empty())
+        return false;
+    pair.Operator = condition.Operator;
+    return names_.FindColumn(condition.Left, condition.Place, pair.Left) &&
+           names_.FindColumn(condition.Value, condition.Place, pair.Right) && pair.Left.Use != pair.Right.Use;
 }
 
-// --- Joins in WHERE.
-
-// Tables that are listed with commas are joined by comparisons that hold together with all other conditions.
-void TSQLJoins::ReadJoinsInWhere() {
-    const bool allJoined =
-        std::all_of(tables_.begin() + 1, tables_.end(), [](const TJoined& joined) { return joined.Link; });
-    if (allJoined)
+// Brackets of "and" are opened where that takes nothing from how the others are grouped.
+void TSQLJoins::Collect(TSQLConditionNode* node, std::vector<TPair>& pairs,
+                        std::vector<TSQLConditionNode*>& others) {
+    TPair pair;
+    pair.Node = node;
+    if (!node->IsBracket()) {
+        if (IsPair(static_cast<const TSQLCondition&>(*node), pair))
+            pairs.push_back(pair);
+        else
+            others.push_back(node);
         return;
-    const std::vector<TSQLConditionNode*> nodes = NodesOfWhere();
-    std::unordered_set<std::string> comparisons;
+    }
+    const TSQLBracket& bracket = static_cast<const TSQLBracket&>(*node);
+    std::vector<TPair> innerPairs;
+    std::vector<TSQLConditionNode*> innerOthers;
+    for (TSQLConditionNode* inner = IsConjunction(bracket) ? bracket.GetFirst() : nullptr; inner;
+         inner = inner->GetNext())
+        Collect(inner, innerPairs, innerOthers);
+    if (innerPairs.empty()) {
+        others.push_back(node);
+        return;
+    }
+    pairs.insert(pairs.end(), innerPairs.begin(), innerPairs.end());
+    others.insert(others.end(), innerOthers.begin(), innerOthers.end());
+}
+
+void TSQLJoins::ReadOn(const TSQLJoin& join) {
+    TOn& on = ons_[static_cast<std::size_t>(join.Table)];
+    on.Exists = true;
+    on.Kind = join.Kind;
+    hasRight_ = hasRight_ || join.Kind == swRight || join.Kind == swFull;
+    if (!IsConjunction(*join.Condition))
+        on.Others.push_back(join.Condition);
+    else
+        for (TSQLConditionNode* node = join.Condition->GetFirst(); node; node = node->GetNext())
+            Collect(node, on.Pairs, on.Others);
+}
+
+void TSQLJoins::ReadWhere() {
     const TSQLBracket& root = *statement_.RootBracket;
-    for (TSQLConditionNode* const node : nodes)
-        if (root.Operator == "and" && !root.Negated && !node->IsBracket() &&
-            !static_cast<TSQLCondition*>(node)->Negated)
-            comparisons.insert(KeyOf(*static_cast<TSQLCondition*>(node)));
-    const std::unordered_set<std::string> all = comparisons;
-    JoinFromFirstTable(comparisons);
-    rest_.Operator = root.Operator;
-    for (TSQLConditionNode* const node : nodes) {
-        const std::string key = node->IsBracket() ? std::string() : KeyOf(*static_cast<TSQLCondition*>(node));
-        if (key.empty() || all.count(key) == comparisons.count(key))
-            rest_.AddNode(node);
-    }
-    where_ = &rest_;
-    if (rest_.GetCount() == 1 && rest_.GetFirst()->IsBracket())
-        where_ = static_cast<const TSQLBracket*>(rest_.GetFirst());
+    if (names_.GetCount() > 1 && IsConjunction(root))
+        for (TSQLConditionNode* node = root.GetFirst(); node; node = node->GetNext())
+            Collect(node, wherePairs_, whereOthers_);
 }
 
-// The nodes of WHERE. The comparisons of a link with several pairs may stand in a bracket of their own, which
-// is opened.
-std::vector<TSQLConditionNode*> TSQLJoins::NodesOfWhere() {
-    std::unordered_set<std::string> linkKeys;
-    for (const TJoined& joined : tables_)
-        for (const TDSLink* const link : joined.Table->GetLinks())
-            if (Find(PartnerOf(*link, joined.Table)))
-                for (const TSQLSyntax form : {ssOracle, ssSQL1}) {
-                    const std::vector<std::string> keys = ComparisonsOf(*link, form);
-                    linkKeys.insert(keys.begin(), keys.end());
-                }
-    std::vector<TSQLConditionNode*> nodes;
-    for (TSQLConditionNode* node = statement_.RootBracket->GetFirst(); node; node = node->GetNext()) {
-        std::vector<std::string> keys;
-        const bool isLink = node->IsBracket() && CollectComparisons(static_cast<TSQLBracket&>(*node), keys) &&
-                            std::all_of(keys.begin(), keys.end(),
-                                        [&](const std::string& key) { return linkKeys.count(key) > 0; });
-        if (!isLink)
-            nodes.push_back(node);
-        for (TSQLConditionNode* inner = isLink ? static_cast<TSQLBracket*>(node)->GetFirst() : nullptr; inner;
-             inner = inner->GetNext())
-            nodes.push_back(inner);
-    }
-    return nodes;
-}
+// --- Tables of the model for the uses.
 
-// From the first table on, so that each link joins a table to one that is joined already.
-void TSQLJoins::JoinFromFirstTable(std::unordered_set<std::string>& comparisons) {
-    std::unordered_set<const TDSTable*> reached = {tables_.front().Table};
-    for (bool progress = true; progress;) {
-        progress = false;
-        for (TJoined& joined : tables_) {
-            const bool isNew = reached.count(joined.Table) == 0 &&
-                               (joined.Link ? reached.count(PartnerOf(*joined.Link, joined.Table)) > 0
-                                            : FindLinkInWhere(joined, reached, comparisons));
-            if (isNew)
-                reached.insert(joined.Table);
-            progress = progress || isNew;
-        }
-    }
-    for (const TJoined& joined : tables_)
-        if (reached.count(joined.Table) == 0)
-            RefuseJoin(joined);
-}
-
-// Takes the comparisons of a link between the table and one that is joined already.
-bool TSQLJoins::FindLinkInWhere(TJoined& joined, const std::unordered_set<const TDSTable*>& reached,
-                                std::unordered_set<std::string>& comparisons) const {
-    for (const TSQLSyntax form : {ssOracle, ssSQL1}) {
-        for (TDSLink* const link : joined.Table->GetLinks()) {
-            const std::vector<std::string> keys = ComparisonsOf(*link, form);
-            const bool found = !keys.empty() && reached.count(PartnerOf(*link, joined.Table)) > 0 &&
-                               std::all_of(keys.begin(), keys.end(), [&](const std::string& key) {
-                                   return comparisons.count(key) > 0;
-                               });
-            if (!found)
-                continue;
-            for (const std::string& key : keys)
-                comparisons.erase(key);
-            joined.Link = link;
-            const TKept kept = KeptByLink(*link, form);
-            const bool keepsJoined = link->Table1 == joined.Table ? kept.Table1 : kept.Table2;
-            const bool keepsPartner = link->Table1 == joined.Table ? kept.Table2 : kept.Table1;
-            joined.Kind = keepsJoined ? swRight : keepsPartner ? swLeft : swInner;
+// Tries the candidates of this use and those behind it until links join them all.
+bool TSQLJoins::Assign(int use) {
+    if (use == names_.GetCount())
+        return ++tries_ < 5000 && FindSteps();
+    for (TDSTable* const table : names_.GetCandidates(use)) {
+        bool isTaken = false;
+        for (int other = 0; other < use; ++other)
+            isTaken = isTaken || names_.GetTable(other) == table;
+        if (isTaken)
+            continue;
+        names_.SetTable(use, table);
+        if (Assign(use + 1))
             return true;
-        }
     }
     return false;
 }
 
-// --- The query against the statement.
-
-void TSQLJoins::CheckAgainstQuery() {
-    const TJoined* difference = &tables_.front();
-    try {
-        query_.BuildQuery();
-        difference = FirstDifference();
-    } catch (const EVQueryPanelError& error) {
-        if (error.Code != qpeNoEnoughInfo)
-            throw;
-    }
-    if (difference && !query_.GetMainTable()) {
-        // The statement may begin with a table that nothing in it names first.
-        query_.SetMainTableName(tables_.front().Table->GetName());
-        query_.BuildQuery();
-        difference = FirstDifference();
-    }
-    if (difference)
-        RefuseJoin(*difference);
-    CheckGroupBy();
+bool TSQLJoins::Reached(int use) const {
+    return std::any_of(steps_.begin(), steps_.end(), [use](const TStep& step) { return step.Use == use; });
 }
 
-// Inner joins may stand in any order. Where one keeps rows without a partner, the order of JOIN clauses
-// matters; so does the order of tables for "*".
-const TSQLJoins::TJoined* TSQLJoins::FirstDifference() const {
-    const TSQLSyntax syntax = query_.GetSQLSyntax();
-    const TRTableList& made = query_.GetQResult().GetResultTables();
-    bool ordered = statement_.SelectAll;
-    for (const TJoined& joined : tables_) {
-        const int at = made.IndexOf(joined.Table);
-        if (at < 0)
-            return &joined;
-        ordered = ordered || (joined.Kind != swInner && !statement_.Joins.empty() && tables_.size() > 2);
+// From the first table on, so that each link joins a table to one that is joined already. Inner and left joins
+// give the same rows in any such order; others keep the statement's.
+bool TSQLJoins::FindSteps() {
+    steps_.assign(1, {0, nullptr, jkInner});
+    for (TOn& on : ons_)
+        for (TPair& pair : on.Pairs)
+            pair.Used = false;
+    for (TPair& pair : wherePairs_)
+        pair.Used = false;
+    while (static_cast<int>(steps_.size()) < names_.GetCount())
+        if (!JoinNext(hasRight_))
+            return false;
+    return true;
+}
+
+bool TSQLJoins::JoinNext(bool inOrder) {
+    for (int use = 1; use < names_.GetCount(); ++use) {
+        if (Reached(use))
+            continue;
+        const TOn& on = ons_[static_cast<std::size_t>(use)];
+        if (on.Exists && on.Kind != swInner ? JoinByOwnOn(use) : JoinByAnyPair(use))
+            return true;
+        if (inOrder)
+            return false;
     }
-    if (made.Count() != static_cast<int>(tables_.size()))
-        return &tables_.back();
-    for (std::size_t i = 0; i < tables_.size(); ++i)
-        if (ordered && made.GetItem(static_cast<int>(i)).Table != tables_[i].Table)
-            return &tables_[i];
-    for (int i = 1; i < made.Count(); ++i) {
-        const TDSLink* const link = made.GetItem(i).Link;
-        const auto same = std::find_if(tables_.begin(), tables_.end(),
-                                       [link](const TJoined& joined) { return joined.Link == link; });
-        if (same == tables_.end())
-            return Find(made.GetItem(i).Table);
-        if (!(KeptByJoin(*link, same->Table, same->Kind) == KeptByLink(*link, syntax)))
-            return &*same;
+    return false;
+}
+
+// An outer join is the link and nothing else.
+bool TSQLJoins::JoinByOwnOn(int use) {
+    TOn& on = ons_[static_cast<std::size_t>(use)];
+    std::vector<TPair*> pairs;
+    std::vector<TPair*> used;
+    for (TPair& pair : on.Pairs)
+        pairs.push_back(&pair);
+    TDSLink* const link = FindLink(use, pairs, used);
+    if (!link || !on.Others.empty() || used.size() != pairs.size())
+        return false;
+    for (TPair* const pair : used)
+        pair->Used = true;
+    steps_.push_back({use, link, KindOf(on.Kind)});
+    return true;
+}
+
+// What stands behind the ON of inner joins, and in WHERE, holds together.
+bool TSQLJoins::JoinByAnyPair(int use) {
+    std::vector<TPair*> pairs;
+    std::vector<TPair*> used;
+    for (TOn& on : ons_)
+        for (TPair& pair : on.Pairs)
+            if (on.Kind == swInner)
+                pairs.push_back(&pair);
+    for (TPair& pair : wherePairs_)
+        pairs.push_back(&pair);
+    TDSLink* const link = FindLink(use, pairs, used);
+    if (!link)
+        return false;
+    TJoinKind kind = jkInner;
+    for (TPair* const pair : used) {
+        pair->Used = true;
+        const TSQLColumn& own = pair->Left.Use == use ? pair->Left : pair->Right;
+        const TSQLColumn& partner = pair->Left.Use == use ? pair->Right : pair->Left;
+        kind = own.Optional ? jkLeft : partner.Optional ? jkRight : kind;
+    }
+    steps_.push_back({use, link, kind});
+    return true;
+}
+
+// A link to a table that is joined already, all of whose columns are compared.
+TDSLink* TSQLJoins::FindLink(int use, const std::vector<TPair*>& pairs, std::vector<TPair*>& used) const {
+    const TDSTable* const table = names_.GetTable(use);
+    for (TDSLink* const link : table->GetLinks())
+        for (const TStep& step : steps_) {
+            if (link->Neighbour(table) != names_.GetTable(step.Use) || link->Table1 == link->Table2)
+                continue;
+            const bool isFirst = link->Table1 == table;
+            used.clear();
+            for (int i = 0; i < link->Fields1.Count() && i < link->Fields2.Count(); ++i) {
+                const std::string_view op =
+                    i < link->Operators.Count() ? link->Operators[i] : std::string_view("=");
+                TPair* const pair = isFirst ? FindPair(use, link->Fields1[i], op, step.Use, link->Fields2[i], pairs)
+                                            : FindPair(step.Use, link->Fields1[i], op, use, link->Fields2[i], pairs);
+                if (pair)
+                    used.push_back(pair);
+            }
+            if (!used.empty() && static_cast<int>(used.size()) == link->Fields1.Count())
+                return link;
+        }
+    return nullptr;
+}
+
+TSQLJoins::TPair* TSQLJoins::FindPair(int use, std::string_view column, std::string_view op, int partner,
+                                      std::string_view partnerColumn,
+                                      const std::vector<TPair*>& pairs) const {
+    const auto is = [](const TSQLColumn& found, int wanted, std::string_view name) {
+        return found.Use == wanted && SameText(found.Name, name);
+    };
+    for (TPair* const pair : pairs) {
+        if (pair->Used)
+            continue;
+        if (SameSQL(pair->Operator, op) && is(pair->Left, use, column) && is(pair->Right, partner, partnerColumn))
+            return pair;
+        if (SameSQL(pair->Operator, Mirrored(op)) && is(pair->Left, partner, partnerColumn) &&
+            is(pair->Right, use, column))
+            return pair;
     }
     return nullptr;
 }
 
-void TSQLJoins::CheckGroupBy() const {
-    std::vector<std::string> wanted;
-    for (const TVParserResult::TGroupItem& item : statement_.GroupBy)
-        for (std::string& part : GroupItems(item.Text))
-            wanted.push_back(std::move(part));
-    std::vector<std::string> made = GroupItems(query_.GetQResult().GroupBy);
-    for (auto* const items : {&wanted, &made}) {
-        std::sort(items->begin(), items->end());
-        items->erase(std::unique(items->begin(), items->end()), items->end());
+// --- WHERE.
+
+// The same comparison once more says nothing where the join is an inner one.
+void TSQLJoins::DropRepeated() {
+    const auto repeats = [this](const TPair& pair) {
+        for (const TStep& step : steps_) {
+            if (!step.Link || step.Kind != jkInner || pair.Operator != "=")
+                continue;
+            const int partner = pair.Left.Use == step.Use ? pair.Right.Use : pair.Left.Use;
+            const TSQLColumn& own = pair.Left.Use == step.Use ? pair.Left : pair.Right;
+            const TSQLColumn& other = pair.Left.Use == step.Use ? pair.Right : pair.Left;
+            const TDSTable* const table = names_.GetTable(step.Use);
+            if (own.Use != step.Use || own.Optional || other.Optional ||
+                names_.GetTable(partner) != step.Link->Neighbour(table))
+                continue;
+            const bool isFirst = step.Link->Table1 == table;
+            for (int i = 0; i < step.Link->Fields1.Count(); ++i)
+                if (SameText((isFirst ? step.Link->Fields1 : step.Link->Fields2)[i], own.Name) &&
+                    SameText((isFirst ? step.Link->Fields2 : step.Link->Fields1)[i], other.Name) &&
+                    step.Link->Operators[i] == "=")
+                    return true;
+        }
+        return false;
+    };
+    for (TPair& pair : wherePairs_)
+        pair.Used = pair.Used || repeats(pair);
+    for (TOn& on : ons_)
+        for (TPair& pair : on.Pairs)
+            pair.Used = pair.Used || (on.Kind == swInner && repeats(pair));
+}
+
+// What the ON of an inner join says besides may stand in WHERE, unless a later join adds rows without it.
+void TSQLJoins::MakeWhere() {
+    std::vector<TSQLConditionNode*> more;
+    for (int use = 0; use < names_.GetCount(); ++use) {
+        const TOn& on = ons_[static_cast<std::size_t>(use)];
+        std::size_t known = more.size();
+        for (const TPair& pair : on.Pairs)
+            if (!pair.Used)
+                more.push_back(pair.Node);
+        more.insert(more.end(), on.Others.begin(), on.Others.end());
+        if (more.size() > known && hasRight_)
+            RefuseJoin(use);
     }
-    if (wanted != made)
-        throw EVQueryPanelError(qpeCantBeKept, {"GROUP BY"},
-                                statement_.GroupBy.empty() ? tables_.front().Place
-                                                           : statement_.GroupBy.front().Place);
+    const bool anyUsed =
+        std::any_of(wherePairs_.begin(), wherePairs_.end(), [](const TPair& pair) { return pair.Used; });
+    if (more.empty() && !anyUsed)
+        return;
+    TSQLBracket* const root = statement_.NewBracket();
+    root->Operator = "and";
+    root->Place = statement_.RootBracket->Place;
+    if (!IsConjunction(*statement_.RootBracket)) {
+        root->AddNode(statement_.RootBracket);
+    } else if (anyUsed) {
+        for (const TPair& pair : wherePairs_)
+            if (!pair.Used)
+                root->AddNode(pair.Node);
+        for (TSQLConditionNode* const node : whereOthers_)
+            root->AddNode(node);
+    } else {
+        std::vector<TSQLConditionNode*> nodes;
+        for (TSQLConditionNode* node = statement_.RootBracket->GetFirst(); node; node = node->GetNext())
+            nodes.push_back(node);
+        for (TSQLConditionNode* const node : nodes)
+            root->AddNode(node);
+    }
+    for (TSQLConditionNode* const node : more)
+        root->AddNode(node);
+    where_ = root;
+    if (root->GetCount() == 1 && root->GetFirst()->IsBracket())
+        where_ = static_cast<const TSQLBracket*>(root->GetFirst());
+}
+
+// --- The query against the statement.
+
+void TSQLJoins::MakeQueryAgree(bool exactly) {
+    const auto builtAgrees = [this] {
+        try {
+            query_.BuildQuery();
+            return Agrees();
+        } catch (const EVQueryPanelError& error) {
+            if (error.Code != qpeNoEnoughInfo)
+                throw;
+        } catch (const EVDBStructError& error) {
+            if (error.Code != dseNoPath)
+                throw;
+        }
+        return false;
+    };
+    if (builtAgrees() && !exactly)
+        return;
+    query_.SetOwnMainTable(names_.GetTable(0)->GetAlias());
+    if (builtAgrees() && !exactly)
+        return;
+    TShownTableList shown;
+    for (const TStep& step : steps_)
+        if (step.Link)
+            shown.push_back(ShownTable(*names_.GetTable(step.Use), *step.Link, step.Kind));
+    query_.SetShownTables(std::move(shown));
+    if (!builtAgrees())
+        RefuseJoin(names_.GetCount() - 1);
+}
+
+// "*" shows columns in the order of tables, and joins that keep rows of the table that they join depend on
+// it.
+bool TSQLJoins::SameOrder(const TRTableList& made) const {
+    for (int i = 0; i < made.Count(); ++i)
+        if (made.GetItem(i).Table != names_.GetTable(statement_.SelectAll ? i : steps_[static_cast<std::size_t>(i)].Use))
+            return false;
+    return true;
+}
+
+bool TSQLJoins::Agrees() const {
+    const TRTableList& made = query_.GetQResult().GetResultTables();
+    if (made.Count() != static_cast<int>(steps_.size()) || made.GetItem(0).Table != names_.GetTable(0))
+        return false;
+    const TSQLSyntax syntax = query_.GetSQLSyntax();
+    bool ordered = statement_.SelectAll || hasRight_;
+    for (const TStep& step : steps_) {
+        const int at = made.IndexOf(names_.GetTable(step.Use));
+        if (at < 0 || made.GetItem(at).Link != step.Link ||
+            WrittenKind(made.GetItem(at).Kind, syntax) != step.Kind)
+            return false;
+        ordered = ordered || step.Kind == jkRight || step.Kind == jkFull;
+    }
+    return !ordered || SameOrder(made);
 }
 
 } // namespace lumora

@@ -13,8 +13,15 @@
 #include "lumora/querytext/query_text.h"
 #include "lumora/reading/moment_literals.h"
 #include "lumora/reading/read_sql.h"
+#include "lumora/reading/sql_columns.h"
 #include "lumora/reading/sql_joins.h"
+#include "lumora/reading/sql_names.h"
+#include "lumora/reading/sql_operators.h"
+#include "lumora/sqlparse/Vscanner.h"
+#include "lumora/statement/dialects/dialect.h"
 #include "lumora/support/string_helpers.h"
+
+#include <utility>
 
 namespace lumora {
 
@@ -25,19 +32,31 @@ TSQLReader::TSQLReader(TVQuery& query, const TTitles* subQueryTitles, int level)
       level_(level),
       strict_(query.GetStrict()) {}
 
-void TSQLReader::Read(const TVParserResult& statement) {
+void TSQLReader::Read(TVParserResult& statement) {
     query_.GetQResult().GetResultFields().Distinct = statement.Distinct;
+    if (strict_)
+        return ReadStrictly(statement);
     ReadFields(statement);
-    if (!strict_)
-        return ReadBracket(*query_.GetRootBracket(), *statement.RootBracket);
+    ReadBracket(*query_.GetRootBracket(), *statement.RootBracket);
+}
+
+void TSQLReader::ReadStrictly(TVParserResult& statement) {
+    TSQLNames names(query_, statement);
+    TSQLJoins joins(query_, statement, names);
+    TSQLColumns columns(query_, statement, names);
+    columns.Read();
     TSQLOptions options = query_.GetSQLOptions();
     options.Exclude(soSelectDistinct);
-    if (statement.Distinct)
+    if (statement.Distinct || columns.Distinct)
         options.Include(soSelectDistinct);
     query_.SetSQLOptions(options);
-    TSQLJoins joins(query_, statement);
-    ReadBracket(*query_.GetRootBracket(), joins.WhereWithoutJoins());
-    joins.CheckAgainstQuery();
+    names_ = &names;
+    const TSQLBracket& where = joins.WhereWithoutJoins();
+    TFilterBracket& root = *query_.GetRootBracket();
+    if (where.GetCount() < 2 || !ReadAsOne(root, where))
+        ReadBracket(root, where);
+    names_ = nullptr;
+    joins.MakeQueryAgree(columns.TakesAnyRecord());
 }
 
 void TSQLReader::ReadFields(const TVParserResult& statement) {
@@ -47,13 +66,9 @@ void TSQLReader::ReadFields(const TVParserResult& statement) {
         TResultField* const field =
             fields.AddBySQLExpr(std::string(parsed.Alias), parsed.SQLExpr,
                                 static_cast<TSortingType>(parsed.Sorting), parsed.SortOrder);
-        if (strict_ && field->GetFields().front() == model_.GetUnrecognizedField())
-            throw EVQueryPanelError(qpeUnrecognizedField, {parsed.SQLExpr}, parsed.Place);
         if (parsed.Alias.empty()) {
             field->SetCaption(field->GenerateCaption());
             field->SetAlias("");
-        } else if (strict_) {
-            field->KeepAlias(std::string(parsed.Alias));
         }
     }
     fields.JustSorting = statement.SelectAll;
@@ -64,15 +79,18 @@ void TSQLReader::ReadFields(const TVParserResult& statement) {
 void TSQLReader::ReadBracket(TFilterBracket& bracket, const TSQLBracket& parsed) {
     const bool any = parsed.Operator == "or";
     bracket.SetLinkType(parsed.Negated ? (any ? fltNone : fltNotAll) : (any ? fltAny : fltAll));
+    const bool inNegation = std::exchange(inNegation_, inNegation_ || parsed.Negated);
     for (const TSQLConditionNode* node = parsed.GetFirst(); node; node = node->GetNext())
         ReadNode(bracket, *node);
+    inNegation_ = inNegation;
 }
 
 void TSQLReader::ReadNode(TFilterBracket& bracket, const TSQLConditionNode& node) {
-    if (node.IsBracket())
-        ReadBracket(*bracket.AddNewBracket(), static_cast<const TSQLBracket&>(node));
-    else
-        ReadCondition(bracket, static_cast<const TSQLCondition&>(node));
+    if (!node.IsBracket())
+        return ReadCondition(bracket, static_cast<const TSQLCondition&>(node));
+    const auto& parsed = static_cast<const TSQLBracket&>(node);
+    if (!strict_ || !ReadAsOne(bracket, parsed))
+        ReadBracket(*bracket.AddNewBracket(), parsed);
 }
 
 // --- Conditions.
@@ -82,62 +100,107 @@ void TSQLReader::Refuse(const TSQLCondition& parsed) const {
 }
 
 void TSQLReader::ReadCondition(TFilterBracket& bracket, const TSQLCondition& parsed) {
-    if (strict_ && ReadPredefined(bracket, parsed))
+    if (!strict_)
+        return AddCondition(bracket, parsed, FindPlainFit(parsed), false);
+    const bool isOfModel = !names_ || names_->AreOfModel();
+    if (isOfModel && ReadPredefined(bracket, parsed))
         return;
-    const TFit fit = strict_ ? FindStrictFit(parsed) : FindPlainFit(parsed);
-    TSimpleCond* const condition = Owner(bracket, fit.Opposite).AddCond();
+    const TSQLCondition condition = Resolved(parsed);
+    if (!ReadPredefined(bracket, condition))
+        AddCondition(bracket, condition, FindStrictFit(condition), false);
+}
+
+void TSQLReader::AddCondition(TFilterBracket& bracket, const TSQLCondition& parsed, const TSQLFit& fit,
+                              bool negated) {
+    TSimpleCond* const condition = Owner(bracket, fit.Opposite != negated).AddCond();
     condition->SetField(fit.Field ? fit.Field : model_.GetUnrecognizedField());
     condition->SetOperator(fit.Operator ? fit.Operator : model_.GetUnrecognizedOperator());
     SetValues(*condition, parsed, fit.Values);
 }
 
-TSQLReader::TFit TSQLReader::FindPlainFit(const TSQLCondition& parsed) {
-    TFit fit = FindFit(parsed, parsed.Negated, parsed.Operator);
+TSQLFit TSQLReader::FindPlainFit(const TSQLCondition& parsed) {
+    TSQLFit fit = FindFit(parsed, parsed.Negated, parsed.Operator);
     if (!fit.Operator)
         fit = LikeFallback(parsed);
     fit.Field = FieldBySQL(model_, parsed.Left, strict_);
     return fit;
 }
 
-namespace {
-
-const TDialect& DialectOf(const TVQuery& query) {
-    return EffectiveDialect(query.GetDialect(), query.GetSQLSyntax(), true);
+// The condition with the names of the model, the field on its left side.
+TSQLCondition TSQLReader::Resolved(const TSQLCondition& parsed) const {
+    TSQLCondition condition = parsed;
+    if (!names_)
+        return condition;
+    condition.Left = names_->WithFieldsAndTexts(parsed.Left, parsed.Place);
+    if (!parsed.SubQuery)
+        condition.Value = names_->WithFieldsAndTexts(parsed.Value, parsed.Place);
+    static constexpr std::string_view mirrored[][2] = {{"=", "="},  {"<>", "<>"}, {"!=", "!="}, {"<", ">"},
+                                                       {">", "<"}, {"<=", ">="}, {">=", "<="}};
+    for (const auto& [op, other] : mirrored)
+        if (condition.Operator == op && !FieldBySQL(model_, condition.Left, true) &&
+            FieldBySQL(model_, condition.Value, true)) {
+            std::swap(condition.Left, condition.Value);
+            condition.Operator = other;
+            break;
+        }
+    return condition;
 }
 
-} // namespace
-
-// A condition that no operator fits may be the opposite of one that an operator fits.
-TSQLReader::TFit TSQLReader::FindStrictFit(const TSQLCondition& parsed) {
-    TDSField* const field = FieldBySQL(model_, parsed.Left, strict_);
-    if (!field) {
-        TFit fit = FindFitAroundField(parsed);
-        if (!fit.Field)
-            throw EVQueryPanelError(qpeUnrecognizedField, {parsed.Left}, parsed.Place);
-        fit.Opposite = parsed.Negated;
+TSQLFit TSQLReader::FindStrictFit(const TSQLCondition& parsed) const {
+    const TDialect& dialect = EffectiveDialect(query_.GetDialect(), query_.GetSQLSyntax(), true);
+    const TSQLOperators operators(model_, dialect);
+    if (TDSField* const field = FieldBySQL(model_, parsed.Left, true)) {
+        TSQLFit fit = operators.Find(*field, parsed, !inNegation_);
+        if (!fit.Operator && IsColumn(parsed.Value))
+            Refuse(parsed);
+        if (!fit.Operator)
+            throw EVQueryPanelError(qpeUnrecognizedOperator, {parsed.GetSQLExpr()}, parsed.Place);
         return fit;
     }
-    TFit fit = FindFit(parsed, parsed.Negated, parsed.Operator);
-    if (!fit.Operator) {
-        fit = FindFit(parsed, !parsed.Negated, parsed.Operator);
-        fit.Opposite = true;
-    }
-    if (const std::string_view bare = WithoutPatternClause(parsed.Value, DialectOf(query_));
-        !fit.Operator && bare.size() < parsed.Value.size()) { // the generator wrote the clause
-        TSQLCondition pattern = parsed;
-        pattern.Value = bare;
-        fit = FindFit(pattern, parsed.Negated, parsed.Operator);
-    }
-    if (!fit.Operator && parsed.Operator == "is" && FoldBlanks(parsed.Value) == "notnull") {
-        TSQLCondition isNull = parsed;
-        isNull.Value = "null";
-        fit = FindFit(isNull, false, "is");
-        fit.Opposite = !parsed.Negated;
-    }
-    if (!fit.Operator)
-        throw EVQueryPanelError(qpeUnrecognizedOperator, {parsed.GetSQLExpr()}, parsed.Place);
-    fit.Field = field;
+    TSQLCondition plain = parsed;
+    plain.Negated = false;
+    TSQLFit fit = operators.FindAround(plain.GetSQLExpr());
+    if (!fit.Field)
+        RefuseLeft(parsed);
+    fit.Opposite = parsed.Negated;
     return fit;
+}
+
+bool TSQLReader::IsColumn(std::string_view text) const {
+    return FieldBySQL(model_, text, true) != nullptr;
+}
+
+// Names what begins a predicate that is none of the model's.
+void TSQLReader::RefuseLeft(const TSQLCondition& parsed) const {
+    const TVScanner scanner(parsed.Left);
+    const std::string_view word = scanner.Token().Text;
+    if (SameText(word, "exists") || SameText(word, "case"))
+        throw EVQueryPanelError(qpeCantBeKept, {word}, parsed.Place);
+    if (parsed.Operator.empty())
+        Refuse(parsed);
+    throw EVQueryPanelError(qpeUnrecognizedField, {parsed.Left}, parsed.Place);
+}
+
+// Several conditions that one operator stands for, "(x <> 1 or x is null)".
+bool TSQLReader::ReadAsOne(TFilterBracket& bracket, const TSQLBracket& parsed) {
+    std::string text = "(";
+    TSQLCondition first;
+    for (const TSQLConditionNode* node = parsed.GetFirst(); node; node = node->GetNext()) {
+        if (node->IsBracket() || parsed.GetCount() > 4)
+            return false;
+        const TSQLCondition condition = Resolved(static_cast<const TSQLCondition&>(*node));
+        if (node == parsed.GetFirst())
+            first = condition;
+        else
+            text.append(" ").append(parsed.Operator).append(" ");
+        text += condition.GetSQLExpr();
+    }
+    const TDialect& dialect = EffectiveDialect(query_.GetDialect(), query_.GetSQLSyntax(), true);
+    const TSQLFit fit = TSQLOperators(model_, dialect).FindAround(text + ")");
+    if (!fit.Operator)
+        return false;
+    AddCondition(bracket, first, fit, parsed.Negated);
+    return true;
 }
 
 // A predicate of the model that stands in the statement as it is, or its opposite.
@@ -175,22 +238,6 @@ TFilterBracket& TSQLReader::Owner(TFilterBracket& bracket, bool opposite) {
 
 // --- Operators.
 
-namespace {
-
-// The comparison that holds when the other does not.
-std::string_view OppositeOf(std::string_view op) {
-    static constexpr std::string_view pairs[][2] = {{"=", "<>"}, {"<", ">="}, {">", "<="}};
-    for (const auto& [one, other] : pairs) {
-        if (op == one)
-            return other;
-        if (op == other)
-            return one;
-    }
-    return {};
-}
-
-} // namespace
-
 // The operators whose template begins as a condition with this operator does.
 const std::vector<TDSOperator*>& TSQLReader::Candidates(bool negated, std::string_view op) {
     std::string key(negated ? "!" : " ");
@@ -210,7 +257,7 @@ const std::vector<TDSOperator*>& TSQLReader::Candidates(bool negated, std::strin
 
 // "!=" and a negated "=" are other ways to write "<>". A value that is a sub-query belongs to operators that
 // take one.
-TSQLReader::TFit TSQLReader::FindFit(const TSQLCondition& parsed, bool negated, std::string_view op) {
+TSQLFit TSQLReader::FindFit(const TSQLCondition& parsed, bool negated, std::string_view op) {
     if (op == "!=")
         op = "<>";
     if (negated && op == "=") {
@@ -225,8 +272,8 @@ TSQLReader::TFit TSQLReader::FindFit(const TSQLCondition& parsed, bool negated, 
         .append(" ")
         .append(parsed.Value);
     text_.append(negated ? ")" : "");
-    TFit fit;
-    for (const bool wanted : {true, false}) {
+    TSQLFit fit;
+    for (const bool wanted : {true, false})
         for (TDSOperator* const candidate : Candidates(negated, op)) {
             const bool takesSubQuery = candidate->ValueKind == vkSubQuery;
             if ((takesSubQuery == parsed.SubQuery) != wanted || (takesSubQuery && !parsed.SubQuery))
@@ -236,35 +283,13 @@ TSQLReader::TFit TSQLReader::FindFit(const TSQLCondition& parsed, bool negated, 
             fit.Operator = candidate;
             return fit;
         }
-        if (strict_ && parsed.SubQuery)
-            break;
-    }
     fit.Values.clear();
-    if (const std::string_view opposite = OppositeOf(op); strict_ && negated && !opposite.empty())
-        return FindFit(parsed, false, opposite);
-    return fit;
-}
-
-// An operator whose template has more than the field on its left side, a function for example.
-TSQLReader::TFit TSQLReader::FindFitAroundField(const TSQLCondition& parsed) {
-    TSQLCondition plain = parsed;
-    plain.Negated = false;
-    const std::string text = plain.GetSQLExpr();
-    TFit fit;
-    for (int i = 0; i < model_.GetOperatCount() && !fit.Operator; ++i) {
-        const TSQLPattern& pattern = model_.GetOperator(i)->GetPattern();
-        std::string_view name;
-        if (pattern.Head().empty() || !pattern.Match(text, name, fit.Values) || name.empty())
-            continue;
-        fit.Field = FieldBySQL(model_, name, strict_);
-        fit.Operator = fit.Field ? model_.GetOperator(i) : nullptr;
-    }
     return fit;
 }
 
 // A pattern of another form is taken as "contains", or "starts with".
-TSQLReader::TFit TSQLReader::LikeFallback(const TSQLCondition& parsed) {
-    TFit fit;
+TSQLFit TSQLReader::LikeFallback(const TSQLCondition& parsed) {
+    TSQLFit fit;
     if (parsed.Operator != "like")
         return fit;
     fit.Operator = model_.OperatorByName("contains");
@@ -284,7 +309,7 @@ TSQLReader::TFit TSQLReader::LikeFallback(const TSQLCondition& parsed) {
 
 TDSOperator* TSQLReader::FindOperator(const TSQLCondition& parsed, bool negated, std::string& value1,
                                       std::string& value2, TStringList& subQuery) {
-    TFit fit = FindFit(parsed, negated, parsed.Operator);
+    TSQLFit fit = FindFit(parsed, negated, parsed.Operator);
     if (!fit.Operator)
         fit = LikeFallback(parsed);
     value1 = fit.Values.empty() ? std::string() : fit.Values[0].Text;
@@ -328,6 +353,26 @@ void TSQLReader::ReadSubQuery(TFilterCond& condition, const TSQLCondition& parse
     condition.SetSubQuery(lines);
 }
 
+namespace {
+
+// A number as it is entered: its sign beside it, a whole one without a fraction of zeros.
+std::string NumberText(TFieldType type, const std::string& text) {
+    if (!IsNumber(type))
+        return text;
+    std::string number;
+    for (const char c : text)
+        if (!IsBlank(c) && (c != '+' || !number.empty()))
+            number += c;
+    const std::size_t point = number.find('.');
+    const bool isWhole = point != std::string::npos && point > 0 && IsDigit(number[point - 1]) &&
+                         number.find_first_not_of('0', point + 1) == std::string::npos;
+    if (isWhole && type != ftFloat && type != ftCurrency && type != ftBCD)
+        number.resize(point);
+    return number;
+}
+
+} // namespace
+
 std::string TSQLReader::ValueOf(const TFilterCond& condition, int value, const TSQLCondition& parsed,
                                 const TCapture& capture) {
     switch (condition.GetValueKind(value)) {
@@ -340,7 +385,10 @@ std::string TSQLReader::ValueOf(const TFilterCond& condition, int value, const T
     case vkScalar:
         break;
     }
-    return DisplayValue(condition, value, parsed, capture.Text, capture.Quoted);
+    return DisplayValue(condition, value, parsed,
+                        capture.Quoted || !strict_ ? capture.Text
+                                                   : NumberText(condition.GetValueType(value), capture.Text),
+                        capture.Quoted);
 }
 
 namespace {

@@ -4,6 +4,7 @@
 #include "lumora/model/sql_pattern.h"
 #include "lumora/query/filter_rows.h"
 #include "lumora/query/query.h"
+#include "lumora/reading/sql_operators.h"
 #include "lumora/sqlparse/Vsqlpars.h"
 
 #include <string>
@@ -13,6 +14,7 @@
 
 namespace lumora {
 
+class TSQLNames;
 class TTitles;
 class TVCustomDBStructure;
 
@@ -23,7 +25,7 @@ public:
     TSQLReader(TVQuery& query, const TTitles* subQueryTitles, int level = 0);
 
     // Fills the cleared query with the statement.
-    void Read(const TVParserResult& statement);
+    void Read(TVParserResult& statement);
     void ReadBracket(TFilterBracket& bracket, const TSQLBracket& parsed);
     TDSOperator* FindOperator(const TSQLCondition& parsed, bool negated, std::string& value1,
                               std::string& value2, TStringList& subQuery);
@@ -31,14 +33,7 @@ public:
     void UnfoldSubQuery(std::string_view sql, TStringList& lines) const;
 
 private:
-    // An operator that fits a condition, and the values that stood in its places.
-    struct TFit {
-        TDSOperator* Operator = nullptr;
-        TDSField* Field = nullptr;
-        bool Opposite = false; // the condition holds where the operator's does not
-        std::vector<TCapture> Values;
-    };
-
+    void ReadStrictly(TVParserResult& statement);
     void ReadFields(const TVParserResult& statement);
     void ReadNode(TFilterBracket& bracket, const TSQLConditionNode& node);
     void ReadCondition(TFilterBracket& bracket, const TSQLCondition& parsed);
@@ -53,12 +48,16 @@ private:
                              const std::string& text, bool quoted);
     std::string CheckedValue(const TFilterCond& condition, int value, const TSQLCondition& parsed,
                              const std::string& text, bool quoted) const;
-    TFit FindPlainFit(const TSQLCondition& parsed);
-    TFit FindStrictFit(const TSQLCondition& parsed);
-    TFit FindFit(const TSQLCondition& parsed, bool negated, std::string_view op);
+    TSQLCondition Resolved(const TSQLCondition& parsed) const;
+    bool IsColumn(std::string_view text) const;
+    [[noreturn]] void RefuseLeft(const TSQLCondition& parsed) const;
+    bool ReadAsOne(TFilterBracket& bracket, const TSQLBracket& parsed);
+    void AddCondition(TFilterBracket& bracket, const TSQLCondition& parsed, const TSQLFit& fit, bool negated);
+    TSQLFit FindPlainFit(const TSQLCondition& parsed);
+    TSQLFit FindStrictFit(const TSQLCondition& parsed) const;
+    TSQLFit FindFit(const TSQLCondition& parsed, bool negated, std::string_view op);
     const std::vector<TDSOperator*>& Candidates(bool negated, std::string_view op);
-    TFit FindFitAroundField(const TSQLCondition& parsed);
-    TFit LikeFallback(const TSQLCondition& parsed);
+    TSQLFit LikeFallback(const TSQLCondition& parsed);
     [[noreturn]] void Refuse(const TSQLCondition& parsed) const;
 
     TVQuery& query_;
@@ -66,6 +65,8 @@ private:
     const TTitles* subQueryTitles_;
     const int level_;
     const bool strict_;
+    bool inNegation_ = false; // a bracket around is negated
+    const TSQLNames* names_ = nullptr; // of the statement that a strict reader reads
     std::unordered_map<std::string, std::vector<TDSOperator*>> candidates_;
     std::string text_;
 };

@@ -34,6 +34,7 @@ public:
     // it.
     void Parse();
     const TVParserResult& GetResult() const { return result_; }
+    TVParserResult& GetResult() { return result_; }
 
 protected:
     virtual void ProcessSelect();

@@ -51,8 +51,10 @@ TSQLConditionNode* TVSQLParser::BooleanTerm() {
 
 // Strictly, parentheses around a predicate without a comparison ("exists ...") are a group too.
 bool TVSQLParser::OpensGroup() const {
-    if (!Is('(') || HasRole(trGroup))
-        return Is('(');
+    if (!Is('('))
+        return false;
+    if (HasRole(trGroup)) // strictly "(...) is not true" is a predicate of its own
+        return !(strict_ && HasRole(trClosed) && at_[at_->Step].Word == swIs);
     if (!strict_ || !HasRole(trClosed) || Peek().Word == swSelect)
         return false;
     return EndsPredicate(at_[at_->Step]);

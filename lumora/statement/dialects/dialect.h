@@ -44,6 +44,10 @@ struct TDialect {
     // stand for itself or not; empty: it stands for itself.
     std::string_view HexText = {};
     bool HashComments = false; // "#" begins a comment
+    // A name in double quotes that no column has is a text. Where the engine isn't known it can't be anything
+    // else: others refuse the statement.
+    bool DoubleQuotedTexts = false;
+    std::string_view DefaultSchema = {}; // tables of this one need no schema before their name
 
     TDateForm Date = {};
     TDateForm Time = {};

@@ -8,6 +8,7 @@ constinit const TDialect MySQLDialect{
     .NameQuotes = "``",
     .HexText = "_utf8mb4 X",
     .HashComments = true,
+    .DoubleQuotedTexts = true,
     .Date = {.Mask = "yyyy-mm-dd"},
     .Time = {.Mask = "hh:nn:ss.zzz"},
     .DateTime = {.Mask = "yyyy-mm-dd hh:nn:ss.zzz"},

@@ -5,6 +5,7 @@ namespace lumora {
 
 constinit const TDialect PostgreSQLDialect{
     .NameQuotes = "\"\"",
+    .DefaultSchema = "public",
     .Date = {.Mask = "yyyy-mm-dd"},
     .Time = {.Mask = "hh:nn:ss.zzz"},
     .DateTime = {.Mask = "yyyy-mm-dd hh:nn:ss.zzz"},

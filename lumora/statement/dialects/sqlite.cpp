@@ -6,6 +6,8 @@ namespace lumora {
 constinit const TDialect SQLiteDialect{
     .NameQuotes = "\"\"``[]",
     .ComparesDatesAsText = true,
+    .DoubleQuotedTexts = true,
+    .DefaultSchema = "main",
     .True = "1",
     .False = "0",
     .CaseBlindLike = "@1 LIKE @2",

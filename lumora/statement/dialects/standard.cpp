@@ -5,6 +5,7 @@ namespace lumora {
 
 constinit const TDialect StandardDialect{
     .Exact = false,
+    .DoubleQuotedTexts = true,
     .NullSafeEqual = "@1 IS NOT DISTINCT FROM @2",
     .Limit = "FETCH FIRST @1 ROWS ONLY",
     .Part = {.Year = "EXTRACT(YEAR FROM @1)",
