@@ -31,7 +31,8 @@ inline void AddPeopleOperators(TVDBStructure& model) {
         {"NotInQuery", "(@f in (@1)) is not true", false, vkSubQuery},
     };
     for (const TOperator& op : operators) {
-        model.AddUpdateOperator(true, op.Name, op.Name, op.SQL, "", op.TextsOnly ? LmStringTypes : LmUsedTypes);
+        model.AddUpdateOperator(true, op.Name, op.Name, op.SQL, "",
+                                op.TextsOnly ? LmStringTypes : LmUsedTypes);
         TDSOperator* const added = model.OperatorByName(op.Name);
         added->ValueKind = op.Kind;
         for (int i = 0; i < model.GetFieldCount(); ++i)

@@ -191,3 +191,81 @@ TEST_F(StrictSQLReader, TurnsPredicatesIntoTheirOpposite) {
         reads("not orders.amount * 2 > 7", false, "small for 7");
     }
 }
+
+TEST_F(StrictSQLReader, TakesOnlyOperatorsThatTheFieldOffers) {
+    const std::string sql = "select orders.amount from orders where orders.amount > 5";
+    EXPECT_EQ(Refusal(sql), "");
+    shop_.Field("orders.amount")->RemoveOperator(shop_.Operator("GreaterThan"));
+    EXPECT_EQ(Again(sql).substr(Again(sql).find("WHERE")),
+              "WHERE\n (\n NOT (\norders.amount <= 5\n)\n)\n"); // another one of its own
+    shop_.Field("orders.amount")->RemoveOperator(shop_.Operator("LessOrEqual"));
+    EXPECT_EQ(Refusal(sql), "Unrecognized operator \"orders.amount > 5\"\r\nLine:1");
+}
+
+TEST_F(StrictSQLReader, TellsTheOffendingPlace) {
+    const auto place = [this](const std::string& sql) {
+        TTextPlace found;
+        try {
+            Parse(sql);
+        } catch (const ESQLParserError& error) {
+            found = error.Place;
+        } catch (const EVQueryPanelError& error) {
+            found = error.Place;
+        }
+        return std::to_string(found.Line) + ":" +
+               sql.substr(static_cast<std::size_t>(found.Position), static_cast<std::size_t>(found.Length));
+    };
+    EXPECT_EQ(place("select amount,\n nothing + 1 from orders"), "2:nothing + 1");
+    EXPECT_EQ(place("select amount from orders\nwhere amount = 1\n and not nothing > 2 or 1 = 1"),
+              "3:nothing > 2");
+    EXPECT_EQ(place("select amount\nfrom nobody x"), "2:nobody");
+    EXPECT_EQ(place("select amount from orders\norder by nothing desc"), "2:nothing");
+    EXPECT_EQ(place("select amount from\nwhere amount = 1"), "2:where");
+    EXPECT_EQ(place("select amount from orders having 1 = 1"), "1:having");
+}
+
+// A text that says more than older readers know names it, and only then.
+TEST_F(StrictSQLReader, KeepsMainTableAndShownTablesInTheText) {
+    shop_.Panel.SetSaveTitles(false);
+    const auto main = [this] {
+        TStringList lines;
+        shop_.Panel.SaveToStrings(lines);
+        const std::string text = lines.GetText();
+        return text.substr(text.find("Options="), text.find("\n\n") - text.find("Options="));
+    };
+    Parse("select amount from orders");
+    EXPECT_EQ(main(), "Options=\nNeeds=MainTable\nMainTable=orders");
+    shop_.Model.SetDefaultMainTable(shop_.Model.TableByName(tnName, "orders"));
+    EXPECT_EQ(main(), "Options=");
+    shop_.Model.SetDefaultMainTable(nullptr);
+    Parse("select o.amount from orders o join customers on customers.custno = o.custno");
+    EXPECT_EQ(main(), "Options=\nNeeds=MainTable,Tables\nMainTable=orders\n"
+                      "Tables=\"customers inner orders:custno=custno\"");
+    const std::string sql = shop_.SQL();
+    EXPECT_NE(sql.find("FROM orders\n     INNER JOIN customers ON (customers.custno=orders.custno)"),
+              std::string::npos)
+        << sql;
+    TStringList lines;
+    shop_.Panel.SaveToStrings(lines);
+    for (const bool strict : {true, false}) {
+        TVQueryPanel copy;
+        copy.SetDbStruct(&shop_.Model);
+        copy.SetStrict(strict);
+        copy.SetSQLOptions({});
+        copy.SetSaveTitles(false);
+        copy.Activate();
+        copy.LoadFromStrings(lines);
+        copy.BuildQuery();
+        EXPECT_EQ(copy.GetQResult().GetSQL().GetText(), sql);
+        TStringList again;
+        copy.SaveToStrings(again);
+        EXPECT_EQ(again.GetText(), lines.GetText());
+    }
+    shop_.Model.DelLink(0);
+    EXPECT_EQ(MessageOf<EVQueryPanelError>([&] { shop_.SQL(); }),
+              "The data model does not join \"customers\" any more as the query does");
+    EXPECT_EQ(MessageOf<EVLumoraError>([&] {
+                  shop_.Panel.LoadFromStrings(TStringList("[Main]\nVersion=3.5\nNeeds=Tables,Wings\n"));
+              }),
+              "The text needs \"Wings\", which this version does not know");
+}

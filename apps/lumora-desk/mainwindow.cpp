@@ -474,16 +474,7 @@ void MainWindow::revertQuery() {
 }
 
 void MainWindow::readSql() {
-    ReadSqlDialog dialog(
-        [this](const QString& sql) -> QString {
-            try {
-                document_.readSql(sql);
-                return {};
-            } catch (const Exception& error) {
-                return sentence(error);
-            }
-        },
-        this);
+    ReadSqlDialog dialog([this](const QString& sql) { document_.readSql(sql); }, this);
     dialog.exec();
 }
 

@@ -1,11 +1,13 @@
 #include "apps/lumora-desk/readsqldialog.h"
 
+#include "apps/lumora-desk/deskdocument.h"
 #include "apps/lumora-desk/sqlview.h"
+#include "lumora/query/errors.h"
+#include "lumora/sqlparse/parser_error.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QTextBlock>
 #include <QVBoxLayout>
 
@@ -41,21 +43,35 @@ QString ReadSqlDialog::problem() const {
 }
 
 void ReadSqlDialog::accept() {
-    const QString problem = read_(text_->toPlainText());
-    problem_->setText(problem);
-    problem_->setVisible(!problem.isEmpty());
-    if (problem.isEmpty())
+    try {
+        read_(text_->toPlainText());
         return QDialog::accept();
-    // Show the line that the message tells of.
-    static const QRegularExpression lineNumber(QStringLiteral("\\(\\D+(\\d+)\\)\\.?$"));
-    const int line = lineNumber.match(problem).captured(1).toInt();
-    if (const QTextBlock block = text_->document()->findBlockByNumber(line - 1);
-        line > 0 && block.isValid()) {
-        QTextCursor cursor(block);
-        cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
-        text_->setTextCursor(cursor);
+    } catch (const Exception& error) {
+        problem_->setText(sentence(error));
+        problem_->show();
+        if (const auto* const parserError = dynamic_cast<const ESQLParserError*>(&error))
+            showPlace(parserError->Place);
+        else if (const auto* const queryError = dynamic_cast<const EVQueryPanelError*>(&error))
+            showPlace(queryError->Place);
     }
     text_->setFocus();
+}
+
+// Selects what the message tells of, or its line when no more is known.
+void ReadSqlDialog::showPlace(const TTextPlace& place) {
+    const QTextBlock block = text_->document()->findBlockByNumber(place.Line - 1);
+    if (place.Line < 1 || !block.isValid())
+        return;
+    QTextCursor cursor(block);
+    cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+    const QByteArray bytes = text_->toPlainText().toUtf8();
+    if (place.Position >= 0 && place.Length >= 0 && place.Position <= bytes.size()) {
+        const auto characters = [&bytes](int end) { return QString::fromUtf8(bytes.left(end)).size(); };
+        cursor.setPosition(static_cast<int>(characters(place.Position)));
+        cursor.setPosition(static_cast<int>(characters(place.Position + place.Length)),
+                           QTextCursor::KeepAnchor);
+    }
+    text_->setTextCursor(cursor);
 }
 
 } // namespace lumora::desk

@@ -7,6 +7,10 @@
 
 class QLabel;
 
+namespace lumora {
+struct TTextPlace;
+}
+
 namespace lumora::desk {
 
 class SqlView;
@@ -15,8 +19,8 @@ class ReadSqlDialog : public QDialog {
     Q_OBJECT
 
 public:
-    // Reads the text and says what is wrong with it; empty: it was read.
-    using Read = std::function<QString(const QString& sql)>;
+    // Reads the text, or raises what is wrong with it.
+    using Read = std::function<void(const QString& sql)>;
 
     explicit ReadSqlDialog(Read read, QWidget* parent = nullptr);
 
@@ -25,6 +29,8 @@ public:
     void accept() override;
 
 private:
+    void showPlace(const TTextPlace& place);
+
     const Read read_;
     SqlView* const text_;
     QLabel* const problem_;

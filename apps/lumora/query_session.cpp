@@ -72,7 +72,10 @@ void QuerySession::prepare(const QueryOptions& options) {
 
 void QuerySession::readQuery(const std::string& queryFile, const QueryOptions& options) {
     prepare(options);
-    ReadQueryText(query_, readLines(queryFile), options.saveTitles ? &titles_ : nullptr);
+    const TStringList lines = readLines(queryFile);
+    if (Trim(lines.GetText()).empty())
+        throw EFileError("\"" + queryFile + "\" is empty, which is no query");
+    ReadQueryText(query_, lines, options.saveTitles ? &titles_ : nullptr);
     // Again, for the text may hold others.
     if (options.sqlOptions)
         query_.SetSQLOptions(*options.sqlOptions);

@@ -69,7 +69,7 @@ void TQueryBuilder::AddShownTables() {
             throw EVQueryPanelError(qpeNoShownTable, {shown.Alias});
         if (!link) {
             AddTable(table);
-        } else if (!HasTable(table)) {
+        } else if (result_.GetResultTables().IndexOf(table) < 0) { // in a plain query too
             // Where joins stand in WHERE, only the link itself can say that it is an outer one.
             const bool canSay = panel_.GetSQLSyntax() == ssSQL2 || shown.Kind == jkInner ||
                                 (panel_.GetSQLSyntax() == ssOracle && shown.Kind == JoinKindOf(*link, table));
@@ -203,8 +203,9 @@ void TQueryBuilder::CheckSorting(const TResultField& field) const {
 void TQueryBuilder::AppendSortItem(std::string& out, const TResultField& field, bool constant) const {
     const bool justSorting = result_.GetResultFields().JustSorting;
     const bool fieldless = field.GetFields().empty();
-    const bool byName = justSorting || field.GetHidden() || (panel_.GetSQLOptions().Contains(soSortByNames) &&
-                                        !(strict_ && fieldless) && !constant);
+    const bool byName =
+        justSorting || field.GetHidden() ||
+        (panel_.GetSQLOptions().Contains(soSortByNames) && !(strict_ && fieldless) && !constant);
     if (!byName)
         out += std::to_string(field.GetNumber());
     else if (fieldless || strict_) // strict: what the column shows, not only the first field in it

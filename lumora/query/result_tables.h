@@ -1,7 +1,7 @@
 // The tables that take part in a query, in join order.
 #pragma once
 
-#include "lumora/statement/select.h"
+#include "lumora/statement/join_kind.h"
 
 #include <string_view>
 #include <vector>

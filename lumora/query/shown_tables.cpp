@@ -67,8 +67,12 @@ std::string ShownTablesToText(const TShownTableList& tables) {
     for (const TShownTable& table : tables) {
         std::string item = table.Alias;
         if (!table.Partner.empty())
-            item.append(" ").append(KindNames[table.Kind]).append(" ").append(table.Partner).append(":").append(
-                table.Columns);
+            item.append(" ")
+                .append(KindNames[table.Kind])
+                .append(" ")
+                .append(table.Partner)
+                .append(":")
+                .append(table.Columns);
         items.Add(item);
     }
     return items.GetCommaText();

@@ -1,7 +1,7 @@
 // Tables that a query joins whether or not anything in it names them, each in its own way.
 #pragma once
 
-#include "lumora/statement/select.h"
+#include "lumora/statement/join_kind.h"
 
 #include <string>
 #include <string_view>

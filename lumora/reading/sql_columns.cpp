@@ -27,6 +27,12 @@ std::string LowerOutsideLiterals(std::string_view text) {
     return lower;
 }
 
+// Two expressions that differ in blanks and letter case are one, unless something in quotes may differ too.
+std::string KeyOf(std::string_view expression) {
+    return expression.find_first_of("'\"`[") == std::string_view::npos ? FoldBlanks(expression)
+                                                                       : std::string(expression);
+}
+
 // What a column can't hold: a statement of its own, and a text that a formula would take for a placeholder.
 bool IsBeyondColumns(std::string_view text) {
     for (TVScanner scanner(text); !scanner.AtEnd(); scanner.Next()) {
@@ -56,9 +62,8 @@ void TSQLColumns::Read() {
 }
 
 bool TSQLColumns::TakesAnyRecord() const {
-    return std::any_of(grouped_.begin(), grouped_.end(), [](const TResultField* field) {
-        return field->GetGrouping() == cgAny;
-    });
+    return std::any_of(grouped_.begin(), grouped_.end(),
+                       [](const TResultField* field) { return field->GetGrouping() == cgAny; });
 }
 
 // "*", or "t.*" of the only table.
@@ -90,8 +95,8 @@ bool TSQLColumns::CountsRecords(std::string_view text, const TTextPlace& place) 
     const std::string folded = FoldBlanks(text);
     if (folded == CountOfRecords || folded == "count(1)")
         return true;
-    if (!folded.starts_with("count(") || !folded.ends_with(".*)") || folded.find('(', 6) != std::string::npos ||
-        folded.starts_with("count(distinct"))
+    if (!folded.starts_with("count(") || !folded.ends_with(".*)") ||
+        folded.find('(', 6) != std::string::npos || folded.starts_with("count(distinct"))
         return false;
     if (names_.GetCount() > 1) // not of the records where a join has found none
         throw EVQueryPanelError(qpeCantBeKept, {text}, place);
@@ -108,6 +113,9 @@ TResultField& TSQLColumns::AddField(std::string_view text, const TTextPlace& pla
     for (const std::string& name : expression.Unknown)
         if (!hasFields || FindWholeWord(formula, LowerAscii(name)) != std::string::npos)
             throw EVQueryPanelError(qpeUnrecognizedField, {name}, place);
+    for (const TDSField* const entry : field->GetFields())
+        if (hasFields && !names_.HasTablesOf(*entry))
+            throw EVQueryPanelError(qpeUnrecognizedField, {entry->GetSQLExpr()}, place);
     if (!hasFields) {
         fields_.Delete(fields_.IndexOf(field));
         const std::string constant = LowerOutsideLiterals(expression.Text);
@@ -160,9 +168,9 @@ TResultField* TSQLColumns::ByAlias(std::string_view text) const {
 
 // The column of the list that says the same as the last one, which then goes; else the last one, hidden.
 TResultField& TSQLColumns::MergeLast(TResultField& last) {
-    const std::string expression = FoldBlanks(last.GetSQLExpr());
+    const std::string expression = KeyOf(last.GetSQLExpr());
     for (int i = 0; i + 1 < fields_.Count(); ++i)
-        if (TResultField& field = *fields_.GetRField(i); FoldBlanks(field.GetSQLExpr()) == expression) {
+        if (TResultField& field = *fields_.GetRField(i); KeyOf(field.GetSQLExpr()) == expression) {
             fields_.Delete(fields_.Count() - 1);
             return field;
         }
@@ -213,7 +221,7 @@ TResultField& TSQLColumns::ByGroupItem(const TVParserResult::TGroupItem& item) {
 void TSQLColumns::ReadGroupBy() {
     std::vector<std::string> keys;
     for (const TVParserResult::TGroupItem& item : statement_.GroupBy)
-        keys.push_back(FoldBlanks(ByGroupItem(item).GetSQLExpr()));
+        keys.push_back(KeyOf(ByGroupItem(item).GetSQLExpr()));
     bool totals = false;
     for (int i = 0; i < fields_.Count(); ++i) {
         grouped_.push_back(fields_.GetRField(i));
@@ -240,39 +248,40 @@ void TSQLColumns::DropCovered() {
             for (std::string& text : GroupTexts(*field))
                 covered.push_back(std::move(text));
     std::erase_if(grouped_, [&](TResultField* field) {
-        const bool isCovered = field->GetHidden() && field->GetSorting() == stNoSort && !field->GetAgregate() &&
-                               std::find(covered.begin(), covered.end(), FoldBlanks(field->GetSQLExpr())) !=
-                                   covered.end();
+        const bool isCovered =
+            field->GetHidden() && field->GetSorting() == stNoSort && !field->GetAgregate() &&
+            std::find(covered.begin(), covered.end(), KeyOf(field->GetSQLExpr())) != covered.end();
         if (isCovered)
             fields_.Delete(fields_.IndexOf(field));
         return isCovered;
     });
 }
 
-// What the generator groups by for a column, folded.
+// What the generator groups by for a column, as keys.
 std::vector<std::string> TSQLColumns::GroupTexts(const TResultField& field) const {
     const TDialect& dialect = EffectiveDialect(query_.GetDialect(), query_.GetSQLSyntax(), true);
     std::vector<std::string> texts;
     for (const TDSField* const entry : field.GetFields()) {
         const std::string text = entry->GetGroupByFields(QuotingOf(dialect, true));
         if (entry->GetKind() == vfkData)
-            texts.push_back(FoldBlanks(text));
+            texts.push_back(KeyOf(text));
         else
             for (const std::string_view reference : SplitText(text, ','))
-                texts.push_back(FoldBlanks(reference));
+                texts.push_back(KeyOf(reference));
     }
     return texts;
 }
 
 // As it is needed where the generator groups by the same; any record's where nothing groups by it.
-TColumnGrouping TSQLColumns::GroupingOf(const TResultField& field, const std::vector<std::string>& keys) const {
+TColumnGrouping TSQLColumns::GroupingOf(const TResultField& field,
+                                        const std::vector<std::string>& keys) const {
     const auto isKey = [&keys](const std::string& text) {
         return std::find(keys.begin(), keys.end(), text) != keys.end();
     };
     const std::vector<std::string> texts = GroupTexts(field);
     if (std::all_of(texts.begin(), texts.end(), isKey))
         return cgAsNeeded;
-    if (isKey(FoldBlanks(field.GetSQLExpr())))
+    if (isKey(KeyOf(field.GetSQLExpr())))
         return cgKey;
     if (keys.empty())
         throw EVQueryPanelError(qpeCantBeKept, {field.GetSQLExpr()}, PlaceOf(field));
@@ -293,7 +302,7 @@ bool TSQLColumns::SaysDistinct() const {
 
 void TSQLColumns::MakeKeys(const std::vector<std::string>& keys) {
     for (TResultField* const field : grouped_)
-        if (std::find(keys.begin(), keys.end(), FoldBlanks(field->GetSQLExpr())) != keys.end())
+        if (std::find(keys.begin(), keys.end(), KeyOf(field->GetSQLExpr())) != keys.end())
             field->SetGrouping(cgKey);
 }
 

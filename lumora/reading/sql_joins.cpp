@@ -163,8 +163,8 @@ bool TSQLJoins::Reached(int use) const {
     return std::any_of(steps_.begin(), steps_.end(), [use](const TStep& step) { return step.Use == use; });
 }
 
-// From the first table on, so that each link joins a table to one that is joined already. Inner and left joins
-// give the same rows in any such order; others keep the statement's.
+// From the first table on, so that each link joins a table to one that is joined already. Inner and left
+// joins give the same rows in any such order; others keep the statement's.
 bool TSQLJoins::FindSteps() {
     steps_.assign(1, {0, nullptr, jkInner});
     for (TOn& on : ons_)
@@ -207,26 +207,33 @@ bool TSQLJoins::JoinByOwnOn(int use) {
     return true;
 }
 
-// What stands behind the ON of inner joins, and in WHERE, holds together.
+// What stands behind the ON of inner joins, and in WHERE, holds together. Where a join keeps rows of the
+// table that it joins, each has its own ON alone.
 bool TSQLJoins::JoinByAnyPair(int use) {
     std::vector<TPair*> pairs;
     std::vector<TPair*> used;
     for (TOn& on : ons_)
         for (TPair& pair : on.Pairs)
-            if (on.Kind == swInner)
+            if (on.Kind == swInner && (!hasRight_ || &on == &ons_[static_cast<std::size_t>(use)]))
                 pairs.push_back(&pair);
     for (TPair& pair : wherePairs_)
-        pairs.push_back(&pair);
+        if (!hasRight_)
+            pairs.push_back(&pair);
     TDSLink* const link = FindLink(use, pairs, used);
     if (!link)
         return false;
     TJoinKind kind = jkInner;
-    for (TPair* const pair : used) {
-        pair->Used = true;
-        const TSQLColumn& own = pair->Left.Use == use ? pair->Left : pair->Right;
-        const TSQLColumn& partner = pair->Left.Use == use ? pair->Right : pair->Left;
+    for (const TPair* const pair : used) {
+        const bool isLeft = pair->Left.Use == use;
+        const TSQLColumn& own = isLeft ? pair->Left : pair->Right;
+        const TSQLColumn& partner = isLeft ? pair->Right : pair->Left;
         kind = own.Optional ? jkLeft : partner.Optional ? jkRight : kind;
     }
+    // With marks WHERE filters when all are joined, which JOIN clauses can't say of more tables.
+    if (kind == jkRight && names_.GetCount() > 2 && query_.GetSQLSyntax() != ssOracle)
+        return false;
+    for (TPair* const pair : used)
+        pair->Used = true;
     steps_.push_back({use, link, kind});
     return true;
 }
@@ -243,8 +250,9 @@ TDSLink* TSQLJoins::FindLink(int use, const std::vector<TPair*>& pairs, std::vec
             for (int i = 0; i < link->Fields1.Count() && i < link->Fields2.Count(); ++i) {
                 const std::string_view op =
                     i < link->Operators.Count() ? link->Operators[i] : std::string_view("=");
-                TPair* const pair = isFirst ? FindPair(use, link->Fields1[i], op, step.Use, link->Fields2[i], pairs)
-                                            : FindPair(step.Use, link->Fields1[i], op, use, link->Fields2[i], pairs);
+                TPair* const pair =
+                    isFirst ? FindPair(use, link->Fields1[i], op, step.Use, link->Fields2[i], pairs)
+                            : FindPair(step.Use, link->Fields1[i], op, use, link->Fields2[i], pairs);
                 if (pair)
                     used.push_back(pair);
             }
@@ -263,7 +271,8 @@ TSQLJoins::TPair* TSQLJoins::FindPair(int use, std::string_view column, std::str
     for (TPair* const pair : pairs) {
         if (pair->Used)
             continue;
-        if (SameSQL(pair->Operator, op) && is(pair->Left, use, column) && is(pair->Right, partner, partnerColumn))
+        if (SameSQL(pair->Operator, op) && is(pair->Left, use, column) &&
+            is(pair->Right, partner, partnerColumn))
             return pair;
         if (SameSQL(pair->Operator, Mirrored(op)) && is(pair->Left, partner, partnerColumn) &&
             is(pair->Right, use, column))
@@ -379,7 +388,8 @@ void TSQLJoins::MakeQueryAgree(bool exactly) {
 // it.
 bool TSQLJoins::SameOrder(const TRTableList& made) const {
     for (int i = 0; i < made.Count(); ++i)
-        if (made.GetItem(i).Table != names_.GetTable(statement_.SelectAll ? i : steps_[static_cast<std::size_t>(i)].Use))
+        if (made.GetItem(i).Table !=
+            names_.GetTable(statement_.SelectAll ? i : steps_[static_cast<std::size_t>(i)].Use))
             return false;
     return true;
 }

@@ -45,13 +45,17 @@ std::string_view LastPart(std::string_view name) {
 // Words of expressions that are no columns, whatever the model knows.
 bool IsExpressionWord(std::string_view name) {
     static constexpr std::string_view words[] = {
-        "and",  "as",       "between", "binary", "boolean",      "bigint",       "case",
-        "cast", "char",     "collate", "date",   "decimal",      "distinct",     "double",
-        "else", "end",      "escape",  "false",  "float",        "in",           "int",
-        "is",   "integer",  "interval", "like",  "nocase",       "not",          "null",
-        "or",   "numeric",  "precision", "real", "rtrim",        "smallint",     "text",
-        "then", "time",     "timestamp", "true", "varchar",      "when",         "current_date",
-        "current_time", "current_timestamp"};
+        "and",      "as",           "between",      "binary",
+        "boolean",  "bigint",       "case",         "cast",
+        "char",     "collate",      "date",         "decimal",
+        "distinct", "double",       "else",         "end",
+        "escape",   "false",        "float",        "in",
+        "int",      "is",           "integer",      "interval",
+        "like",     "nocase",       "not",          "null",
+        "or",       "numeric",      "precision",    "real",
+        "rtrim",    "smallint",     "text",         "then",
+        "time",     "timestamp",    "true",         "varchar",
+        "when",     "current_date", "current_time", "current_timestamp"};
     return std::any_of(std::begin(words), std::end(words),
                        [name](std::string_view word) { return SameText(word, name); });
 }
@@ -120,8 +124,8 @@ bool TSQLNames::IsNameOf(const TDSTable& table, std::string_view name) const {
         !schema.empty() && name.size() > schema.size() && name[schema.size()] == '.' &&
         SameText(name.substr(0, schema.size()), schema) && SameText(own, name.substr(schema.size() + 1)))
         return true;
-    return own.find('"') != std::string::npos && (SameText(ReplaceText(own, "\"", ""), name) ||
-                                                  SameText(NameIn(table.GetSQLExpr(nqStrict)), name));
+    return own.find('"') != std::string::npos &&
+           (SameText(ReplaceText(own, "\"", ""), name) || SameText(NameIn(table.GetSQLExpr(nqStrict)), name));
 }
 
 // The one that bears the statement's alias first, then the one that bears its own name.
@@ -144,14 +148,21 @@ bool TSQLNames::AreOfModel() const {
                        [](const TUse& use) { return SameText(use.Parsed->Alias, use.Table->GetAlias()); });
 }
 
+bool TSQLNames::HasTablesOf(const TDSField& field) const {
+    return std::all_of(field.GetTables().begin(), field.GetTables().end(), [this](const TDSTable* table) {
+        return std::any_of(uses_.begin(), uses_.end(),
+                           [table](const TUse& use) { return use.Table == table; });
+    });
+}
+
 // An alias hides the table's name; without one its last part will do.
 int TSQLNames::UseCalled(std::string_view qualifier) const {
     for (int i = 0; i < GetCount(); ++i)
         if (SameText(GetParsed(i).Alias, qualifier))
             return i;
     for (int i = 0; i < GetCount(); ++i)
-        if (!GetParsed(i).HasAlias && (SameText(LastPart(GetParsed(i).Alias), qualifier) ||
-                                       IsNameOf(*GetTable(i), qualifier)))
+        if (!GetParsed(i).HasAlias &&
+            (SameText(LastPart(GetParsed(i).Alias), qualifier) || IsNameOf(*GetTable(i), qualifier)))
             return i;
     return -1;
 }
@@ -163,12 +174,13 @@ TDSField* TSQLNames::FieldOf(const TDSTable& table, std::string_view column) con
     const std::string start = table.GetAlias() + '.';
     std::string quoted = start;
     model_.GetSQLFormats().Quotes().Append(quoted, column, nqPlain);
-    for (const std::string& text : {start + std::string(column), quoted, start + QuoteText(column, '"', '"')}) {
+    for (const std::string& text :
+         {start + std::string(column), quoted, start + QuoteText(column, '"', '"')}) {
         TDSField* const field = model_.FieldByName(fnSQLExpr, text);
-        const bool isColumn = field && (field->GetKind() == vfkVirtual ||
-                                        (field->GetTable() == &table &&
-                                         (SameText(field->GetFieldText(), column) ||
-                                          SameText(NameIn(field->GetFieldText()), column))));
+        const bool isColumn =
+            field && (field->GetKind() == vfkVirtual ||
+                      (field->GetTable() == &table && (SameText(field->GetFieldText(), column) ||
+                                                       SameText(NameIn(field->GetFieldText()), column))));
         if (isColumn)
             return field;
     }
@@ -198,8 +210,8 @@ int TSQLNames::UseOf(const TChain& chain, const TTextPlace& place) const {
         if (!HasColumn(At(i), column))
             continue;
         if (found >= 0)
-            throw EVQueryPanelError(qpeAmbiguousField,
-                                    {column, GetParsed(found).Alias, GetParsed(i).Alias}, place);
+            throw EVQueryPanelError(qpeAmbiguousField, {column, GetParsed(found).Alias, GetParsed(i).Alias},
+                                    place);
         found = i;
     }
     return found;

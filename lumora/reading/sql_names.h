@@ -11,6 +11,7 @@
 
 namespace lumora {
 
+class TDSField;
 class TDSTable;
 struct TDialect;
 
@@ -34,6 +35,9 @@ public:
     // Whether each use bears the alias of its table.
     bool AreOfModel() const;
     const TSQLTable& GetParsed(int use) const { return *At(use).Parsed; }
+
+    // Whether the field's tables are all among them.
+    bool HasTablesOf(const TDSField& field) const;
 
     // --- Columns. A name that several tables have raises EVQueryPanelError.
     // Whether the text is a column and nothing else.

@@ -75,7 +75,8 @@ bool TSQLOperators::Match(TDSField& field, const TSQLCondition& condition, bool 
             const TSQLPattern& pattern = op->GetPattern();
             const bool matches =
                 form.FieldStart == std::string::npos
-                    ? pattern.Match(form.Text, name, fit.Values) && FoldBlanks(name) == FoldBlanks(condition.Left)
+                    ? pattern.Match(form.Text, name, fit.Values) &&
+                          FoldBlanks(name) == FoldBlanks(condition.Left)
                     : pattern.Match(form.Text, form.FieldStart, condition.Left.size(), fit.Values);
             if (!matches || !TakePatterns(form, fit.Values))
                 continue;
@@ -112,9 +113,9 @@ std::vector<TSQLOperators::TForm> TSQLOperators::FormsOf(const TSQLCondition& co
         if (folded == "null")
             plain("is", differs ? "not null" : "null");
         else if (differs)
-            forms.push_back({"(" + Plain(condition, "<>", value) + " or " + std::string(condition.Left) +
-                                 " is null)",
-                             std::string::npos});
+            forms.push_back(
+                {"(" + Plain(condition, "<>", value) + " or " + std::string(condition.Left) + " is null)",
+                 std::string::npos});
         else if (onlyTrueCounts)
             plain("=", value);
     } else if (const std::string_view opposite = OppositeOf(op); !opposite.empty()) {
@@ -200,7 +201,8 @@ TSQLFit TSQLOperators::FindAround(std::string_view text) const {
     for (int i = 0; i < model_.GetOperatCount(); ++i) {
         TDSOperator* const op = model_.GetOperator(i);
         std::string_view name;
-        if (op->GetPattern().Head().empty() || !op->GetPattern().Match(text, name, fit.Values) || name.empty())
+        if (op->GetPattern().Head().empty() || !op->GetPattern().Match(text, name, fit.Values) ||
+            name.empty())
             continue;
         TDSField* const field = FieldBySQL(model_, name, true);
         if (!field || std::find(field->GetOperators().begin(), field->GetOperators().end(), op) ==

@@ -42,8 +42,8 @@ private:
         std::string Text;
         std::size_t FieldStart; // npos: anywhere
         bool IsPattern = false;
-        bool IsEscaped = false;      // the statement names the escape character
-        bool IsClauseNamed = false;  // and so does this form
+        bool IsEscaped = false;     // the statement names the escape character
+        bool IsClauseNamed = false; // and so does this form
     };
 
     bool Match(TDSField& field, const TSQLCondition& condition, bool negated, bool onlyTrueCounts,

@@ -134,7 +134,7 @@ TSQLCondition TSQLReader::Resolved(const TSQLCondition& parsed) const {
     condition.Left = names_->WithFieldsAndTexts(parsed.Left, parsed.Place);
     if (!parsed.SubQuery)
         condition.Value = names_->WithFieldsAndTexts(parsed.Value, parsed.Place);
-    static constexpr std::string_view mirrored[][2] = {{"=", "="},  {"<>", "<>"}, {"!=", "!="}, {"<", ">"},
+    static constexpr std::string_view mirrored[][2] = {{"=", "="}, {"<>", "<>"}, {"!=", "!="}, {"<", ">"},
                                                        {">", "<"}, {"<=", ">="}, {">=", "<="}};
     for (const auto& [op, other] : mirrored)
         if (condition.Operator == op && !FieldBySQL(model_, condition.Left, true) &&
@@ -150,6 +150,8 @@ TSQLFit TSQLReader::FindStrictFit(const TSQLCondition& parsed) const {
     const TDialect& dialect = EffectiveDialect(query_.GetDialect(), query_.GetSQLSyntax(), true);
     const TSQLOperators operators(model_, dialect);
     if (TDSField* const field = FieldBySQL(model_, parsed.Left, true)) {
+        if (names_ && !names_->HasTablesOf(*field))
+            throw EVQueryPanelError(qpeUnrecognizedField, {parsed.Left}, parsed.Place);
         TSQLFit fit = operators.Find(*field, parsed, !inNegation_);
         if (!fit.Operator && IsColumn(parsed.Value))
             Refuse(parsed);

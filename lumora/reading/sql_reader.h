@@ -65,7 +65,7 @@ private:
     const TTitles* subQueryTitles_;
     const int level_;
     const bool strict_;
-    bool inNegation_ = false; // a bracket around is negated
+    bool inNegation_ = false;          // a bracket around is negated
     const TSQLNames* names_ = nullptr; // of the statement that a strict reader reads
     std::unordered_map<std::string, std::vector<TDSOperator*>> candidates_;
     std::string text_;

@@ -129,8 +129,8 @@ bool TVSQLParser::TakeBareAlias(const TSQLToken* first, TSQLResultField& field) 
     const TSQLToken& before = at_[-2];
     const bool isName =
         (at_[-1].Kind == tkIdentifier || at_[-1].Kind == tkQuotedIdentifier) && at_[-1].Word == swNone;
-    const bool endsBefore = before.Kind == tkSymbol ? before.Symbol == ')'
-                                                    : before.Word == swNone || before.Word == swEnd;
+    const bool endsBefore =
+        before.Kind == tkSymbol ? before.Symbol == ')' : before.Word == swNone || before.Word == swEnd;
     if (!isName || !endsBefore)
         return false;
     --at_;

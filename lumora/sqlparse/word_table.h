@@ -15,11 +15,10 @@ namespace lumora::detail {
 
 // In the order of TSQLWord.
 inline constexpr std::array<std::string_view, SQLWordCount> Words = {
-    "",         "and",       "as",     "asc",   "between", "by",    "case",  "cross",  "desc",
-    "distinct", "end",       "except", "fetch", "from",    "full",  "group", "having", "ilike",  "in",
-    "inner",    "intersect", "is",     "join",  "left",    "like",  "limit", "minus",  "natural",
-    "not",      "null",      "offset", "on",    "or",      "order", "outer", "over",   "right",
-    "select",   "union",     "using",  "where", "window",  "with"};
+    "",       "and",   "as",   "asc",   "between", "by",      "case",  "cross", "desc",   "distinct",  "end",
+    "except", "fetch", "from", "full",  "group",   "having",  "ilike", "in",    "inner",  "intersect", "is",
+    "join",   "left",  "like", "limit", "minus",   "natural", "not",   "null",  "offset", "on",        "or",
+    "order",  "outer", "over", "right", "select",  "union",   "using", "where", "window", "with"};
 
 inline constexpr std::size_t LongestWord = 9;
 inline constexpr std::size_t KeyLength = 8;

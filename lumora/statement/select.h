@@ -13,9 +13,9 @@
 
 #include "lumora/platform/field_types.h"
 #include "lumora/statement/arena.h"
+#include "lumora/statement/join_kind.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,11 +25,6 @@ namespace lumora {
 class TDSLink;
 class TDSTable;
 using TDSTableList = std::vector<TDSTable*>;
-
-// How a table is joined to one before it, which stands on the left.
-enum TJoinKind : std::uint8_t { jkInner, jkLeft, jkRight, jkFull };
-// As the link says it, seen from the table that it joins.
-TJoinKind JoinKindOf(const TDSLink& link, const TDSTable* joined);
 
 // A piece of the statement's text buffer.
 struct TTextSpan {

@@ -222,10 +222,12 @@ TEST_F(Windows, AnErrorOfTheDatabaseStandsWhereTheRowsWould) {
 
 TEST_F(Windows, SqlIsReadOrTheDialogSaysWhyNot) {
     const WhenDialogOpens<ReadSqlDialog> dialog([](ReadSqlDialog& shown) {
-        shown.text().setPlainText("select name\nfrom customers\nwhere city like");
+        shown.text().setPlainText(
+            QStringLiteral("select name\nfrom customers\nwhere city = 'Tromsø' and nme = 1"));
         shown.accept();
         EXPECT_TRUE(shown.isVisible());
-        EXPECT_NE(shown.problem(), "");
+        EXPECT_TRUE(shown.problem().contains(QLatin1String("nme")));
+        EXPECT_EQ(shown.text().textCursor().selectedText(), QLatin1String("nme = 1"));
         shown.text().setPlainText("select customers.name from customers where customers.city = 'Bergen'");
         shown.accept();
         EXPECT_FALSE(shown.isVisible());

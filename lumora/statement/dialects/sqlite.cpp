@@ -5,9 +5,9 @@ namespace lumora {
 
 constinit const TDialect SQLiteDialect{
     .NameQuotes = "\"\"``[]",
-    .ComparesDatesAsText = true,
     .DoubleQuotedTexts = true,
     .DefaultSchema = "main",
+    .ComparesDatesAsText = true,
     .True = "1",
     .False = "0",
     .CaseBlindLike = "@1 LIKE @2",
