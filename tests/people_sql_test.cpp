@@ -10,7 +10,6 @@
 #include "lumora/reading/read_sql.h"
 #include "lumora/support/Vstrings.h"
 #include "tests/cli_process.h"
-#include "tests/filled_people_model.h"
 #include "tests/message_of.h"
 
 #include <gtest/gtest.h>
@@ -125,13 +124,6 @@ private:
         info.SetDatabaseName("people");
         offerForeignKeys(info, session);
         fillModel(model_, info, session);
-        AddPeopleOperators(model_);
-        MakeLinksOptional(model_, {"show.venue_id", "teacher.dept", "student.major", "student.advisor",
-                                   "flight.airline", "flight.destination"});
-        if (model_.TableByName(tnName, "flight"))
-            AddRole(model_, "flight", "destination", "airport", "code");
-        if (model_.TableByName(tnName, "teacher"))
-            AddRole(model_, "teacher", "boss", "teacher", "id");
     }
 
     int argumentCount_ = 1;

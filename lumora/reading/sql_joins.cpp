@@ -285,69 +285,77 @@ TSQLJoins::TPair* TSQLJoins::FindPair(int use, std::string_view column, std::str
 
 // The same comparison once more says nothing where the join is an inner one.
 void TSQLJoins::DropRepeated() {
-    const auto repeats = [this](const TPair& pair) {
-        for (const TStep& step : steps_) {
-            if (!step.Link || step.Kind != jkInner || pair.Operator != "=")
-                continue;
-            const int partner = pair.Left.Use == step.Use ? pair.Right.Use : pair.Left.Use;
-            const TSQLColumn& own = pair.Left.Use == step.Use ? pair.Left : pair.Right;
-            const TSQLColumn& other = pair.Left.Use == step.Use ? pair.Right : pair.Left;
-            const TDSTable* const table = names_.GetTable(step.Use);
-            if (own.Use != step.Use || own.Optional || other.Optional ||
-                names_.GetTable(partner) != step.Link->Neighbour(table))
-                continue;
-            const bool isFirst = step.Link->Table1 == table;
-            for (int i = 0; i < step.Link->Fields1.Count(); ++i)
-                if (SameText((isFirst ? step.Link->Fields1 : step.Link->Fields2)[i], own.Name) &&
-                    SameText((isFirst ? step.Link->Fields2 : step.Link->Fields1)[i], other.Name) &&
-                    step.Link->Operators[i] == "=")
-                    return true;
-        }
-        return false;
-    };
     for (TPair& pair : wherePairs_)
-        pair.Used = pair.Used || repeats(pair);
+        pair.Used = pair.Used || Repeats(pair);
     for (TOn& on : ons_)
         for (TPair& pair : on.Pairs)
-            pair.Used = pair.Used || (on.Kind == swInner && repeats(pair));
+            pair.Used = pair.Used || (on.Kind == swInner && Repeats(pair));
+}
+
+bool TSQLJoins::Repeats(const TPair& pair) const {
+    if (pair.Operator != "=" || pair.Left.Optional || pair.Right.Optional)
+        return false;
+    for (const TStep& step : steps_)
+        if (step.Link && step.Kind == jkInner &&
+            (IsPairOf(*step.Link, pair.Left, pair.Right) || IsPairOf(*step.Link, pair.Right, pair.Left)))
+            return true;
+    return false;
+}
+
+// Whether the link compares the first column, of its first table, with the second one by "=".
+bool TSQLJoins::IsPairOf(const TDSLink& link, const TSQLColumn& first, const TSQLColumn& second) const {
+    if (names_.GetTable(first.Use) != link.Table1 || names_.GetTable(second.Use) != link.Table2)
+        return false;
+    for (int i = 0; i < link.Fields1.Count() && i < link.Fields2.Count(); ++i)
+        if (SameText(link.Fields1[i], first.Name) && SameText(link.Fields2[i], second.Name))
+            return i < link.Operators.Count() && link.Operators[i] == "=";
+    return false;
 }
 
 // What the ON of an inner join says besides may stand in WHERE, unless a later join adds rows without it.
-void TSQLJoins::MakeWhere() {
-    std::vector<TSQLConditionNode*> more;
+std::vector<TSQLConditionNode*> TSQLJoins::RestOfOns() const {
+    std::vector<TSQLConditionNode*> rest;
     for (int use = 0; use < names_.GetCount(); ++use) {
         const TOn& on = ons_[static_cast<std::size_t>(use)];
-        std::size_t known = more.size();
+        const std::size_t before = rest.size();
         for (const TPair& pair : on.Pairs)
             if (!pair.Used)
-                more.push_back(pair.Node);
-        more.insert(more.end(), on.Others.begin(), on.Others.end());
-        if (more.size() > known && hasRight_)
+                rest.push_back(pair.Node);
+        rest.insert(rest.end(), on.Others.begin(), on.Others.end());
+        if (rest.size() > before && hasRight_)
             RefuseJoin(use);
     }
+    return rest;
+}
+
+std::vector<TSQLConditionNode*> TSQLJoins::RestOfWhere(bool isOpened) const {
+    std::vector<TSQLConditionNode*> rest;
+    if (!IsConjunction(*statement_.RootBracket)) {
+        rest.push_back(statement_.RootBracket);
+    } else if (isOpened) {
+        for (const TPair& pair : wherePairs_)
+            if (!pair.Used)
+                rest.push_back(pair.Node);
+        rest.insert(rest.end(), whereOthers_.begin(), whereOthers_.end());
+    } else {
+        for (TSQLConditionNode* node = statement_.RootBracket->GetFirst(); node; node = node->GetNext())
+            rest.push_back(node);
+    }
+    return rest;
+}
+
+void TSQLJoins::MakeWhere() {
+    const std::vector<TSQLConditionNode*> ofOns = RestOfOns();
     const bool anyUsed =
         std::any_of(wherePairs_.begin(), wherePairs_.end(), [](const TPair& pair) { return pair.Used; });
-    if (more.empty() && !anyUsed)
+    if (ofOns.empty() && !anyUsed)
         return;
     TSQLBracket* const root = statement_.NewBracket();
     root->Operator = "and";
     root->Place = statement_.RootBracket->Place;
-    if (!IsConjunction(*statement_.RootBracket)) {
-        root->AddNode(statement_.RootBracket);
-    } else if (anyUsed) {
-        for (const TPair& pair : wherePairs_)
-            if (!pair.Used)
-                root->AddNode(pair.Node);
-        for (TSQLConditionNode* const node : whereOthers_)
-            root->AddNode(node);
-    } else {
-        std::vector<TSQLConditionNode*> nodes;
-        for (TSQLConditionNode* node = statement_.RootBracket->GetFirst(); node; node = node->GetNext())
-            nodes.push_back(node);
-        for (TSQLConditionNode* const node : nodes)
-            root->AddNode(node);
-    }
-    for (TSQLConditionNode* const node : more)
+    for (TSQLConditionNode* const node : RestOfWhere(anyUsed))
+        root->AddNode(node);
+    for (TSQLConditionNode* const node : ofOns)
         root->AddNode(node);
     where_ = root;
     if (root->GetCount() == 1 && root->GetFirst()->IsBracket())

@@ -66,6 +66,10 @@ private:
     TPair* FindPair(int use, std::string_view column, std::string_view op, int partner,
                     std::string_view partnerColumn, const std::vector<TPair*>& pairs) const;
     void DropRepeated();
+    bool Repeats(const TPair& pair) const;
+    bool IsPairOf(const TDSLink& link, const TSQLColumn& first, const TSQLColumn& second) const;
+    std::vector<TSQLConditionNode*> RestOfOns() const;
+    std::vector<TSQLConditionNode*> RestOfWhere(bool isOpened) const;
     void MakeWhere();
     [[noreturn]] void RefuseJoin(int use) const;
     bool Agrees() const;

@@ -1,6 +1,7 @@
 #include "lumora/reading/sql_operators.h"
 
 #include "lumora/model/structure.h"
+#include "lumora/platform/ascii.h"
 #include "lumora/query/field_by_sql.h"
 #include "lumora/statement/dialects/dialect.h"
 #include "lumora/support/string_helpers.h"
@@ -91,50 +92,57 @@ bool TSQLOperators::Match(TDSField& field, const TSQLCondition& condition, bool 
 std::vector<TSQLOperators::TForm> TSQLOperators::FormsOf(const TSQLCondition& condition, bool negated,
                                                          bool onlyTrueCounts) const {
     const std::string_view op = condition.Operator == "!=" ? std::string_view("<>") : condition.Operator;
-    const std::string_view value = condition.Value;
-    const std::string folded = FoldBlanks(value);
-    constexpr std::size_t behindNot = 4;
+    const std::string folded = FoldBlanks(condition.Value);
     std::vector<TForm> forms;
-    const auto plain = [&](std::string_view as, std::string_view what) {
-        forms.push_back({Plain(condition, as, what), 0});
-    };
-    const auto negation = [&](std::string_view as, std::string_view what) {
-        forms.push_back({Negated(condition, as, what), behindNot});
-    };
-    if (op == "like" || op == "ilike") {
+    if (op == "like" || op == "ilike")
         AddPatternForms(forms, condition, negated);
-    } else if (op == "is" && (folded == "null" || folded == "notnull")) {
-        const bool isNull = (folded == "null") != negated;
-        plain("is", isNull ? "null" : "not null");
-        negation("is", isNull ? "not null" : "null");
-    } else if (op == "is distinct from" || op == "is not distinct from") {
-        const bool differs = (op == "is distinct from") != negated;
-        plain(differs ? "is distinct from" : "is not distinct from", value);
-        if (folded == "null")
-            plain("is", differs ? "not null" : "null");
-        else if (differs)
-            forms.push_back(
-                {"(" + Plain(condition, "<>", value) + " or " + std::string(condition.Left) + " is null)",
-                 std::string::npos});
-        else if (onlyTrueCounts)
-            plain("=", value);
-    } else if (const std::string_view opposite = OppositeOf(op); !opposite.empty()) {
-        plain(negated ? opposite : op, value);
-        negation(negated ? op : opposite, value);
-        if (condition.SubQuery && (op == "=" || op == "<>") && GivesOneRow(value)) {
-            const bool isIn = (op == "=") != negated;
-            isIn ? plain("in", value) : negation("in", value);
-            if (!isIn)
-                plain("not in", value);
-        }
-    } else if (negated) {
-        negation(op, value);
-        if (op == "in" || op == "between")
-            plain("not " + std::string(op), value);
-    } else {
-        plain(op, value);
-    }
+    else if (op == "is" && (folded == "null" || folded == "notnull"))
+        AddNullForms(forms, condition, (folded == "null") != negated);
+    else if (op == "is distinct from" || op == "is not distinct from")
+        AddDistinctForms(forms, condition, (op == "is distinct from") != negated, onlyTrueCounts);
+    else if (!OppositeOf(op).empty())
+        AddComparisonForms(forms, condition, negated ? OppositeOf(op) : op);
+    else if (!negated)
+        forms.push_back({Plain(condition, op, condition.Value), 0});
+    else
+        forms = {{Negated(condition, op, condition.Value), BehindNot},
+                 {Plain(condition, "not " + std::string(op), condition.Value), 0}};
     return forms;
+}
+
+void TSQLOperators::AddNullForms(std::vector<TForm>& forms, const TSQLCondition& condition, bool isNull) {
+    forms.push_back({Plain(condition, "is", isNull ? "null" : "not null"), 0});
+    forms.push_back({Negated(condition, "is", isNull ? "not null" : "null"), BehindNot});
+}
+
+// "=" does for "is not distinct from" where it does not matter that it is unknown of nothing.
+void TSQLOperators::AddDistinctForms(std::vector<TForm>& forms, const TSQLCondition& condition, bool differs,
+                                     bool onlyTrueCounts) {
+    const std::string_view value = condition.Value;
+    forms.push_back({Plain(condition, differs ? "is distinct from" : "is not distinct from", value), 0});
+    if (FoldBlanks(value) == "null")
+        AddNullForms(forms, condition, !differs);
+    else if (differs)
+        forms.push_back({"(" + Plain(condition, "<>", value) + " or " + Plain(condition, "is", "null") + ")",
+                         std::string::npos});
+    else if (onlyTrueCounts)
+        forms.push_back({Plain(condition, "=", value), 0});
+}
+
+// A comparison with one row is one with all that a sub-query of that row gives.
+void TSQLOperators::AddComparisonForms(std::vector<TForm>& forms, const TSQLCondition& condition,
+                                       std::string_view op) {
+    const std::string_view value = condition.Value;
+    forms.push_back({Plain(condition, op, value), 0});
+    forms.push_back({Negated(condition, OppositeOf(op), value), BehindNot});
+    if (!condition.SubQuery || (op != "=" && op != "<>") || !GivesOneRow(value))
+        return;
+    if (op == "=") {
+        forms.push_back({Plain(condition, "in", value), 0});
+    } else {
+        forms.push_back({Negated(condition, "in", value), BehindNot});
+        forms.push_back({Plain(condition, "not in", value), 0});
+    }
 }
 
 // A clause that names the escape character says nothing where the pattern does not hold it; so an operator
@@ -143,15 +151,11 @@ void TSQLOperators::AddPatternForms(std::vector<TForm>& forms, const TSQLConditi
                                     bool negated) const {
     const std::string clause = FoldBlanks(dialect_.PatternClause);
     std::string_view pattern = condition.Value;
-    const std::size_t literalEnd = pattern.rfind('\'', pattern.empty() ? 0 : pattern.size() - 2);
-    bool isEscaped = false;
-    if (!clause.empty() && literalEnd != std::string_view::npos) {
-        const std::size_t word = FindNoCase(pattern, "escape");
-        if (word != std::string_view::npos && FoldBlanks(pattern.substr(word)) == clause) {
-            isEscaped = true;
-            pattern = Trim(pattern.substr(0, word));
-        }
-    }
+    const std::size_t word = LowerAscii(pattern).rfind("escape");
+    const bool isEscaped =
+        !clause.empty() && word != std::string::npos && FoldBlanks(pattern.substr(word)) == clause;
+    if (isEscaped)
+        pattern = Trim(pattern.substr(0, word));
     for (const bool named : {isEscaped, !isEscaped}) {
         const std::string value = std::string(pattern) + (named ? std::string(dialect_.PatternClause) : "");
         const auto add = [&](std::string text, std::size_t fieldStart) {
@@ -161,7 +165,7 @@ void TSQLOperators::AddPatternForms(std::vector<TForm>& forms, const TSQLConditi
             add(Plain(condition, condition.Operator, value), 0);
             continue;
         }
-        add(Negated(condition, condition.Operator, value), 4);
+        add(Negated(condition, condition.Operator, value), BehindNot);
         add(Plain(condition, "not " + std::string(condition.Operator), value), 0);
     }
 }
@@ -196,6 +200,13 @@ bool TSQLOperators::TakePattern(const TForm& form, TCapture& value) const {
 
 // --- More around the field.
 
+// A statement that the whole template fits names the escape character when the template does.
+TSQLOperators::TForm TSQLOperators::FormOfTemplate(const TDSOperator& op) const {
+    const std::string clause = FoldBlanks(dialect_.PatternClause);
+    const bool isNamed = !clause.empty() && FoldBlanks(op.GetSQLName()).find(clause) != std::string::npos;
+    return {{}, 0, true, isNamed, isNamed};
+}
+
 TSQLFit TSQLOperators::FindAround(std::string_view text) const {
     TSQLFit fit;
     for (int i = 0; i < model_.GetOperatCount(); ++i) {
@@ -208,10 +219,7 @@ TSQLFit TSQLOperators::FindAround(std::string_view text) const {
         if (!field || std::find(field->GetOperators().begin(), field->GetOperators().end(), op) ==
                           field->GetOperators().end())
             continue;
-        TForm form{{}, 0, true, false, false};
-        form.IsEscaped = form.IsClauseNamed =
-            !dialect_.PatternClause.empty() &&
-            FoldBlanks(op->GetSQLName()).find(FoldBlanks(dialect_.PatternClause)) != std::string::npos;
+        const TForm form = FormOfTemplate(*op);
         if (!TakePatterns(form, fit.Values))
             continue;
         fit.Field = field;

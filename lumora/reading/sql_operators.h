@@ -37,6 +37,8 @@ public:
     TSQLFit FindAround(std::string_view text) const;
 
 private:
+    static constexpr std::size_t BehindNot = 4; // where the field begins in "not(...)"
+
     // A way to write a condition.
     struct TForm {
         std::string Text;
@@ -49,6 +51,12 @@ private:
     bool Match(TDSField& field, const TSQLCondition& condition, bool negated, bool onlyTrueCounts,
                TSQLFit& fit) const;
     std::vector<TForm> FormsOf(const TSQLCondition& condition, bool negated, bool onlyTrueCounts) const;
+    static void AddNullForms(std::vector<TForm>& forms, const TSQLCondition& condition, bool isNull);
+    static void AddDistinctForms(std::vector<TForm>& forms, const TSQLCondition& condition, bool differs,
+                                 bool onlyTrueCounts);
+    static void AddComparisonForms(std::vector<TForm>& forms, const TSQLCondition& condition,
+                                   std::string_view op);
+    TForm FormOfTemplate(const TDSOperator& op) const;
     void AddPatternForms(std::vector<TForm>& forms, const TSQLCondition& condition, bool negated) const;
     bool TakePatterns(const TForm& form, std::vector<TCapture>& values) const;
     bool TakePattern(const TForm& form, TCapture& value) const;
