@@ -86,8 +86,6 @@ private:
                 continue;
             }
             std::string text = Value(condition.GetValueType(value));
-            if (condition.GetSQLExpr().find("like") != std::string::npos)
-                text = ReplaceText(text, "%", " per cent "); // a wildcard is not the text itself
             if (condition.GetValueKind(value) == vkList)
                 text = "\"" + ReplaceText(text, "\"", "\"\"") + "\", " +
                        QuoteText(Value(condition.GetValueType(value)), '"', '"');

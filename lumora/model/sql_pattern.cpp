@@ -168,8 +168,7 @@ private:
             (inner.starts_with('%') || (inner.ends_with('%') && !IsLastEscaped(inner, expected.Escape))))
             return false;
         const bool doubled = inner.find('\'') != std::string_view::npos;
-        return Capture(expected.Value, doubled ? ReplaceText(inner, "''", "'") : std::string(inner), true,
-                       wildcards) &&
+        return Capture(expected.Value, doubled ? ReplaceText(inner, "''", "'") : std::string(inner), true) &&
                Match(element + 1, end);
     }
 
@@ -218,14 +217,14 @@ private:
         return next.Kind != elLiteral || (at < text_.size() && LowerAscii(text_[at]) == next.Text[0]);
     }
 
-    bool Capture(int value, std::string_view text, bool quoted, bool inPattern = false) {
+    bool Capture(int value, std::string_view text, bool quoted) {
         const auto index = static_cast<std::size_t>(value - 1);
         if (captures_.size() <= index)
             captures_.resize(index + 1);
         TCapture& capture = captures_[index];
         if (capture.Found && capture.Text != text)
             return false;
-        capture = {std::string(text), quoted, true, inPattern};
+        capture = {std::string(text), quoted, true};
         return true;
     }
 

@@ -12,7 +12,6 @@ struct TCapture {
     std::string Text;
     bool Quoted = false;
     bool Found = false;
-    bool InPattern = false; // the template has wildcards around it
 };
 
 class TSQLPattern {

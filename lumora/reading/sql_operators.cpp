@@ -1,12 +1,13 @@
 #include "lumora/reading/sql_operators.h"
 
 #include "lumora/model/structure.h"
-#include "lumora/platform/ascii.h"
 #include "lumora/query/field_by_sql.h"
+#include "lumora/query/pattern_place.h"
 #include "lumora/statement/dialects/dialect.h"
 #include "lumora/support/string_helpers.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace lumora {
 
@@ -79,7 +80,7 @@ bool TSQLOperators::Match(TDSField& field, const TSQLCondition& condition, bool 
                     ? pattern.Match(form.Text, name, fit.Values) &&
                           FoldBlanks(name) == FoldBlanks(condition.Left)
                     : pattern.Match(form.Text, form.FieldStart, condition.Left.size(), fit.Values);
-            if (!matches || !TakePatterns(form, fit.Values))
+            if (!matches || !FitsPatterns(form, *op, fit.Values))
                 continue;
             fit.Operator = op;
             return true;
@@ -149,13 +150,8 @@ void TSQLOperators::AddComparisonForms(std::vector<TForm>& forms, const TSQLCond
 // may have it or not.
 void TSQLOperators::AddPatternForms(std::vector<TForm>& forms, const TSQLCondition& condition,
                                     bool negated) const {
-    const std::string clause = FoldBlanks(dialect_.PatternClause);
-    std::string_view pattern = condition.Value;
-    const std::size_t word = LowerAscii(pattern).rfind("escape");
-    const bool isEscaped =
-        !clause.empty() && word != std::string::npos && FoldBlanks(pattern.substr(word)) == clause;
-    if (isEscaped)
-        pattern = Trim(pattern.substr(0, word));
+    const std::string_view pattern = WithoutPatternClause(condition.Value, dialect_);
+    const bool isEscaped = pattern.size() < condition.Value.size();
     for (const bool named : {isEscaped, !isEscaped}) {
         const std::string value = std::string(pattern) + (named ? std::string(dialect_.PatternClause) : "");
         const auto add = [&](std::string text, std::size_t fieldStart) {
@@ -170,31 +166,20 @@ void TSQLOperators::AddPatternForms(std::vector<TForm>& forms, const TSQLConditi
     }
 }
 
-bool TSQLOperators::TakePatterns(const TForm& form, std::vector<TCapture>& values) const {
-    return !form.IsPattern || std::all_of(values.begin(), values.end(),
-                                          [&](TCapture& value) { return TakePattern(form, value); });
-}
-
-// The value as it is entered: one with wildcards of the template around it is meant as it stands, so it is
-// escaped in the statement; any other is a pattern.
-bool TSQLOperators::TakePattern(const TForm& form, TCapture& value) const {
-    const char escape = dialect_.PatternEscape;
-    if (!value.Quoted)
-        return true; // a parameter
-    if (!value.InPattern)
-        return form.IsEscaped == form.IsClauseNamed || value.Text.find(escape) == std::string::npos;
-    std::string text;
-    for (std::size_t i = 0; i < value.Text.size(); ++i) {
-        char c = value.Text[i];
-        const bool isEscape = form.IsEscaped && c == escape;
-        if (isEscape && ++i == value.Text.size())
+// Whether each value that stands in a pattern of the operator is a text that it finds as it stands.
+bool TSQLOperators::FitsPatterns(const TForm& form, const TDSOperator& op,
+                                 const std::vector<TCapture>& values) const {
+    for (std::size_t i = 0; form.IsPattern && i < values.size(); ++i) {
+        const std::string& pattern = values[i].Text;
+        if (!values[i].Quoted)
+            continue; // a parameter
+        const std::optional<std::string> text =
+            TextOfPattern(op.GetSQLName(), static_cast<int>(i) + 1, pattern, form.IsEscaped, dialect_);
+        const bool clauseMatters =
+            form.IsEscaped != form.IsClauseNamed && pattern.find(dialect_.PatternEscape) != std::string::npos;
+        if (!text || (*text == pattern && clauseMatters))
             return false;
-        if (!isEscape && (c == '%' || c == '_' || (c == '\\' && !form.IsEscaped)))
-            return false;
-        c = value.Text[i];
-        text += c;
     }
-    value.Text = std::move(text);
     return true;
 }
 
@@ -220,7 +205,7 @@ TSQLFit TSQLOperators::FindAround(std::string_view text) const {
                           field->GetOperators().end())
             continue;
         const TForm form = FormOfTemplate(*op);
-        if (!TakePatterns(form, fit.Values))
+        if (!FitsPatterns(form, *op, fit.Values))
             continue;
         fit.Field = field;
         fit.Operator = op;

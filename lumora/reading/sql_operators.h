@@ -58,8 +58,7 @@ private:
                                    std::string_view op);
     TForm FormOfTemplate(const TDSOperator& op) const;
     void AddPatternForms(std::vector<TForm>& forms, const TSQLCondition& condition, bool negated) const;
-    bool TakePatterns(const TForm& form, std::vector<TCapture>& values) const;
-    bool TakePattern(const TForm& form, TCapture& value) const;
+    bool FitsPatterns(const TForm& form, const TDSOperator& op, const std::vector<TCapture>& values) const;
 
     const TVCustomDBStructure& model_;
     const TDialect& dialect_;

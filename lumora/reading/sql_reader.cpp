@@ -126,6 +126,14 @@ TSQLFit TSQLReader::FindPlainFit(const TSQLCondition& parsed) {
     return fit;
 }
 
+namespace {
+
+const TDialect& DialectOf(const TVQuery& query) {
+    return EffectiveDialect(query.GetDialect(), query.GetSQLSyntax(), true);
+}
+
+} // namespace
+
 // The condition with the names of the model, the field on its left side.
 TSQLCondition TSQLReader::Resolved(const TSQLCondition& parsed) const {
     TSQLCondition condition = parsed;
@@ -147,8 +155,7 @@ TSQLCondition TSQLReader::Resolved(const TSQLCondition& parsed) const {
 }
 
 TSQLFit TSQLReader::FindStrictFit(const TSQLCondition& parsed) const {
-    const TDialect& dialect = EffectiveDialect(query_.GetDialect(), query_.GetSQLSyntax(), true);
-    const TSQLOperators operators(model_, dialect);
+    const TSQLOperators operators(model_, DialectOf(query_));
     if (TDSField* const field = FieldBySQL(model_, parsed.Left, true)) {
         if (names_ && !names_->HasTablesOf(*field))
             throw EVQueryPanelError(qpeUnrecognizedField, {parsed.Left}, parsed.Place);
@@ -197,8 +204,7 @@ bool TSQLReader::ReadAsOne(TFilterBracket& bracket, const TSQLBracket& parsed) {
             text.append(" ").append(parsed.Operator).append(" ");
         text += condition.GetSQLExpr();
     }
-    const TDialect& dialect = EffectiveDialect(query_.GetDialect(), query_.GetSQLSyntax(), true);
-    const TSQLFit fit = TSQLOperators(model_, dialect).FindAround(text + ")");
+    const TSQLFit fit = TSQLOperators(model_, DialectOf(query_)).FindAround(text + ")");
     if (!fit.Operator)
         return false;
     AddCondition(bracket, first, fit, parsed.Negated);
