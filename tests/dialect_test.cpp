@@ -117,6 +117,28 @@ TEST_F(Dialect, HoldsTextsWithBackslashesUnderMySQL) {
     EXPECT_EQ(shop_.Conditions(), "near(customers.company, :Param1, _utf8mb4 X'7E5C40767E')\n");
 }
 
+// 14.4 in a column of single precision is less than 14.4 in all its digits.
+TEST_F(Dialect, ComparesSinglePrecisionAsSuch) {
+    shop_.Field("orders.amount")->FieldSize = 4;
+    EXPECT_EQ(Text("orders.amount", "Equal", "14.4"), "orders.amount = 14.4\n");
+    shop_.Panel.SetDialect(sdPostgreSQL);
+    EXPECT_EQ(Text("orders.amount", "InList", "14.4,2"),
+              "orders.amount in (CAST(14.4 AS REAL),CAST(2 AS REAL))\n");
+    const std::string sql = shop_.SQL();
+    shop_.Panel.ParseSQL(TStringList(sql));
+    EXPECT_EQ(shop_.SQL(), sql);
+    const auto refusal = [&](const std::string& value) {
+        return MessageOf<EVLumoraError>([&] {
+            shop_.Panel.ParseSQL(
+                TStringList("select orders.amount from orders where orders.amount < " + value));
+        });
+    };
+    EXPECT_EQ(refusal("14.5"), "");
+    EXPECT_NE(refusal("14.4"), ""); // it would find other rows
+    shop_.Panel.SetStrict(false);
+    EXPECT_EQ(Text("orders.amount", "Equal", "14.4"), "orders.amount = 14.4\n");
+}
+
 TEST_F(Dialect, ReadsBackWhatItWrites) {
     for (const TSQLDialect dialect : {sdSQLite, sdPostgreSQL, sdMySQL}) {
         shop_.Panel.SetDialect(dialect);

@@ -101,15 +101,25 @@ bool MeansTheSame(const TSQLFormats& formats, TFieldType type, std::string_view 
     return type == ftTime ? difference % MillisecondsADay == 0 : difference == 0;
 }
 
+const TDSField* FieldOf(const TFilterCond& condition) {
+    return condition.GetRowType() == frtSimpleCondition
+               ? static_cast<const TSimpleCond&>(condition).GetField()
+               : nullptr;
+}
+
 // How the column keeps the values that a condition compares it with.
 TDateStorage StorageOf(const TFilterCond& condition, TFieldType type) {
-    if (condition.GetRowType() != frtSimpleCondition || (type != ftDate && type != ftDateTime))
-        return dsAsType;
-    const TDSField* const field = static_cast<const TSimpleCond&>(condition).GetField();
+    const TDSField* const field = type == ftDate || type == ftDateTime ? FieldOf(condition) : nullptr;
     return field ? field->Storage : dsAsType;
 }
 
 } // namespace
+
+bool ComparesSingle(const TFilterCond& condition, TFieldType type) {
+    constexpr int singleSize = 4;
+    const TDSField* const field = type == ftFloat ? FieldOf(condition) : nullptr;
+    return field && field->FieldType == ftFloat && field->FieldSize == singleSize;
+}
 
 bool TValueWriter::IsQuoted(TFieldType type) const {
     return structure_.GetQuotedTypes().Contains(type) || (strict_ && !IsCheckedType(type));
@@ -134,8 +144,12 @@ TValueEntry TValueWriter::EntryOf(const TFilterCond& condition, int value) const
 
 TValueWriter::TValue TValueWriter::ValueOf(const TFilterCond& condition, int value) const {
     const TFieldType type = condition.GetValueType(value);
-    return {condition, condition.GetValue(value), condition.GetValueKind(value), type,
-            strict_ ? StorageOf(condition, type) : dsAsType};
+    return {condition,
+            condition.GetValue(value),
+            condition.GetValueKind(value),
+            type,
+            strict_ ? StorageOf(condition, type) : dsAsType,
+            strict_ && ComparesSingle(condition, type)};
 }
 
 bool TValueWriter::NeedsOwnLiteral(const TValue& value) const {
@@ -172,6 +186,8 @@ void TValueWriter::AppendItem(std::string& out, const TValue& value, std::string
     const bool hasLiteral = HasLiteral(value.Type, dsAsType);
     if (value.Type == ftBoolean && hasLiteral && IsValidValue(value.Type, text))
         out += text == "1" || SameText(text, "true") ? dialect_.True : dialect_.False;
+    else if (value.IsSingle && !dialect_.SingleNumber.empty())
+        out += FillPattern(dialect_.SingleNumber, {text});
     else if (quotes || hasLiteral)
         AppendTextLiteral(out, dialect_, text);
     else

@@ -32,6 +32,7 @@ public:
         TValueKind Kind;
         TFieldType Type;
         TDateStorage Storage; // of the column; dsAsType in a plain query
+        bool IsSingle;        // the column is of single precision; never in a plain query
     };
     TValue ValueOf(const TFilterCond& condition, int value) const;
 
@@ -56,6 +57,9 @@ private:
     const TDialect& dialect_;
     bool strict_;
 };
+
+// Whether a condition compares a column of single precision: an ftFloat field of size 4.
+bool ComparesSingle(const TFilterCond& condition, TFieldType type);
 
 // The items of a list value: split at commas outside double quotes, blanks around an item dropped; an item in
 // double quotes loses them, and a doubled double quote inside becomes one.

@@ -12,6 +12,7 @@
 #include "lumora/query/value_text.h"
 #include "lumora/querytext/query_text.h"
 #include "lumora/reading/moment_literals.h"
+#include "lumora/reading/single_literals.h"
 #include "lumora/reading/read_sql.h"
 #include "lumora/reading/sql_columns.h"
 #include "lumora/reading/sql_joins.h"
@@ -480,6 +481,12 @@ std::string TSQLReader::CheckedValue(const TFilterCond& condition, int value, co
         if (!date || !IsValidValue(type, *date))
             Refuse(parsed);
         return *std::move(date);
+    }
+    if (ComparesSingle(condition, type)) {
+        std::optional<std::string> number = ValueOfSingle(text, dialect);
+        if (!number)
+            Refuse(parsed);
+        return *std::move(number);
     }
     if (IsCheckedType(type) ? !IsValidValue(type, text) : !quoted)
         Refuse(parsed);

@@ -56,6 +56,9 @@ struct TDialect {
     std::string_view True = {};       // truth values; empty: as they are entered, in quotes
     std::string_view False = {};
 
+    // A number as a column of single precision holds it; empty: it compares so by itself.
+    std::string_view SingleNumber = {};
+
     std::string_view Concat = "@1 || @2";
     std::string_view CaseBlindEqual = "LOWER(@1) = LOWER(@2)";
     std::string_view CaseBlindLike = "LOWER(@1) LIKE LOWER(@2)";

@@ -14,6 +14,7 @@ constinit const TDialect MySQLDialect{
     .DateTime = {.Mask = "yyyy-mm-dd hh:nn:ss.zzz"},
     .True = "1",
     .False = "0",
+    .SingleNumber = "CAST(@1 AS FLOAT)",
     .Concat = "CONCAT(@1, @2)",
     .CaseBlindLike = "@1 LIKE @2",
     .NullSafeEqual = "@1 <=> @2",

@@ -11,6 +11,7 @@ constinit const TDialect PostgreSQLDialect{
     .DateTime = {.Mask = "yyyy-mm-dd hh:nn:ss.zzz"},
     .True = "TRUE",
     .False = "FALSE",
+    .SingleNumber = "CAST(@1 AS REAL)",
     .CaseBlindLike = "@1 ILIKE @2",
     .NullSafeEqual = "@1 IS NOT DISTINCT FROM @2",
     .Limit = "LIMIT @1",
