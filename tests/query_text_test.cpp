@@ -326,3 +326,17 @@ TEST(QueryText, KeepsOfAStrictQueryHowExactlyMomentsAreSaid) {
     Load(shop.Panel, text);
     EXPECT_EQ(static_cast<TSimpleCond*>(shop.Root().GetRow(1))->GetValue(1), "2001-03-05");
 }
+
+TEST(QueryText, KeepsBreaksAndBlanksOfAStrictQuerysValues) {
+    TShop shop;
+    const std::string odd = " two\\n\nlines\r\n ";
+    shop.Where("customers.company", "Between", odd, "b");
+    EXPECT_EQ(Saved(shop.Panel).find("Needs="), std::string::npos); // a plain one has blanks for them
+    shop.Panel.SetStrict(true);
+    const std::string text = Saved(shop.Panel);
+    EXPECT_NE(text.find("Needs=Breaks\n"), std::string::npos);
+    Load(shop.Panel, text);
+    EXPECT_EQ(static_cast<TSimpleCond*>(shop.Root().GetRow(0))->GetValue(1), odd);
+    EXPECT_EQ(static_cast<TSimpleCond*>(shop.Root().GetRow(0))->GetValue(2), "b");
+    EXPECT_EQ(Saved(shop.Panel), text);
+}

@@ -6,6 +6,7 @@
 #include "lumora/query/query.h"
 #include "lumora/query/query_result.h"
 #include "lumora/query/query_state.h"
+#include "lumora/querytext/line_breaks.h"
 #include "lumora/querytext/list_items.h"
 #include "lumora/querytext/query_text.h"
 #include "lumora/support/needs.h"
@@ -86,7 +87,7 @@ void TQueryTextReader::Read() {
 
 void TQueryTextReader::ReadMain() {
     const TSectionLines main = sections_.Read("Main", position_);
-    CheckNeeds(main.Value("Needs"), {NeedMainTable, NeedTables, NeedHidden, NeedGrouping});
+    CheckNeeds(main.Value("Needs"), {NeedMainTable, NeedTables, NeedHidden, NeedGrouping, NeedBreaks});
     query_.SetQueryName(std::string(main.Value("QueryName")));
     query_.SetVersion(XStrToFloat(main.Value("Version"), 1.1));
     if (const std::string_view options = Trim(main.Value("Options")); !options.empty())
@@ -194,7 +195,10 @@ void TQueryTextReader::ReadValues(const TSectionLines& lines, TFilterCond& condi
     }
     condition.SetValueIsParam(1, XStrToBool(lines.Value("Param1")));
     condition.SetValueIsParam(2, XStrToBool(lines.Value("Param2")));
-    LoadValues(lines.Value("Value1"), lines.Value("Value2"), condition);
+    if (XStrToBool(lines.Value("Breaks")))
+        LoadValues(UnescapeBreaks(lines.Value("Value1")), UnescapeBreaks(lines.Value("Value2")), condition);
+    else
+        LoadValues(lines.Value("Value1"), lines.Value("Value2"), condition);
     for (const int value : {1, 2})
         if (TSQLParam* const param = condition.GetParam(value))
             param->ValueFormat = lines.Value(value == 1 ? "VFormat1" : "VFormat2");

@@ -5,6 +5,7 @@
 #include "lumora/query/query.h"
 #include "lumora/query/query_result.h"
 #include "lumora/query/query_state.h"
+#include "lumora/querytext/line_breaks.h"
 #include "lumora/querytext/list_items.h"
 #include "lumora/querytext/query_text.h"
 #include "lumora/support/string_helpers.h"
@@ -85,7 +86,8 @@ void TQueryTextWriter::WritePowers() {
     const TNeed needs[] = {{NeedMainTable, !mainTable.empty()},
                            {NeedTables, !query_.GetShownTables().empty()},
                            {NeedHidden, columns.HasHidden()},
-                           {NeedGrouping, columns.HasGrouping()}};
+                           {NeedGrouping, columns.HasGrouping()},
+                           {NeedBreaks, query_.GetRootBracket() && KeepsBreaks(*query_.GetRootBracket())}};
     std::string names;
     for (const TNeed& need : needs)
         if (need.IsUsed)
@@ -157,6 +159,11 @@ void TQueryTextWriter::WriteCondition(const TFilterCond& condition) {
         Put("Operator", op ? std::string_view(op->GetName()) : "");
     }
     SaveValues(condition, value1_, value2_);
+    if (KeepsBreaks(condition)) {
+        lines_.Add("Breaks=1");
+        value1_ = EscapeBreaks(value1_);
+        value2_ = EscapeBreaks(value2_);
+    }
     Put("Value1", value1_);
     Put("Value2", value2_);
     for (const int value : {1, 2}) {
