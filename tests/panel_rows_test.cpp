@@ -113,6 +113,11 @@ TEST_F(PanelRows, SayWhatIsThereAndAskForWhatIsNot) {
     EXPECT_EQ(Captions(ScreenWords(panel.GetScreen(), Shop.Root())),
               "||Choose records where|all|of the following apply");
 
+    EXPECT_EQ(RowRemark(*condition), "");
+    condition->SetValue(2, "3"); // it will do, but finds nothing
+    EXPECT_FALSE(RowProblem(panel.GetScreen(), *condition));
+    EXPECT_EQ(RowName(panel.GetScreen(), *condition),
+              "amount is between 5 and 3. The first value is greater than the second");
     condition->SetValue(2, " "); // no number at all
     EXPECT_EQ(RowProblem(panel.GetScreen(), *condition).State, rsUnfinished);
     condition->SetValue(2, "many");

@@ -1,6 +1,8 @@
 #include "lumora/screen/row_problems.h"
 
 #include "lumora/model/structure.h"
+#include "lumora/platform/convert.h"
+#include "lumora/platform/formats.h"
 #include "lumora/query/errors.h"
 #include "lumora/query/filter_rows.h"
 #include "lumora/query/query.h"
@@ -147,6 +149,35 @@ TRowProblem WordProblem(const TQueryScreen& screen, TFilterRow& row, TWordRole r
 
 TRowProblem RowProblem(const TQueryScreen& screen, TFilterRow& row) {
     return TProblemFinder(screen, row).OfRow();
+}
+
+namespace {
+
+// Whether a value is greater than another as the engine orders them; texts are left to it.
+bool IsGreater(TFieldType type, const std::string& first, const std::string& second) {
+    if (IsDateOrTime(type)) {
+        const std::optional<TDateTime> from = TryStrToDateTime(first), to = TryStrToDateTime(second);
+        return from && to && ToMilliseconds(*from) > ToMilliseconds(*to);
+    }
+    const std::optional<double> from = TryStrToFloat(first), to = TryStrToFloat(second);
+    return IsNumber(type) && from && to && *from > *to;
+}
+
+} // namespace
+
+std::string RowRemark(const TFilterRow& row) {
+    if (row.GetRowType() != frtSimpleCondition)
+        return {};
+    const auto& condition = static_cast<const TSimpleCond&>(row);
+    const TSQLTemplate* const pattern = condition.GetTemplate();
+    if (!pattern || condition.GetValueIsParam(1) || condition.GetValueIsParam(2))
+        return {};
+    for (const TComparisonPiece& piece : pattern->GetComparisons())
+        if (piece.Kind == TComparisonPiece::Comparison && piece.SecondValue != 0 &&
+            IsGreater(condition.GetExprType(), condition.GetValue(piece.Value),
+                      condition.GetValue(piece.SecondValue)))
+            return Message(msgFirstValueGreater);
+    return {};
 }
 
 std::vector<TRowProblem> PanelProblems(const TQueryScreen& screen) {

@@ -31,6 +31,8 @@ struct TRowProblem {
 // is enabled does not matter.
 TRowProblem WordProblem(const TQueryScreen& screen, TFilterRow& row, TWordRole role, int value = 0);
 TRowProblem RowProblem(const TQueryScreen& screen, TFilterRow& row);
+// What is odd about a row that is ready all the same; empty for nothing.
+std::string RowRemark(const TFilterRow& row);
 // The first problem of each row that is to be part of the statement: disabled rows, and those in disabled
 // brackets, are left out.
 std::vector<TRowProblem> PanelProblems(const TQueryScreen& screen);

@@ -139,6 +139,8 @@ std::string RowName(const TQueryScreen& screen, TFilterRow& row) {
         name = FormatText(Message(msgRowDisabled), {name});
     if (const TRowProblem problem = RowProblem(screen, row))
         name.append(". ").append(problem.Text);
+    else if (const std::string remark = RowRemark(row); !remark.empty())
+        name.append(". ").append(remark);
     return name;
 }
 
@@ -163,7 +165,8 @@ std::string WordHint(const TFilterRow& row, const TScreenWord& word) {
     if (word.Role == wrValue && word.Value == 1)
         if (const std::string& hint = static_cast<const TFilterCond&>(row).GetHint(); !hint.empty())
             return hint;
-    return word.FullCaption;
+    const std::string remark = word.Role == wrValue ? RowRemark(row) : std::string();
+    return remark.empty() ? word.FullCaption : remark;
 }
 
 } // namespace lumora

@@ -48,13 +48,14 @@ std::vector<TScreenWord> ScreenWords(const TQueryScreen& screen, TFilterRow& row
 // The words of the line that adds a condition.
 std::vector<TScreenWord> AddRowWords(const TQueryScreen& screen);
 
-// What a screen reader says for a row: its words, prompts included, whether it is disabled, and its problem.
+// What a screen reader says for a row: its words, prompts included, whether it is disabled, and its problem
+// or a remark.
 std::string RowName(const TQueryScreen& screen, TFilterRow& row);
 // Where a row stands: "row 2 of 4, in: any of the following apply"; of the rows that are not hidden. Empty
 // for the root bracket.
 std::string RowPlace(const TQueryScreen& screen, const TFilterRow& row);
-// The text shown when the pointer rests on a word: its problem, the hint of a sub-query, or the caption that
-// was cut; empty: none.
+// The text shown when the pointer rests on a word: its problem, the hint of a sub-query, a remark about the
+// row's values, or the caption that was cut; empty: none.
 std::string WordHint(const TFilterRow& row, const TScreenWord& word);
 
 // Whether the row has a line on the screen: neither it nor a bracket around it is hidden, and it is not the

@@ -84,6 +84,7 @@ std::vector<TMessageRecord>& Records() {
         {msgExpectedAtEnd, "", "Expected %s at the end"},
         {msgYes, "", "Yes"},
         {msgNo, "", "No"},
+        {msgFirstValueGreater, "", "The first value is greater than the second"},
         {msgFieldPrompt, "", "<field>"},
         {msgOperatorPrompt, "", "<operator>"},
         {msgValuePrompt, "", "<value>"},

@@ -80,6 +80,7 @@ enum TMessageId : int {
     // On screen.
     msgYes,
     msgNo,
+    msgFirstValueGreater,
     msgFieldPrompt,
     msgOperatorPrompt,
     msgValuePrompt,
