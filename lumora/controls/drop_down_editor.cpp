@@ -219,7 +219,9 @@ void TDropDownEditor::SetText(std::string_view text) {
 
 std::string TDropDownEditor::Refusal() const {
     const std::string& text = TypedText();
-    std::string refusal = RefusalOfKind(content_.Kind, text);
+    std::string refusal;
+    if (!content_.DateSettings) // otherwise Check knows how the person writes
+        refusal = RefusalOfKind(content_.Kind, text);
     if (refusal.empty() && content_.Check) {
         try {
             refusal = content_.Check(text);

@@ -11,6 +11,8 @@
 
 namespace lumora {
 
+struct TFormatSettings;
+
 enum TDropDownKind : std::uint8_t {
     ddNone,      // nothing opens
     ddText,      // a line of text
@@ -50,6 +52,9 @@ struct TDropDownContent {
     int CurrentItem = -1;
     int MaxMenuItems = 0;    // in a column of a menu; 0: no bound
     bool IsOpenList = false; // a text that is none of the items will do too
+    // How the person types and is shown dates, and numbers likewise, which is left to Check; null: by
+    // FormatSettings. It outlives the editor.
+    const TFormatSettings* DateSettings = nullptr;
     // The reason why a text will not do; empty when it will. None: any text will.
     std::function<std::string(std::string_view text)> Check;
     // Reads the items when they are first shown, because that takes time; raises when they cannot be read.

@@ -114,4 +114,9 @@ void TQueryScreen::AppendQueryText(TStringList& lines, const TFilterRow& row,
             AppendQueryText(lines, member, deeper);
 }
 
+void TQueryScreen::SetUserFormats(std::optional<TUserFormats> formats) {
+    userFormats_ = std::move(formats);
+    view_->PlaceAllRows();
+}
+
 } // namespace lumora

@@ -6,6 +6,7 @@
 #include "lumora/screen/keyboard.h"
 #include "lumora/screen/menus.h"
 #include "lumora/screen/screen_host.h"
+#include "lumora/screen/user_formats.h"
 #include "lumora/screen/view.h"
 #include "lumora/titles/titles.h"
 
@@ -72,6 +73,10 @@ public:
     // The query as the words on the screen.
     std::string GetQueryText() const;
 
+    // How dates and numbers are typed and shown; none, as from the start: as conditions keep them.
+    const TUserFormats* GetUserFormats() const { return userFormats_ ? &*userFormats_ : nullptr; }
+    void SetUserFormats(std::optional<TUserFormats> formats);
+
     // --- Mouse, keyboard and menus. A click on a word, given by its index in ScreenWords of the row (-1:
     // beside the words): the row becomes current and the word does what it is there for.
     void ClickWord(TFilterRow& row, int word);
@@ -129,6 +134,7 @@ private:
     bool movedByKeyboard_ = false;
     TTitles titles_;
     TQPAppearance appearance_;
+    std::optional<TUserFormats> userFormats_;
     TScreenKeyboard keyboard_{*this};
     TScreenMenus menus_{*this};
     int rowSpace_ = 3;

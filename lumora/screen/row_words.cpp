@@ -73,10 +73,15 @@ private:
         if (const TSQLParam* const param = condition.GetParam(value))
             AddOrPrompt(wrValue, param->Caption, prompt, value);
         else
-            AddOrPrompt(wrValue,
-                        condition.GetCaption(value).empty() ? condition.GetValue(value)
-                                                            : condition.GetCaption(value),
-                        prompt, value);
+            AddOrPrompt(wrValue, CaptionOf(condition, value), prompt, value);
+    }
+
+    std::string CaptionOf(const TFilterCond& condition, int value) const {
+        if (!condition.GetCaption(value).empty())
+            return condition.GetCaption(value);
+        const TUserFormats* const formats = screen_.GetUserFormats();
+        return formats ? ShownValue(*formats, condition, value, condition.GetValue(value))
+                       : condition.GetValue(value);
     }
 
     void AddSimple(const TSimpleCond& condition) {

@@ -130,10 +130,28 @@ TDropDownContent TWordEditor::LineContent(const TFilterCond& condition) const {
     content.Kind =
         condition.GetValueKind(value_) == vkList ? ddText : LineKind(editor, condition.GetValueType(value_));
     content.Text = condition.GetValue(value_);
+    if (const TUserFormats* const formats = screen_.GetUserFormats()) {
+        content.Text = ShownValue(*formats, condition, value_, content.Text);
+        content.DateSettings = &formats->Dates;
+    }
     if (content.Kind == ddMask)
         content.EditMask = editor->EditMask;
-    content.Check = [editor = *this](std::string_view text) { return editor.Refusal(text); };
+    content.Check = [editor = *this](std::string_view text) { return editor.RefusalOfTyped(text); };
     return content;
+}
+
+std::optional<std::string> TWordEditor::Understood(std::string_view text) const {
+    const TUserFormats* const formats = screen_.GetUserFormats();
+    if (!row_ || !formats)
+        return std::string(text);
+    return StoredValue(*formats, static_cast<TFilterCond&>(*row_), value_, text);
+}
+
+std::string TWordEditor::RefusalOfTyped(std::string_view text) const {
+    const std::optional<std::string> value = Understood(text);
+    if (value)
+        return Refusal(*value);
+    return FormatText(Message(msgInvalidValue), {text, static_cast<TFilterCond&>(*row_).GetCaptionText()});
 }
 
 std::string TWordEditor::Refusal(std::string_view text) const {
@@ -181,11 +199,12 @@ std::string TWordEditor::AcceptValueText(TFilterCond& condition, std::string_vie
         if (!content.IsOpenList)
             return FormatText(Message(msgNotInList), {text});
     }
-    if (std::string refusal = Refusal(text); !refusal.empty())
+    if (std::string refusal = RefusalOfTyped(text); !refusal.empty())
         return refusal;
     const bool blanksCount =
         condition.GetValueKind(value_) == vkScalar && !IsCheckedType(condition.GetValueType(value_));
-    const std::string taken(blanksCount ? text : Trim(text));
+    const std::string value = Understood(text).value_or(std::string(text));
+    const std::string taken(blanksCount ? value : Trim(value));
     ChangeValue(screen_, condition, value_, taken, CaptionOfValue(condition, value_, taken));
     return {};
 }

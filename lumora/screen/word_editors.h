@@ -5,6 +5,7 @@
 #include "lumora/query/row_ref.h"
 #include "lumora/screen/screen_words.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,6 +38,9 @@ private:
     TDropDownContent ListContent(const TFilterCond& condition) const;
     TDropDownContent LineContent(const TFilterCond& condition) const;
     std::string Refusal(std::string_view text) const;
+    std::string RefusalOfTyped(std::string_view text) const;
+    // What the condition keeps for a typed text; nothing when it is no value.
+    std::optional<std::string> Understood(std::string_view text) const;
     std::vector<TDropDownItem> LoadItems() const;
     std::string AcceptValueText(TFilterCond& condition, std::string_view text);
     std::string AcceptValueItem(TFilterCond& condition, const TDropDownItem& item);

@@ -18,10 +18,18 @@ namespace lumora {
 
 namespace {
 
-std::optional<QDateTime> fromText(TDropDownKind kind, const std::string& text) {
-    const std::optional<TDateTime> value = kind == ddDate   ? TryStrToDate(text)
-                                           : kind == ddTime ? TryStrToTime(text)
-                                                            : TryStrToDateTime(text);
+const TFormatSettings& settingsOf(const TDropDownEditor& editor) {
+    const TFormatSettings* const settings = editor.GetContent().DateSettings;
+    return settings ? *settings : FormatSettings();
+}
+
+std::optional<QDateTime> fromText(const TDropDownEditor& editor) {
+    const TDropDownKind kind = editor.GetKind();
+    const std::string text = editor.GetText();
+    const TFormatSettings& settings = settingsOf(editor);
+    const std::optional<TDateTime> value = kind == ddDate   ? TryStrToDate(text, settings)
+                                           : kind == ddTime ? TryStrToTime(text, settings)
+                                                            : TryStrToDateTime(text, settings);
     if (!value)
         return std::nullopt;
     const TDateParts date = DecodeDate(*value);
@@ -31,23 +39,25 @@ std::optional<QDateTime> fromText(TDropDownKind kind, const std::string& text) {
 }
 
 // Seconds are written where there are any.
-std::string toText(TDropDownKind kind, const QDateTime& value) {
+std::string toText(const TDropDownEditor& editor, const QDateTime& value) {
+    const TDropDownKind kind = editor.GetKind();
     const QDate date = value.date();
     const QTime time = value.time();
     const TDateTime day = TryEncodeDate(date.year(), date.month(), date.day()).value_or(0);
     const TDateTime clock = TryEncodeTime(time.hour(), time.minute(), time.second(), time.msec()).value_or(0);
-    const TFormatSettings& settings = FormatSettings();
-    const std::string timeText =
-        FormatDateTime(time.second() == 0 ? settings.ShortTimeFormat : settings.LongTimeFormat, clock);
+    const TFormatSettings& settings = settingsOf(editor);
+    const std::string timeText = FormatDateTime(
+        time.second() == 0 ? settings.ShortTimeFormat : settings.LongTimeFormat, clock, settings);
     if (kind == ddTime)
         return timeText;
-    return kind == ddDate ? DateToStr(day) : DateToStr(day) + ' ' + timeText;
+    const std::string dayText = FormatDateTime(settings.ShortDateFormat, day, settings);
+    return kind == ddDate ? dayText : dayText + ' ' + timeText;
 }
 
 // In the order and with the separators that people of the place expect; the text that comes out does not
 // depend on it.
-QString clockFormat() {
-    const std::string& format = FormatSettings().LongTimeFormat;
+QString clockFormat(const TFormatSettings& settings) {
+    const std::string& format = settings.LongTimeFormat;
     const bool isOfTwelve = format.find("am/pm") != std::string::npos ||
                             format.find("AM/PM") != std::string::npos ||
                             format.find("a/p") != std::string::npos;
@@ -67,7 +77,7 @@ DropDownDatePage::DropDownDatePage(TDropDownEditor& editor, QWidget* parent) : D
     if (hasTime())
         addTime();
     const QDateTime start(QDate::currentDate(), QTime(0, 0));
-    showValue(fromText(editor.GetKind(), editor.GetText()).value_or(start));
+    showValue(fromText(editor).value_or(start));
 }
 
 QWidget* DropDownDatePage::input() const {
@@ -84,7 +94,7 @@ bool DropDownDatePage::handleKey(QWidget* receiver, QKeyEvent* event) {
 
 // A clock shows a time at once, so Enter takes it; other texts stay as they were typed.
 void DropDownDatePage::commit() {
-    if (!line_ && (isPicked_ || !fromText(ddTime, editor_.GetText())))
+    if (!line_ && (isPicked_ || !fromText(editor_)))
         picked();
 }
 
@@ -93,8 +103,7 @@ void DropDownDatePage::addLine() {
     line_->setAccessibleName(editor_.GetKind() == ddDate ? tr("Date") : tr("Date and time"));
     const QString prompt = QString::fromStdString(editor_.GetContent().Prompt);
     const QDateTime sample(QDate::currentDate(), QTime(14, 30));
-    line_->setPlaceholderText(prompt.isEmpty() ? QString::fromStdString(toText(editor_.GetKind(), sample))
-                                               : prompt);
+    line_->setPlaceholderText(prompt.isEmpty() ? QString::fromStdString(toText(editor_, sample)) : prompt);
     line_->setClearButtonEnabled(true);
     line_->selectAll();
     layout()->addWidget(line_);
@@ -125,7 +134,7 @@ void DropDownDatePage::addCalendar() {
 void DropDownDatePage::addTime() {
     time_ = new QTimeEdit(this);
     time_->setAccessibleName(tr("Time"));
-    time_->setDisplayFormat(clockFormat());
+    time_->setDisplayFormat(clockFormat(settingsOf(editor_)));
     time_->setMinimumWidth(fontMetrics().averageCharWidth() * 18);
     layout()->addWidget(time_);
     connect(time_, &QTimeEdit::timeChanged, this, &DropDownDatePage::picked);
@@ -144,7 +153,7 @@ void DropDownDatePage::showValue(const QDateTime& value) {
 
 void DropDownDatePage::textEdited() {
     editor_.SetText(line_->text().toStdString());
-    if (const auto value = fromText(editor_.GetKind(), editor_.GetText()))
+    if (const auto value = fromText(editor_))
         showValue(*value);
     emit edited();
 }
@@ -153,7 +162,7 @@ void DropDownDatePage::picked() {
     isPicked_ = true;
     const QDate date = calendar_ ? calendar_->selectedDate() : QDate::currentDate();
     const QTime time = time_ ? time_->time() : QTime(0, 0);
-    editor_.SetText(toText(editor_.GetKind(), QDateTime(date, time)));
+    editor_.SetText(toText(editor_, QDateTime(date, time)));
     if (line_) {
         const QSignalBlocker blocker(line_);
         line_->setText(QString::fromStdString(editor_.GetText()));
