@@ -17,7 +17,7 @@ std::string sessionName(const DatabaseParameters& database) {
     return (base.isEmpty() ? database.databaseName : base).toStdString();
 }
 
-void loadModel(TVDBStructure& model, const OpenRequest& request) {
+void loadModel(TVDBStructure& model, const OpenRequest& request, Engine engine) {
     try {
         model.LoadFromStrings(TStringList(ReadTextFile(request.modelFile.toStdString())));
     } catch (const EFileError&) {
@@ -28,7 +28,7 @@ void loadModel(TVDBStructure& model, const OpenRequest& request) {
     }
     if (model.GetEmpty())
         throw Exception("The model file \"" + request.modelFile.toStdString() + "\" holds no fields");
-    prepareModel(model, engineOf(request.database.driver));
+    prepareModel(model, engine);
 }
 
 } // namespace
@@ -39,8 +39,8 @@ ModelProvider::ModelProvider(const DatabaseParameters& database) : name_(session
     offerForeignKeys(info_, session_);
 }
 
-void ModelProvider::connect() {
-    session_.open(name_);
+Engine ModelProvider::engine() {
+    return session_.open(name_).engine();
 }
 
 QStringList ModelProvider::fill(TVDBStructure& model) {
@@ -57,13 +57,13 @@ void ModelProvider::serve(TVDBStructure& model) {
 }
 
 OpenedDatabase openDatabase(const OpenRequest& request) {
-    OpenedDatabase opened{request, std::make_unique<TVDBStructure>()};
     ModelProvider provider(request.database);
-    provider.connect(); // also when the model comes from a file: better now than at the first question
+    // Opened also when the model comes from a file: better now than at the first question.
+    OpenedDatabase opened{request, provider.engine(), std::make_unique<TVDBStructure>()};
     if (request.modelFile.isEmpty())
         opened.remarks = provider.fill(*opened.model);
     else
-        loadModel(*opened.model, request);
+        loadModel(*opened.model, request, opened.engine);
     if (opened.model->GetFieldCount() == 0)
         throw DatabaseError(DatabaseError::Kind::NotFound,
                             QCoreApplication::translate("lumora::desk", "%1 has no tables that can be asked")

@@ -32,6 +32,7 @@ struct OpenRequest {
 
 struct OpenedDatabase {
     OpenRequest request;
+    Engine engine = Engine::Other;        // behind ODBC too
     std::unique_ptr<TVDBStructure> model; // ready for the engine, without a provider
     QStringList remarks = {};             // what was left out of the model, and why
 };
@@ -44,8 +45,8 @@ public:
     ModelProvider(const ModelProvider&) = delete;
     ModelProvider& operator=(const ModelProvider&) = delete;
 
-    // DatabaseError when the database cannot be opened.
-    void connect();
+    // Opens the database. DatabaseError when that cannot be done.
+    Engine engine();
     // Fills the model and leaves it without a provider. What was left out, and why.
     QStringList fill(TVDBStructure& model);
     void serve(TVDBStructure& model);

@@ -28,6 +28,7 @@ QString asSentence(const QString& text) {
 struct DeskDocument::Source {
     explicit Source(OpenedDatabase opened)
         : request(std::move(opened.request)),
+          engine(opened.engine),
           model(std::move(opened.model)),
           provider(request.database),
           queries(request) {
@@ -35,6 +36,7 @@ struct DeskDocument::Source {
     }
 
     OpenRequest request;
+    Engine engine;
     std::unique_ptr<TVDBStructure> model;
     ModelProvider provider;
     OpenQueryBase queries;
@@ -113,7 +115,7 @@ void DeskDocument::preparePanel(TVQueryPanel& panel) const {
     panel.SetSaveSQLOptions(true);
     panel.SetSQLOptions(DefaultSQLOptions);
     panel.SetSQLSyntax(ssSQL2);
-    panel.SetDialect(dialectOf(engineOf(source_->request.database.driver)));
+    panel.SetDialect(dialectOf(source_->engine));
     panel.Activate();
 }
 
@@ -459,8 +461,7 @@ Statement DeskDocument::statement(const std::vector<ParameterValue>& values) {
     Statement statement;
     statement.database = source_->request.database;
     statement.sql = decodeText(sql, "The statement");
-    statement.values =
-        parameters.bind(sql, given, model()->GetSQLFormats(), engineOf(statement.database.driver));
+    statement.values = parameters.bind(sql, given, model()->GetSQLFormats(), source_->engine);
     const TRFieldList& fields = copy->GetQResult().GetResultFields();
     for (int i = 0; i < fields.Count() && !fields.JustSorting; ++i)
         if (!fields.GetRField(i)->GetHidden())

@@ -1,6 +1,7 @@
 #include "lumora/query/query_result.h"
 
 #include "lumora/platform/properties.h"
+#include "lumora/query/column_total.h"
 #include "lumora/query/errors.h"
 #include "lumora/query/filter_rows.h"
 #include "lumora/statement/dialects/dialect.h"
@@ -132,11 +133,30 @@ void TQueryResult::BeginClauses() {
     statement_.Select = built_.Select;
 }
 
+// Where the engine takes wrong averages of distinct rows, the word is left out if it changes nothing.
+bool TQueryResult::SaysDistinct() const {
+    const TDialect& dialect =
+        EffectiveDialect(panel_.GetDialect(), panel_.GetSQLSyntax(), panel_.GetStrict());
+    return sqlOptions_.Contains(soSelectDistinct) &&
+           !(panel_.GetStrict() && dialect.DistinctSpoilsTotals && ShowsEachGroupOnce());
+}
+
+bool TQueryResult::ShowsEachGroupOnce() const {
+    bool groups = false;
+    for (int i = 0; i < resultFields_.Count() && !resultFields_.JustSorting; ++i) {
+        const TResultField& field = *resultFields_.GetRField(i);
+        groups = groups || field.GetAgregate();
+        if (!field.GetAgregate() && (field.GetHidden() || TotalOf(field) != ctValue))
+            return false;
+    }
+    return groups;
+}
+
 void TQueryResult::AddColumns() {
     for (int i = 0; i < resultFields_.Count() && sqlOptions_.Contains(soASCIIRFields); ++i)
         resultFields_.GetRField(i)->ReplaceForeignAlias();
     TSelect& select = statement_.Select;
-    select.Distinct = sqlOptions_.Contains(soSelectDistinct);
+    select.Distinct = SaysDistinct();
     for (int i = 0; i < resultFields_.Count() && !resultFields_.JustSorting; ++i) {
         const TResultField& field = *resultFields_.GetRField(i);
         if (field.GetHidden())

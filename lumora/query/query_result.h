@@ -86,6 +86,8 @@ private:
     TSQLPrinter Printer() const;
     void BuildAgainWhenStale();
     void BeginClauses();
+    bool SaysDistinct() const;
+    bool ShowsEachGroupOnce() const;
     void AddColumns();
     void AddTables();
     void AddGroupsAndSorting();

@@ -18,6 +18,7 @@ constinit const TDialect MySQLDialect{
     .Concat = "CONCAT(@1, @2)",
     .CaseBlindLike = "@1 LIKE @2",
     .NullSafeEqual = "@1 <=> @2",
+    .DistinctSpoilsTotals = true, // MariaDB 10.11: SELECT DISTINCT round(sum(a), 2), avg(b) ... GROUP BY
     .Limit = "LIMIT @1",
     .Part = {.Year = "YEAR(@1)",
              .Quarter = "QUARTER(@1)",
