@@ -64,8 +64,8 @@ TEST_F(Documents, AChangeThatIsTakenBackIsNone) {
 }
 
 TEST_F(Documents, WhatIsNotFinishedIsSaidInWords) {
-    addCondition(document, "Customer ID", "");
-    EXPECT_EQ(document.build().problem, "\"Customer ID\" has no value yet.");
+    addCondition(document, "Customer", "");
+    EXPECT_EQ(document.build().problem, "\"Customer\" has no value yet.");
     addCondition(document, "Since", "soon");
     EXPECT_TRUE(document.isModified());
     EXPECT_NE(document.build().problem, "");
@@ -207,7 +207,7 @@ TEST_F(Documents, SqlBecomesRowsOrNothingChanges) {
 TEST_F(Documents, ParametersAreAskedForOnceAndBound) {
     document.panel().GetQResult().GetResultFields().Add("@1", {&field(document, "Name")}, "Who is it");
     addCondition(document, "City", "Oslo");
-    addCondition(document, "Customer ID", "1");
+    addCondition(document, "Customer", "1");
     for (int i = 0; i < 2; ++i) {
         auto& condition = dynamic_cast<TFilterCond&>(*document.panel().GetRootBracket()->GetRow(i));
         condition.SetValueIsParam(1, true);
@@ -216,7 +216,7 @@ TEST_F(Documents, ParametersAreAskedForOnceAndBound) {
     const std::vector<AskedParameter> asked = document.parameters();
     ASSERT_EQ(asked.size(), 2U);
     EXPECT_EQ(asked[0].name, "Town");
-    EXPECT_TRUE(asked[1].caption.contains("Customer ID"));
+    EXPECT_TRUE(asked[1].caption.contains("Customer"));
     EXPECT_NE(MessageOf<Exception>([&] { document.statement({{"Town", "Oslo"}, {"Number", "one"}}); }), "");
     const Statement statement = document.statement({{"Town", "Oslo"}, {"Number", "1"}});
     EXPECT_EQ(statement.values.size(), 2);

@@ -146,10 +146,10 @@ TEST_F(Windows, AColumnIsAddedTheQueryRunSavedAndOpenedAgain) {
 }
 
 TEST_F(Windows, AQueryThatIsNotFinishedSaysSoWhereItsSqlWouldBe) {
-    addCondition(window.document(), "Customer ID", "");
+    addCondition(window.document(), "Customer", "");
     settle();
     EXPECT_EQ(window.statement().sql(), "");
-    EXPECT_TRUE(window.statement().problem().contains("Customer ID"));
+    EXPECT_TRUE(window.statement().problem().contains("Customer"));
     run();
     EXPECT_EQ(rows(), 0);
     EXPECT_FALSE(window.result().hasRows());
@@ -262,7 +262,7 @@ TEST_F(Windows, TheListPutsItsSelectionRightWhenTheQueryIsKept) {
 
 TEST_F(Windows, ParametersAreAskedForUntilTheyWillDoAndRemembered) {
     window.query().columns().columns().addField(field(window.document(), "Name"));
-    addCondition(window.document(), "Customer ID", "1");
+    addCondition(window.document(), "Customer", "1");
     auto& condition = dynamic_cast<TFilterCond&>(*window.document().panel().GetRootBracket()->GetRow(0));
     condition.SetValueIsParam(1, true);
     condition.GetParam(1)->Name = "Number";
