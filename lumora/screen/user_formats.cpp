@@ -71,11 +71,11 @@ std::string WithDigits(const TUserFormats& formats, std::string_view text) {
 
 // --- Dates.
 
-// Day, month and year in the person's order.
+// Day, month and year in the person's order. Behind the year a month needs no name.
 std::string NamedDateMask(const TFormatSettings& settings) {
     const std::string order = LowerAscii(settings.ShortDateFormat);
     const std::size_t d = order.find('d'), m = order.find('m'), y = order.find('y');
-    return y < m ? "yyyy mmmm d" : m < d ? "mmmm d, yyyy" : "d mmmm yyyy";
+    return y < m ? "yyyy-mm-dd" : m < d ? "mmmm d, yyyy" : "d mmmm yyyy";
 }
 
 std::string ShownDate(const TUserFormats& formats, TFieldType type, std::string_view stored) {

@@ -6,17 +6,22 @@ namespace lumora {
 
 namespace {
 
-// A mask of ours from one of Qt: months are "m", minutes "n", and the year is written in full.
-std::string dateMask(const QString& format) {
+// Day, month and year in the order of one of Qt's formats, with its first separator between them.
+void setDateFormat(TFormatSettings& dates, const QString& format) {
     QString mask;
-    for (const QChar c : format)
-        if (c == u'y' && mask.endsWith(QStringLiteral("yyyy")))
-            continue;
-        else if (c == u'y')
-            mask += mask.endsWith(u'y') ? QString() : QStringLiteral("yyyy");
-        else if (c.toLower() == u'd' || c.toLower() == u'm' || !c.isLetter())
-            mask += c.toLower();
-    return mask.simplified().toStdString();
+    QChar separator;
+    for (const QChar c : format) {
+        const QString part = c == u'd'   ? QStringLiteral("dd")
+                             : c == u'M' ? QStringLiteral("mm")
+                             : c == u'y' ? QStringLiteral("yyyy")
+                                         : QString();
+        if (separator.isNull() && (c == u'.' || c == u'/' || c == u'-'))
+            separator = c;
+        if (!part.isEmpty() && !mask.contains(part))
+            mask += mask.isEmpty() ? part : QLatin1Char('/') + part;
+    }
+    dates.DateSeparator = separator.isNull() ? "-" : QString(separator).toStdString();
+    dates.ShortDateFormat = mask.toStdString(); // "/" stands for the separator
 }
 
 bool isOfTwelve(const QString& format) {
@@ -41,7 +46,7 @@ void setNames(TFormatSettings& dates, const QLocale& locale) {
 TUserFormats localeFormats(const QLocale& locale) {
     TUserFormats formats;
     TFormatSettings& dates = formats.Dates;
-    dates.ShortDateFormat = dateMask(locale.dateFormat(QLocale::ShortFormat));
+    setDateFormat(dates, locale.dateFormat(QLocale::ShortFormat));
     const bool twelve = isOfTwelve(locale.timeFormat(QLocale::ShortFormat));
     dates.ShortTimeFormat = twelve ? "h:nn ampm" : "hh:nn";
     dates.LongTimeFormat = twelve ? "h:nn:ss ampm" : "hh:nn:ss";

@@ -2,6 +2,7 @@
 // engine gives is what a plain reckoning gives, and the statement read back gives it again.
 #include "lumora/platform/formats.h"
 #include "lumora/query/errors.h"
+#include "lumora/query/moment_column.h"
 #include "lumora/support/string_helpers.h"
 #include "tests/fixtures.h"
 #include "tests/postgres_server.h"
@@ -181,7 +182,7 @@ void Moments::compareAll(const QSqlDatabase& database, const Column& column) {
                                      "GreaterThan", "GreaterOrEqual", "Between", "NotBetween", "InList",
                                      "NotInList",   "NoneOf",         "IsNull"};
     int readBack = 0, asked = 0;
-    for (int i = 0; i < 300 && !HasFailure(); ++i) {
+    for (int i = 0; i < 200 && !HasFailure(); ++i) {
         const std::string op = operators[pick(13)];
         std::vector<Given> values(op == "Between" || op == "NotBetween" ? 2
                                   : op == "InList" || op == "NotInList" || op == "NoneOf"
@@ -214,7 +215,7 @@ void Moments::compareAll(const QSqlDatabase& database, const Column& column) {
         const std::string again = panel_.GetQResult().GetSQL().GetText();
         EXPECT_EQ(given(database, again), wanted) << column.name << "\n" << sql << again;
     }
-    EXPECT_GT(readBack, asked / 2) << column.name;
+    EXPECT_GT(readBack, asked / 4) << column.name;
 }
 
 TEST_F(Moments, CompareInSqliteAsTheyAreKept) {
