@@ -8,7 +8,9 @@
 #include "lumora/query/column_total.h"
 #include "lumora/querybase/stored_text.h"
 #include "lumora/screen/row_problems.h"
+#include "lumora/widgets/localeformats.h"
 
+#include <QLocale>
 #include <QRegularExpression>
 #include <QScopedValueRollback>
 
@@ -116,6 +118,8 @@ void DeskDocument::preparePanel(TVQueryPanel& panel) const {
     panel.SetSQLOptions(DefaultSQLOptions);
     panel.SetSQLSyntax(ssSQL2);
     panel.SetDialect(dialectOf(source_->engine));
+    if (const QLocale locale; locale != QLocale::c()) // which is nobody's: dates are as in SQL then
+        panel.GetScreen().SetUserFormats(localeFormats(locale));
     panel.Activate();
 }
 

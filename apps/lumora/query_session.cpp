@@ -67,6 +67,10 @@ void QuerySession::prepare(const QueryOptions& options) {
     if (!options.mainTable.empty())
         query_.SetMainTableName(options.mainTable);
     query_.SetStrict(options.strict);
+    if (options.strict) { // with seconds, as "run" and every engine write them
+        model_.GetSQLFormats().SetTime("hh:nn:ss");
+        model_.GetSQLFormats().SetDateTime("yyyy-mm-dd hh:nn:ss");
+    }
     query_.SetSQLOptions(options.sqlOptions.value_or(DefaultSQLOptions));
 }
 

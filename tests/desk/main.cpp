@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QLocale>
 #include <QStandardPaths>
 
 int main(int argc, char** argv) {
@@ -17,6 +18,7 @@ int main(int argc, char** argv) {
     QStandardPaths::setTestModeEnabled(true);
     QCoreApplication::setOrganizationName("Lumora");
     QCoreApplication::setApplicationName("lumora-desk-tests");
+    QLocale::setDefault(QLocale::c());
     const QApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }
