@@ -46,6 +46,7 @@ public:
             addAgain(i);
         for (int i = count - 1; i >= 0; --i)
             model_.DelLink(i);
+        keepChains();
         return std::move(roles_);
     }
 
@@ -89,9 +90,28 @@ private:
         const bool isPlain =
             !key || (!isSelf && keys_[static_cast<std::size_t>(plain_[pairOf(link)])] == key);
         std::unique_ptr<TDSLink> copy = copyOf(link, isPlain ? *link.Table2 : addTable(link, *key));
+        if (key)
+            made_.push_back(copy.get());
         if (key && mayBeMissing(*key))
             copy->LinkType = ltOuterLeft;
         model_.AddLinkByRef(std::move(copy));
+    }
+
+    // An inner link behind a Left one would lose what that one keeps: a track without album has no artist.
+    void keepChains() {
+        std::vector<TDSTable*> missing;
+        for (const TDSLink* const link : made_)
+            if (link->LinkType == ltOuterLeft)
+                missing.push_back(link->Table2);
+        while (!missing.empty()) {
+            const TDSTable* const table = missing.back();
+            missing.pop_back();
+            for (TDSLink* const link : made_)
+                if (link->Table1 == table && link->LinkType == ltInner) {
+                    link->LinkType = ltOuterLeft;
+                    missing.push_back(link->Table2);
+                }
+        }
     }
 
     bool mayBeMissing(const ForeignKey& key) const {
@@ -118,6 +138,7 @@ private:
     TVCustomDBStructure& model_;
     const DatabaseContents& contents_;
     std::vector<const ForeignKey*> keys_; // of the model's links
+    std::vector<TDSLink*> made_;          // from keys
     std::map<Pair, int> plain_;           // the link that stays, of those between two tables
     std::vector<RoleTable> roles_;
 };

@@ -16,8 +16,9 @@ struct RoleTable {
     std::string role;              // "arrival"
 };
 
-// Adds these tables with their fields, links them, and makes links Left where the key may be missing. Links
-// that the host has added stay as they are. The model's provider must know the tables' columns.
+// Adds these tables with their fields, links them, and makes links Left where the key, or one on the way to
+// it, may be missing. Links that the host has added stay as they are. The model's provider must know the
+// tables' columns.
 std::vector<RoleTable> addRoles(TVCustomDBStructure& model, const DatabaseContents& contents);
 
 } // namespace lumora
