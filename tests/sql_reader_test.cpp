@@ -233,7 +233,9 @@ TEST_F(StrictSQLReader, KeepsMainTableAndShownTablesInTheText) {
         const std::string text = lines.GetText();
         return text.substr(text.find("Options="), text.find("\n\n") - text.find("Options="));
     };
-    Parse("select amount from orders");
+    Parse("select amount from orders"); // it begins with that table anyway
+    EXPECT_EQ(main(), "Options=");
+    Parse("select * from orders");
     EXPECT_EQ(main(), "Options=\nNeeds=MainTable\nMainTable=orders");
     shop_.Model.SetDefaultMainTable(shop_.Model.TableByName(tnName, "orders"));
     EXPECT_EQ(main(), "Options=");
