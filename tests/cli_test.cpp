@@ -207,8 +207,11 @@ TEST(Cli, TheExceptionsOwnTextIsPrinted) {
     EXPECT_EQ(errorOf({"model", folder / "m"}), "Can not find section Link:a-b");
     writeFile(folder / "q", "[Main]\nVersion=3.5\n[Row]\nRowType=1\nRowCount=many\nLinkType=0\n");
     EXPECT_EQ(errorOf({"text", sampleModel, folder / "q"}), "\"many\" is not a valid integer value");
-    writeFile(folder / "q", "");
+    writeFile(folder / "q", "[Main]\nVersion=3.5\n");
     EXPECT_EQ(errorOf({"sql", sampleModel, folder / "q"}), "No enough information for building query");
+    writeFile(folder / "q", "\n");
+    EXPECT_EQ(errorOf({"sql", sampleModel, folder / "q"}),
+              "\"" + (folder / "q") + "\" is empty, which is no query");
 }
 
 TEST(Cli, DashIsStandardInput) {

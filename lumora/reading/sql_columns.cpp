@@ -205,6 +205,18 @@ void TSQLColumns::ReadOrderBy() {
 
 // --- GROUP BY.
 
+// What a virtual field is grouped by may be columns that the model does not show.
+bool TSQLColumns::IsOfVirtualField(std::string_view text) const {
+    const std::string key = KeyOf(text);
+    for (int i = 0; i < shown_ && names_.AreOfModel(); ++i)
+        for (const TDSField* const entry : fields_.GetRField(i)->GetFields())
+            if (entry->GetKind() == vfkVirtual)
+                for (const std::string& reference : entry->GetReferences())
+                    if (KeyOf(reference) == key)
+                        return true;
+    return false;
+}
+
 // A position, a column of a table, an alias, or an expression.
 TResultField& TSQLColumns::ByGroupItem(const TVParserResult::TGroupItem& item) {
     TSQLColumn column;
@@ -220,8 +232,12 @@ TResultField& TSQLColumns::ByGroupItem(const TVParserResult::TGroupItem& item) {
 
 void TSQLColumns::ReadGroupBy() {
     std::vector<std::string> keys;
+    std::vector<std::string> ofVirtual;
     for (const TVParserResult::TGroupItem& item : statement_.GroupBy)
-        keys.push_back(KeyOf(ByGroupItem(item).GetSQLExpr()));
+        if (IsOfVirtualField(item.Text))
+            ofVirtual.push_back(keys.emplace_back(KeyOf(item.Text)));
+        else
+            keys.push_back(KeyOf(ByGroupItem(item).GetSQLExpr()));
     bool totals = false;
     for (int i = 0; i < fields_.Count(); ++i) {
         grouped_.push_back(fields_.GetRField(i));
@@ -232,6 +248,10 @@ void TSQLColumns::ReadGroupBy() {
     for (TResultField* const field : grouped_)
         if (!field->GetAgregate())
             field->SetGrouping(GroupingOf(*field, keys));
+    for (const std::string& key : ofVirtual)
+        if (const std::vector<std::string> covered = CoveredKeys();
+            !totals || std::find(covered.begin(), covered.end(), key) == covered.end())
+            throw EVQueryPanelError(qpeCantBeKept, {"GROUP BY"}, statement_.GroupBy.front().Place);
     if (totals)
         return DropCovered();
     if (SaysDistinct())
@@ -240,13 +260,19 @@ void TSQLColumns::ReadGroupBy() {
         MakeKeys(keys);
 }
 
-// Hidden columns that only group, where a shown one makes the generator group by the same.
-void TSQLColumns::DropCovered() {
+// What the generator groups by for the shown columns.
+std::vector<std::string> TSQLColumns::CoveredKeys() const {
     std::vector<std::string> covered;
     for (const TResultField* const field : grouped_)
         if (!field->GetHidden() && field->GetGrouping() == cgAsNeeded && !field->GetAgregate())
             for (std::string& text : GroupTexts(*field))
                 covered.push_back(std::move(text));
+    return covered;
+}
+
+// Hidden columns that only group, where a shown one makes the generator group by the same.
+void TSQLColumns::DropCovered() {
+    const std::vector<std::string> covered = CoveredKeys();
     std::erase_if(grouped_, [&](TResultField* field) {
         const bool isCovered =
             field->GetHidden() && field->GetSorting() == stNoSort && !field->GetAgregate() &&
@@ -296,7 +322,8 @@ TTextPlace TSQLColumns::PlaceOf(const TResultField& field) const {
 // Groups without a total, of columns that are all shown, are the different records.
 bool TSQLColumns::SaysDistinct() const {
     return std::all_of(grouped_.begin(), grouped_.end(), [](const TResultField* field) {
-        return !field->GetHidden() && field->GetGrouping() == cgAsNeeded && field->GetFormula() == "@1";
+        return !field->GetHidden() && field->GetGrouping() == cgAsNeeded && field->GetFormula() == "@1" &&
+               field->GetFields().front()->GetKind() == vfkData;
     });
 }
 

@@ -41,10 +41,12 @@ private:
     TResultField* ByPosition(std::string_view text, const TTextPlace& place) const;
     TResultField* ByAlias(std::string_view text) const;
     void ReadOrderBy();
+    bool IsOfVirtualField(std::string_view text) const;
     TResultField& ByGroupItem(const TVParserResult::TGroupItem& item);
     void ReadGroupBy();
     TColumnGrouping GroupingOf(const TResultField& field, const std::vector<std::string>& keys) const;
     TTextPlace PlaceOf(const TResultField& field) const;
+    std::vector<std::string> CoveredKeys() const;
     void DropCovered();
     std::vector<std::string> GroupTexts(const TResultField& field) const;
     bool SaysDistinct() const;
