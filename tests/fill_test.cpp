@@ -471,17 +471,18 @@ TEST_P(FilledFile, WhatColumnsKeepIsLookedAt) {
           "timestamp, t datetime,"
           " mixed datetime, seconds datetime, millis timestamp, julian date, digits date, year date, slashes "
           "date,"
-          " stray date, order_date text, note text, none date, started_at text, amount integer)",
+          " stray date, order_date text, note text, none date, started_at text, amount integer,"
+          " sent bool, paid bool)",
           "insert into days values (1, '1996-07-08', '1996-07-08 12:34:56', '1996-07-08 12:34:56', "
           "'1996-07-08 12:34:56.789',"
           " '1996-07-08T12:34:56', '1996-07-08', 836829296, 836829296789, 2450273.024259, 19960708, 1996, "
           "'7/8/1996',"
-          " '1996-07-08', '1996-07-08', '1996-07-08', null, 'soon', 836829296)",
+          " '1996-07-08', '1996-07-08', '1996-07-08', null, 'soon', 836829296, 'T', 1)",
           "insert into days values (2, '2001-01-01', '2001-01-01', '2001-01-01 00:00:00', '2001-01-01 "
           "00:00:00.000',"
           " '2001-01-01T00:00:00', '2001-01-01T00:00:00Z', 978307200, 978307200000, 2451910.5, 20010101, "
           "2001, '1/1/2001',"
-          " '2001-01-01', '2001-01-01', 'x', null, '2001-01-01', 978307200)",
+          " '2001-01-01', '2001-01-01', 'x', null, '2001-01-01', 978307200, 'F', 0)",
           "insert into days (id, stray) values (3, 'N/A')",
           "create view shown as select id + 1 as n, julian - 1 as number, 'a' || id as word, date(seconds, "
           "'unixepoch') as day,"
@@ -506,6 +507,8 @@ TEST_P(FilledFile, WhatColumnsKeepIsLookedAt) {
         {"none", {ftDate, dsAsType}},
         {"started_at", {ftString, dsAsType}},
         {"amount", {ftInteger, dsAsType}},
+        {"sent", {ftString, dsAsType}},
+        {"paid", {ftBoolean, dsAsType}},
     };
     for (const auto& [column, found] : expected) {
         const TDSField& days = field(std::string("days.") + column);
@@ -520,6 +523,7 @@ TEST_P(FilledFile, WhatColumnsKeepIsLookedAt) {
         EXPECT_EQ(ask("days.id", name, "is on", {"1996-07-08"}), "1 ") << column;
         EXPECT_EQ(ask("days.id", name, "is on or before", {"2001-01-01"}), "1 2 ") << column;
     }
+    EXPECT_EQ(ask("days.id", "days.sent", "is", {"T"}), "1 ");
     const std::pair<const char*, TFieldType> ofView[] = {
         {"n", ftInteger},   {"number", ftFloat}, {"word", ftString}, {"day", ftDate},
         {"both", ftString}, {"empty", ftString}, {"bytes", ftBlob}};

@@ -111,7 +111,7 @@ public:
 
 private:
     bool isCandidate(const SourceColumn& column) const {
-        if (!column.hasType || column.type == ftDate || column.type == ftDateTime)
+        if (!column.hasType || column.type == ftDate || column.type == ftDateTime || column.type == ftBoolean)
             return true;
         return column.type == ftString && column.choices.empty() && !contents_.keyOf(column) &&
                soundsLikeDate(column.name);
@@ -158,6 +158,8 @@ private:
             typeByValues(column, found, table);
         else if (column.type == ftString)
             typeText(column, found);
+        else if (column.type == ftBoolean)
+            typeTruth(column, found, table);
         else
             typeDate(column, found, table);
     }
@@ -165,6 +167,16 @@ private:
     void typeText(SourceColumn& column, const Findings& found) const {
         if (found.dates() == found.total())
             makeDate(column, found);
+    }
+
+    // Truth values are written as 1 and 0, which no text equals.
+    void typeTruth(SourceColumn& column, const Findings& found, const SourceTable& table) {
+        if (found.numbers() == found.total())
+            return;
+        column.type = ftString;
+        column.comparison = Comparison::Text;
+        if (found.numbers() > 0)
+            remark(table, column, "holds numbers and texts; numbers are not found by conditions on texts");
     }
 
     static void makeDate(SourceColumn& column, const Findings& found) {

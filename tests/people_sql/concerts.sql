@@ -30,7 +30,7 @@ SELECT T3.name FROM show AS T1 JOIN lineup AS T2 ON T1.show_id = T2.show_id JOIN
 SELECT T1.name, count(*) FROM artist AS T1 JOIN lineup AS T2 ON T2.artist_id = T1.artist_id GROUP BY T1.name
 SELECT T1.name, count(*) FROM artist AS T1 JOIN lineup AS T2 ON T1.artist_id = T2.artist_id GROUP BY T1.artist_id
 SELECT a.name FROM artist a, lineup l WHERE a.artist_id = l.artist_id AND l.slot = 1
-! operator | SELECT name, age FROM artist WHERE age < (SELECT avg(age) FROM artist)
+SELECT name, age FROM artist WHERE age < (SELECT avg(age) FROM artist)
 SELECT name FROM artist WHERE age = (SELECT max(age) FROM artist)
 SELECT sum(fee) FROM artist WHERE country != 'France'
 SELECT count(DISTINCT country) FROM artist
