@@ -163,6 +163,9 @@ std::string optionLines(std::span<const OptionSpec> options) {
 std::vector<OptionSpec> queryOptionSpecs() {
     return {
         {"--syntax", "SYNTAX", "ssSQL1 (joins in WHERE), ssSQL2 (JOIN clauses; the default)\nor ssOracle"},
+        {"--dialect", "DIALECT",
+         "sdSQLite, sdPostgreSQL, sdMySQL or sdOracle: the engine whose\n"
+         "SQL is written and read; \"run\" knows it (default sdStandard)"},
         {"--options", "LIST",
          "of soASCIIRFields, soSelectDistinct, soQuoteAliases,\n"
          "soBracketJoins, soBracketConditions and soSortByNames, with\n"

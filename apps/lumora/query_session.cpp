@@ -48,6 +48,8 @@ QueryOptions::QueryOptions(const Arguments& arguments)
     : strict(arguments.has("--strict")), saveTitles(!arguments.has("--no-titles")) {
     if (const std::string* const name = arguments.value("--syntax"))
         syntax = parseEnum<TSQLSyntax>(*name, "--syntax");
+    if (const std::string* const name = arguments.value("--dialect"))
+        dialect = parseEnum<TSQLDialect>(*name, "--dialect");
     if (const std::string* const list = arguments.value("--options"))
         sqlOptions = parseSQLOptions(*list);
     if (const std::string* const name = arguments.value("--main-table"))
@@ -64,6 +66,7 @@ void QuerySession::prepare(const QueryOptions& options) {
     if (!options.mainTable.empty() && !model_.TableByName(tnName, options.mainTable))
         throw EVDBStructError(dseNoTable, {options.mainTable});
     query_.SetSQLSyntax(options.syntax);
+    query_.SetDialect(options.dialect);
     if (!options.mainTable.empty())
         query_.SetMainTableName(options.mainTable);
     query_.SetStrict(options.strict);

@@ -20,6 +20,7 @@ struct QueryOptions {
     explicit QueryOptions(const Arguments& arguments);
 
     TSQLSyntax syntax = ssSQL2;
+    TSQLDialect dialect = sdStandard;
     std::optional<TSQLOptions> sqlOptions;
     std::string mainTable;
     bool strict;

@@ -53,8 +53,9 @@ struct Statement {
 Statement makeStatement(const Arguments& arguments, const RunOptions& options, Engine engine) {
     QuerySession session(arguments[1]);
     prepareModel(session.model(), engine);
-    session.query().SetDialect(dialectOf(engine));
-    session.readQuery(arguments[2], options.query);
+    QueryOptions query = options.query;
+    query.dialect = dialectOf(engine);
+    session.readQuery(arguments[2], query);
     QueryParameters parameters(session.query().GetQResult());
     session.query().BuildQuery();
     std::string sql = session.query().GetQResult().GetSQL().GetText();

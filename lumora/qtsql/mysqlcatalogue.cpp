@@ -17,13 +17,13 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-struct KnownType {
+struct MySqlType {
     std::string_view name;
     TFieldType type;
     Comparison comparison;
 };
 
-constexpr KnownType knownTypes[] = {
+constexpr MySqlType mySqlTypes[] = {
     {"tinyint", ftSmallint, Comparison::Value},  {"smallint", ftSmallint, Comparison::Value},
     {"mediumint", ftInteger, Comparison::Value}, {"int", ftInteger, Comparison::Value},
     {"bigint", ftLargeint, Comparison::Value},   {"year", ftSmallint, Comparison::Value},
@@ -43,7 +43,7 @@ constexpr KnownType knownTypes[] = {
 };
 
 // What the information schema says of a column.
-struct CatalogueColumn {
+struct MySqlColumn {
     std::string name;
     std::string typeName;    // "int"
     std::string declaration; // "int(10) unsigned", "enum('a','b')"
@@ -75,12 +75,12 @@ TFieldType unsignedType(TFieldType type, std::string_view name) {
     return name == "int" ? ftLargeint : name == "bigint" ? ftBCD : type;
 }
 
-ColumnInfo describe(const CatalogueColumn& from) {
+ColumnInfo describe(const MySqlColumn& from) {
     ColumnInfo column;
     column.name = from.name;
     column.nullable = from.nullable;
     column.comparison = Comparison::None; // json, points and other shapes
-    for (const KnownType& known : knownTypes)
+    for (const MySqlType& known : mySqlTypes)
         if (known.name == from.typeName) {
             column.type = known.type;
             column.comparison = known.comparison;
