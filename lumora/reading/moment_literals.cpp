@@ -72,8 +72,7 @@ private:
                                     : storage_ == dsEpochMilliseconds
                                         ? *number + epochStart
                                         : (*number - julianStart) * MillisecondsADay;
-        return static_cast<std::int64_t>(
-            std::floor(milliseconds + 0.75)); // a bound stands half a one before
+        return static_cast<std::int64_t>(std::floor(milliseconds + 0.75)); // a bound stands half a one before
     }
 
     // At its start a day is its first moment; elsewhere midnight must be said.

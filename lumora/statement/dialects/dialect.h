@@ -69,9 +69,9 @@ struct TDialect {
     std::string_view PatternClause = " ESCAPE '!'";
     std::string_view NullSafeEqual = {};
     bool DistinctSpoilsTotals = false; // an average beside other totals comes out wrong under DISTINCT
-    std::string_view Limit = {}; // the last line of a statement that gives the first @1 rows
-    TDatePatterns Part = {};     // as a number
-    TDatePatterns Truncate = {}; // the first day, or moment, of the part
+    std::string_view Limit = {};       // the last line of a statement that gives the first @1 rows
+    TDatePatterns Part = {};           // as a number
+    TDatePatterns Truncate = {};       // the first day, or moment, of the part
 };
 
 extern const TDialect StandardDialect;
