@@ -123,7 +123,8 @@ private:
             "date",  "day",     "time",    "timestamp", "datetime", "when",  "at",       "on",
             "since", "until",   "from",    "to",        "start",    "end",   "birthday", "birthdate",
             "dob",   "created", "updated", "modified",  "changed",  "begin", "expires"};
-        for (const std::string_view part : SplitText(readableCaption(name), ' ')) {
+        const std::string caption = readableCaption(name);
+        for (const std::string_view part : SplitText(caption, ' ')) {
             const std::string word = LowerAscii(part);
             if (word.ends_with("date") ||
                 std::find(std::begin(words), std::end(words), word) != std::end(words))

@@ -18,7 +18,8 @@ using Words = std::vector<std::string>;
 // The words of a name in lower case.
 Words wordsOf(std::string_view name) {
     Words words;
-    for (const std::string_view word : SplitText(readableCaption(name), ' '))
+    const std::string caption = readableCaption(name);
+    for (const std::string_view word : SplitText(caption, ' '))
         words.push_back(LowerAscii(word));
     return words;
 }
