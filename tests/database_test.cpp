@@ -9,6 +9,7 @@
 #include "tests/cli_process.h"
 #include "tests/message_of.h"
 #include "tests/postgres_server.h"
+#include "tests/test_application.h"
 
 #include <gtest/gtest.h>
 
@@ -143,10 +144,7 @@ protected:
         }
     }
 
-    int argumentCount_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    const TestApplication application_;
     TemporaryFolder folder_;
     DatabaseParameters parameters_;
     DatabaseSession session_;

@@ -1,9 +1,9 @@
 // What the dialects' expressions mean to the engines that they are for.
 #include "lumora/qtsql/databaseconnection.h"
 #include "lumora/statement/dialects/dialect.h"
+#include "tests/test_application.h"
 #include "tests/test_engines.h"
 
-#include <QCoreApplication>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -63,10 +63,7 @@ protected:
                                              : "to_char(" + expression + ", 'YYYY-MM-DD HH24:MI:SS')";
     }
 
-    int argumentCount_ = 1;
-    char name_[6] = "tests";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    const TestApplication application_;
     TemporaryFolder folder_;
     std::unique_ptr<DatabaseConnection> connection_;
 };

@@ -7,10 +7,9 @@
 #include "tests/cli_process.h"
 #include "tests/mariadb_server.h"
 #include "tests/postgres_server.h"
+#include "tests/test_application.h"
 
 #include <gtest/gtest.h>
-
-#include <QCoreApplication>
 
 #include <algorithm>
 #include <chrono>
@@ -46,10 +45,7 @@ protected:
         return panel.GetQResult().GetSQL().GetText();
     }
 
-    int argumentCount_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    const TestApplication application_;
     TemporaryFolder folder_;
 };
 
@@ -235,10 +231,7 @@ protected:
         return text;
     }
 
-    int argumentCount_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    const TestApplication application_;
     TemporaryFolder folder_;
     DatabaseSession session_;
     TVBDEInfo info_;

@@ -4,9 +4,8 @@
 #include "lumora/qtsql/databaseerror.h"
 #include "lumora/qtsql/modelfiller.h"
 #include "lumora/qtsql/queryrunner.h"
+#include "tests/test_application.h"
 #include "tests/test_engines.h"
-
-#include <QCoreApplication>
 
 #include <map>
 
@@ -67,10 +66,7 @@ protected:
     }
     QSqlDatabase shop() { return session_.open("shop").connection(); }
 
-    int argumentCount_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    const TestApplication application_;
     DatabaseSession session_;
 };
 

@@ -4,6 +4,7 @@
 #include "lumora/qtsql/databaseerror.h"
 #include "lumora/qtsql/queryrunner.h"
 #include "tests/message_of.h"
+#include "tests/test_application.h"
 #include "tests/test_engines.h"
 
 #include <gtest/gtest.h>
@@ -102,10 +103,7 @@ protected:
         return text;
     }
 
-    int argumentCount_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    const TestApplication application_;
     TemporaryFolder folder_;
     DatabaseParameters parameters_;
     std::unique_ptr<DatabaseConnection> own_, odbc_;

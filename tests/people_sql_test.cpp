@@ -11,10 +11,9 @@
 #include "lumora/support/Vstrings.h"
 #include "tests/cli_process.h"
 #include "tests/message_of.h"
+#include "tests/test_application.h"
 
 #include <gtest/gtest.h>
-
-#include <QCoreApplication>
 
 #include <algorithm>
 #include <cstdlib>
@@ -126,10 +125,7 @@ private:
         fillModel(model_, info, session);
     }
 
-    int argumentCount_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    const TestApplication application_;
     TemporaryFolder folder_;
     std::unique_ptr<DatabaseConnection> database_;
 };

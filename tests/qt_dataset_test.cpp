@@ -5,11 +5,11 @@
 #include "lumora/qtsql/datasetfilterproxymodel.h"
 #include "lumora/qtsql/itemmodeldataset.h"
 #include "tests/message_of.h"
+#include "tests/test_application.h"
 
 #include <gtest/gtest.h>
 
 #include <QAbstractTableModel>
-#include <QCoreApplication>
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QSqlDatabase>
@@ -95,10 +95,7 @@ protected:
         return text;
     }
 
-    int argumentCount_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    const TestApplication application_;
     QSqlDatabase database_;
 };
 

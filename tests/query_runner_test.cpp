@@ -4,11 +4,11 @@
 #include "lumora/qtsql/querycanceller.h"
 #include "lumora/qtsql/queryrunner.h"
 #include "tests/message_of.h"
+#include "tests/test_application.h"
 #include "tests/test_engines.h"
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QSqlQuery>
 
 #include <chrono>
@@ -74,10 +74,7 @@ protected:
     }
     void expectUsable() { EXPECT_EQ(run("select 1 union all select 2", ignore(), nullptr), 2); }
 
-    int argumentCount_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    const TestApplication application_;
     TemporaryFolder folder_;
     std::unique_ptr<DatabaseConnection> connection_;
 };

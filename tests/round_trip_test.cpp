@@ -4,10 +4,9 @@
 #include "lumora/support/Vstrings.h"
 #include "tests/cli_process.h"
 #include "tests/fixtures.h"
+#include "tests/test_application.h"
 
 #include <gtest/gtest.h>
-
-#include <QCoreApplication>
 
 #include <algorithm>
 #include <random>
@@ -176,10 +175,7 @@ protected:
         panel.Activate();
     }
 
-    int argumentCount_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    const TestApplication application_;
     TemporaryFolder folder_;
     std::unique_ptr<DatabaseConnection> database_;
     TVDBStructure model_;

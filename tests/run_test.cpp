@@ -3,10 +3,10 @@
 #include "tests/postgres_server.h"
 #include "tests/run_model.h"
 #include "tests/started_program.h"
+#include "tests/test_application.h"
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QSqlError>
 #include <QSqlQuery>
 
@@ -70,10 +70,7 @@ protected:
             throw std::runtime_error(query.lastError().text().toStdString());
     }
 
-    int argumentCount_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    const TestApplication application_;
     TemporaryFolder folder_;
     std::string database_;
     std::string model_ = folder_ / "x.model";

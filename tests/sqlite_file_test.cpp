@@ -5,10 +5,9 @@
 #include "lumora/qtsql/databaseerror.h"
 #include "tests/cli_process.h"
 #include "tests/message_of.h"
+#include "tests/test_application.h"
 
 #include <gtest/gtest.h>
-
-#include <QCoreApplication>
 
 using namespace lumora;
 using namespace lumora::tests;
@@ -67,10 +66,7 @@ protected:
                                          .status == 0;
     }
 
-    int argumentCount_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    const TestApplication application_;
     TemporaryFolder folder_;
 };
 

@@ -6,11 +6,10 @@
 #include "lumora/qtsql/databaseerror.h"
 #include "tests/cli_process.h"
 #include "tests/message_of.h"
+#include "tests/test_application.h"
 #include "tests/test_engines.h"
 
 #include <gtest/gtest.h>
-
-#include <QCoreApplication>
 
 #include <functional>
 #include <latch>
@@ -87,10 +86,7 @@ protected:
     }
 
 private:
-    int argumentCount_ = 1;
-    char name_[5] = "test";
-    char* arguments_[2] = {name_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    const TestApplication application_;
 
 protected:
     TemporaryFolder folder;

@@ -6,10 +6,10 @@
 #include "lumora/support/string_helpers.h"
 #include "tests/fixtures.h"
 #include "tests/postgres_server.h"
+#include "tests/test_application.h"
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -98,10 +98,7 @@ protected:
     std::set<int> given(const QSqlDatabase& database, const std::string& sql) const;
     void compareAll(const QSqlDatabase& database, const Column& column);
 
-    int argumentCount_ = 1;
-    char programName_[8] = "moments";
-    char* arguments_[2] = {programName_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    const tests::TestApplication application_;
     TMemoryInfo info_;
     TVDBStructure model_;
     TVQueryPanel panel_;

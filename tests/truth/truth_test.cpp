@@ -4,12 +4,12 @@
 #include "lumora/query/errors.h"
 #include "tests/mariadb_server.h"
 #include "tests/postgres_server.h"
+#include "tests/test_application.h"
 #include "tests/truth/named_cases.h"
 #include "tests/truth/random_query.h"
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -87,10 +87,7 @@ protected:
     void ask(const QSqlDatabase& database, const Engine& engine, unsigned seed, Tally& tally);
     void compare(TVQueryPanel& panel, const QSqlDatabase& database, const Engine& engine, Tally& tally);
 
-    int argumentCount_ = 1;
-    char programName_[6] = "truth";
-    char* arguments_[2] = {programName_, nullptr};
-    QCoreApplication application_{argumentCount_, arguments_};
+    const tests::TestApplication application_;
     SqliteShop sqlite_;
     TVDBStructure model_;
     std::vector<TDSLinkType> linkTypes_; // as the sample has them; a random query may turn some
